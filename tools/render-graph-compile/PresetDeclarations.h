@@ -1,0 +1,234 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+// The records in which shader presets are declared. All of it is constant data: strings are static
+// and ASCII, "" where there is none; arrays are static, null with count 0 where there is none.
+// The scalar defaults are what a row leaves out most often.
+namespace FirstPartyPresetSource {
+
+// One parameter that a pass binds, with what the user interface shows for it.
+struct ParamDecl
+{
+    const char *id;
+    const char *description;
+    float defaultValue;
+    float min;
+    float max;
+    float step;
+};
+
+// Values of PassDecl::scaleType.
+inline constexpr std::int32_t kScaleSource = 0;
+inline constexpr std::int32_t kScaleViewport = 1;
+inline constexpr std::int32_t kScaleAbsolute = 2;
+
+struct PassDecl
+{
+    const char *component; // names the shader source, its SPIR-V resource and the pass
+    const char *extentAlias =
+            ""; // later passes sample this pass's output, or its size, by this name
+    bool linearFilter = false;
+    std::int32_t scaleType = kScaleSource;
+    float scaleX = 1.0F;
+    float scaleY = 1.0F;
+    std::int32_t absoluteWidth = 0; // pixels, with kScaleAbsolute only
+    std::int32_t absoluteHeight = 0;
+    std::int32_t reserved = 0; // not read by this tool
+    std::int32_t wrapMode = 0; // the renderer's number, passed through
+    const ParamDecl *params = nullptr;
+    std::int32_t paramCount = 0;
+    bool mipmap = false;
+    bool cacheByParameters = false; // the output depends on parameters alone: no picture input
+    const char *constantBlackWhenZero = ""; // parameter id: while it is 0 the output is black
+    float constantBlackAlpha = 1.0F; // alpha of that black, 0 or 1
+    bool shareConstantBlack = false;
+    bool feedback = false; // the pass reads its own previous output
+    const char *scaleInputAlias = ""; // earlier extentAlias whose size kScaleSource refers to
+};
+
+// A preset's own tuned value of one parameter.
+struct ValueOverride
+{
+    const char *id;
+    float value;
+};
+
+struct PresetDecl
+{
+    const char *name; // also the file stem of the preset's resources
+    std::int32_t feedbackPassIndex = -1; // -1 for none; out of range counts as none
+    const PassDecl *passes; // in execution order
+    std::int32_t passCount;
+    const char *presetExtension = "glslp"; // or "glsl"
+    bool vulkanOnly = true; // no text of the preset ships for the GL renderer
+    const ValueOverride *valueOverrides = nullptr;
+    std::int32_t valueOverrideCount = 0;
+};
+
+namespace Detail {
+
+template<typename T>
+constexpr std::span<const T> rows(const T *first, std::int32_t count)
+{
+    return count > 0 ? std::span(first, static_cast<std::size_t>(count)) : std::span<const T>();
+}
+
+} // namespace Detail
+
+// The arrays as ranges; a count of 0 or less is an empty range, whatever the pointer.
+constexpr std::span<const PassDecl> passesOf(const PresetDecl &preset)
+{
+    return Detail::rows(preset.passes, preset.passCount);
+}
+
+constexpr std::span<const ParamDecl> paramsOf(const PassDecl &pass)
+{
+    return Detail::rows(pass.params, pass.paramCount);
+}
+
+constexpr std::span<const ValueOverride> valueOverridesOf(const PresetDecl &preset)
+{
+    return Detail::rows(preset.valueOverrides, preset.valueOverrideCount);
+}
+
+// What a well-formed catalogue keeps: rules over one preset, and two ways to put them to a whole
+// catalogue, for use in static_assert.
+namespace Rules {
+
+template<typename Rule>
+constexpr bool all(std::span<const PresetDecl> presets, Rule rule)
+{
+    return std::ranges::all_of(presets, rule);
+}
+
+// The manifest's identifiers carry the preset name with '_' for '-'.
+constexpr bool isSameIdentifier(std::string_view a, std::string_view b)
+{
+    return std::ranges::equal(
+            a, b, {}, [](char c) { return c == '-' ? '_' : c; },
+            [](char c) { return c == '-' ? '_' : c; });
+}
+
+constexpr bool identifiersAreUnique(std::span<const PresetDecl> presets)
+{
+    for (std::size_t i = 0; i < presets.size(); ++i) {
+        const std::string_view name = presets[i].name;
+        if (std::ranges::any_of(presets.first(i), [name](const PresetDecl &earlier) {
+                return isSameIdentifier(earlier.name, name);
+            }))
+            return false;
+    }
+    return true;
+}
+
+constexpr bool bindsParam(const PresetDecl &preset, std::string_view id)
+{
+    return std::ranges::any_of(passesOf(preset), [id](const PassDecl &pass) {
+        return std::ranges::any_of(paramsOf(pass),
+                                   [id](const ParamDecl &param) { return param.id == id; });
+    });
+}
+
+constexpr bool publishesAlias(std::span<const PassDecl> passes, std::string_view alias)
+{
+    return std::ranges::any_of(passes,
+                               [alias](const PassDecl &pass) { return pass.extentAlias == alias; });
+}
+
+constexpr bool hasPasses(const PresetDecl &preset)
+{
+    return preset.passes != nullptr && preset.passCount >= 1;
+}
+
+constexpr bool countsMatchArrays(const PresetDecl &preset)
+{
+    return (preset.valueOverrides != nullptr) == (preset.valueOverrideCount > 0)
+            && preset.valueOverrideCount >= 0
+            && std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
+                   return (pass.params != nullptr) == (pass.paramCount > 0) && pass.paramCount >= 0;
+               });
+}
+
+constexpr bool feedbackPassIsInRange(const PresetDecl &preset)
+{
+    return preset.feedbackPassIndex >= -1 && preset.feedbackPassIndex < preset.passCount;
+}
+
+constexpr bool aliasesAreUnique(const PresetDecl &preset)
+{
+    const auto passes = passesOf(preset);
+    for (std::size_t i = 0; i < passes.size(); ++i) {
+        const std::string_view alias = passes[i].extentAlias;
+        if (!alias.empty() && publishesAlias(passes.first(i), alias))
+            return false;
+    }
+    return true;
+}
+
+constexpr bool scaleInputsArePublishedEarlier(const PresetDecl &preset)
+{
+    const auto passes = passesOf(preset);
+    for (std::size_t i = 0; i < passes.size(); ++i) {
+        const std::string_view alias = passes[i].scaleInputAlias;
+        if (!alias.empty() && !publishesAlias(passes.first(i), alias))
+            return false;
+    }
+    return true;
+}
+
+constexpr bool absoluteSizesAreOnAbsolutePasses(const PresetDecl &preset)
+{
+    return std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
+        return pass.scaleType == kScaleAbsolute
+                ? pass.absoluteWidth > 0 && pass.absoluteHeight >= 0
+                : pass.absoluteWidth == 0 && pass.absoluteHeight == 0;
+    });
+}
+
+constexpr bool constantBlackIdsAreBound(const PresetDecl &preset)
+{
+    return std::ranges::all_of(passesOf(preset), [&preset](const PassDecl &pass) {
+        const std::string_view id = pass.constantBlackWhenZero;
+        return id.empty() || bindsParam(preset, id);
+    });
+}
+
+constexpr bool overrideIdsAreBound(const PresetDecl &preset)
+{
+    return std::ranges::all_of(valueOverridesOf(preset), [&preset](const ValueOverride &row) {
+        return bindsParam(preset, row.id);
+    });
+}
+
+constexpr bool overrideIdsAreUnique(const PresetDecl &preset)
+{
+    const auto overrides = valueOverridesOf(preset);
+    for (std::size_t i = 0; i < overrides.size(); ++i) {
+        const std::string_view id = overrides[i].id;
+        if (std::ranges::any_of(overrides.first(i),
+                                [id](const ValueOverride &row) { return row.id == id; }))
+            return false;
+    }
+    return true;
+}
+
+// scaleType, constantBlackAlpha and the order of a parameter's bounds: the values a row may take.
+constexpr bool valuesAreInRange(const PresetDecl &preset)
+{
+    return std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
+        return pass.scaleType >= kScaleSource && pass.scaleType <= kScaleAbsolute
+                && (pass.constantBlackAlpha == 0.0F || pass.constantBlackAlpha == 1.0F)
+                && std::ranges::all_of(paramsOf(pass), [](const ParamDecl &param) {
+                       return param.min <= param.defaultValue && param.defaultValue <= param.max
+                               && param.step > 0.0F;
+                   });
+    });
+}
+
+} // namespace Rules
+
+} // namespace FirstPartyPresetSource
