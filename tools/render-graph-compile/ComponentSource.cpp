@@ -1,0 +1,156 @@
+#include "ComponentSource.h"
+
+#include "TextLines.h"
+
+#include <QDir>
+#include <QRegularExpression>
+#include <QRegularExpressionMatchIterator>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString componentPath(const QString &shadersDir, const QString &component, QLatin1StringView ending)
+{
+    return QDir(shadersDir).filePath("vulkan/components/%1%2"_L1.arg(component, ending));
+}
+
+// Where the next "//" or "/*" begins at or after `from`; the end of the line if there is none.
+qsizetype commentStart(QStringView line, qsizetype from)
+{
+    for (;; ++from) {
+        from = line.indexOf(u'/', from);
+        if (from < 0 || from + 1 >= line.size())
+            return line.size();
+        if (line[from + 1] == u'/' || line[from + 1] == u'*')
+            return from;
+    }
+}
+
+// `inBlockComment` carries from line to line.
+QString withoutComments(const QString &line, bool &inBlockComment)
+{
+    QString code;
+    qsizetype position = 0;
+    while (position < line.size()) {
+        if (inBlockComment) {
+            const qsizetype close = line.indexOf("*/"_L1, position);
+            if (close < 0)
+                break;
+            inBlockComment = false;
+            position = close + 2;
+            continue;
+        }
+        const qsizetype comment = commentStart(line, position);
+        code += QStringView(line).sliced(position, comment - position);
+        if (comment == line.size() || line[comment + 1] == u'/')
+            break;
+        inBlockComment = true;
+        position = comment + 2;
+    }
+    return code;
+}
+
+// Calls `bool visit(const QString &line)` for each line that strippedCodeLines() would list.
+template<typename Visitor>
+void forEachCodeLine(const QString &path, Visitor visit)
+{
+    bool inBlockComment = false;
+    forEachLine(path, [&](const QString &line) {
+        const QString code = withoutComments(line, inBlockComment);
+        return QStringView(code).trimmed().isEmpty() || visit(code);
+    });
+}
+
+// Each pattern below comes with a literal that every match of it contains: looking for that first
+// keeps the expression off nearly all lines.
+bool hasToken(const QString &path, QLatin1StringView literal, const QRegularExpression &token)
+{
+    bool found = false;
+    forEachCodeLine(path, [&](const QString &line) {
+        found = line.contains(literal) && token.match(line).hasMatch();
+        return !found;
+    });
+    return found;
+}
+
+QStringList directiveNames(const QString &path, const QRegularExpression &directive)
+{
+    QStringList names;
+    QSet<QString> seen;
+    forEachLine(path, [&](const QString &line) {
+        if (!line.contains("//!"_L1))
+            return true;
+        const QRegularExpressionMatch match = directive.match(line);
+        if (match.hasMatch()) {
+            const QString name = match.captured(1);
+            if (!seen.contains(name)) {
+                seen.insert(name);
+                names.append(name);
+            }
+        }
+        return true;
+    });
+    return names;
+}
+
+} // namespace
+
+QString slangComponentPath(const QString &shadersDir, const QString &component)
+{
+    return componentPath(shadersDir, component, ".slang"_L1);
+}
+
+QString fragComponentPath(const QString &shadersDir, const QString &component)
+{
+    return componentPath(shadersDir, component, ".frag"_L1);
+}
+
+QStringList strippedCodeLines(const QString &path)
+{
+    QStringList lines;
+    forEachCodeLine(path, [&](const QString &line) {
+        lines.append(line);
+        return true;
+    });
+    return lines;
+}
+
+bool sourceUsesFrameCount(const QString &path)
+{
+    static const QRegularExpression kFrameToken(uR"(\bpc\s*\.\s*(frameCount|frameDirection)\b)"_s);
+    return hasToken(path, "frame"_L1, kFrameToken);
+}
+
+QSet<int> usedParamSlotIndices(const QString &path)
+{
+    static const QRegularExpression kParamsIndex(uR"(\bpc\s*\.\s*params\s*\[\s*(\d+)\s*\])"_s);
+    QSet<int> indices;
+    forEachCodeLine(path, [&](const QString &line) {
+        if (!line.contains("params"_L1))
+            return true;
+        auto matches = kParamsIndex.globalMatch(line);
+        while (matches.hasNext())
+            indices.insert(matches.next().captured(1).toInt());
+        return true;
+    });
+    return indices;
+}
+
+QStringList declaredAliasInputs(const QString &path)
+{
+    static const QRegularExpression kInputDirective(uR"(^\s*//!\s*input\s+(\w+)\s*$)"_s);
+    return directiveNames(path, kInputDirective);
+}
+
+QStringList declaredParameterIds(const QString &path)
+{
+    static const QRegularExpression kParamDirective(uR"(^\s*//!\s*param\s+(\w+)\s*$)"_s);
+    return directiveNames(path, kParamDirective);
+}
+
+bool sourceReadsHdrOutputActive(const QString &path)
+{
+    static const QRegularExpression kHdrToken(uR"(\bpc\s*\.\s*hdrOutputActive\b)"_s);
+    return hasToken(path, "hdrOutputActive"_L1, kHdrToken);
+}
