@@ -1,0 +1,27 @@
+#pragma once
+
+#include "PresetDeclarations.h"
+
+#include <QList>
+#include <QString>
+
+// One parameter of a preset as the user interface shows it.
+struct PresetParamMeta
+{
+    QString id;
+    QString description;
+    float initialValue = 0.0F; // the preset's tuned value
+    float defaultValue = 0.0F;
+    float min = 0.0F;
+    float max = 1.0F;
+    float step = 0.1F;
+};
+
+// Fills `out` with each parameter that the preset's passes declare, once, in order of first
+// declaration. Tuned values come from <shadersDir>/<preset>.glslp while that file exists, and from
+// the declaration's overrides once it is gone, which one line on stdout then says. A .glslp file
+// whose `parameters` list is not the preset's set of ids is an error: one line on stderr, and
+// false.
+bool collectPresetParameters(const QString &shadersDir,
+                             const FirstPartyPresetSource::PresetDecl &decl,
+                             QList<PresetParamMeta> &out);
