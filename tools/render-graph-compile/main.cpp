@@ -1,0 +1,72 @@
+#include "ComponentSource.h"
+#include "FirstPartyPresets.h"
+#include "ManifestWriter.h"
+#include "PresetCompiler.h"
+#include "PresetParameters.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+#include <algorithm>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using FirstPartyPresetSource::PassDecl;
+using FirstPartyPresetSource::PresetDecl;
+
+// A missing source is not this scan's to report: compilePreset() does.
+bool usesFrameCount(const QString &shadersDir, const PresetDecl &decl)
+{
+    return std::ranges::any_of(passesOf(decl), [&shadersDir](const PassDecl &pass) {
+        const QString path = slangComponentPath(shadersDir, QString::fromLatin1(pass.component));
+        return QFile::exists(path) && sourceUsesFrameCount(path);
+    });
+}
+
+// Every step that fails has said why.
+bool compileCatalogue(const QString &shadersDir, const QString &outPath)
+{
+    QList<EmittedPreset> presets;
+    for (const PresetDecl &decl : FirstPartyPresetSource::kPresets) {
+        EmittedPreset preset;
+        preset.name = QString::fromLatin1(decl.name);
+        preset.vulkanOnly = decl.vulkanOnly;
+        preset.usesFrameCount = usesFrameCount(shadersDir, decl);
+        if (!compilePreset(shadersDir, decl, preset.graph))
+            return false;
+        if (!collectPresetParameters(shadersDir, decl, preset.presetParams))
+            return false;
+        presets.append(preset);
+    }
+    return writeManifest(outPath, presets);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // First, since it takes its own arguments out of argv.
+    const QCoreApplication application(argc, argv);
+
+    // Strictly option and value, pair by pair: a value may look like an option, and an unknown word
+    // takes the next one with it.
+    QString shadersDir;
+    QString outPath;
+    for (int i = 1; i + 1 < argc; i += 2) {
+        const QString option = QString::fromLocal8Bit(argv[i]);
+        const QString value = QString::fromLocal8Bit(argv[i + 1]);
+        if (option == "--shaders-dir"_L1)
+            shadersDir = value;
+        else if (option == "--out"_L1)
+            outPath = value;
+    }
+    if (shadersDir.isEmpty() || outPath.isEmpty()) {
+        std::fputs("usage: render-graph-compile --shaders-dir <path> --out <path>\n", stderr);
+        return 1;
+    }
+
+    return compileCatalogue(shadersDir, outPath) ? 0 : 1;
+}
