@@ -1,0 +1,10 @@
+#version 450
+
+// One triangle that covers the viewport, from the vertex index alone: draw 3 vertices, no buffer.
+layout(location = 0) out vec2 texCoord;
+
+void main()
+{
+    texCoord = vec2((gl_VertexIndex << 1) & 2, gl_VertexIndex & 2);
+    gl_Position = vec4(texCoord * 2.0 - 1.0, 0.0, 1.0);
+}
