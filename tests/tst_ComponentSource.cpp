@@ -1,0 +1,446 @@
+#include <ComponentSource.h>
+
+#include "TestSupport.h"
+
+#include <QElapsedTimer>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Every scan over one file.
+struct Scans
+{
+    explicit Scans(const QString &path)
+        : codeLines(strippedCodeLines(path)),
+          usesFrameCount(sourceUsesFrameCount(path)),
+          slotIndices(usedParamSlotIndices(path)),
+          aliases(declaredAliasInputs(path)),
+          ids(declaredParameterIds(path)),
+          readsHdr(sourceReadsHdrOutputActive(path))
+    {
+    }
+    bool foundNothing() const
+    {
+        return codeLines.isEmpty() && !usesFrameCount && slotIndices.isEmpty() && aliases.isEmpty()
+                && ids.isEmpty() && !readsHdr;
+    }
+
+    QStringList codeLines;
+    bool usesFrameCount;
+    QSet<int> slotIndices;
+    QStringList aliases;
+    QStringList ids;
+    bool readsHdr;
+};
+
+QByteArray utf16WithMark(const QString &text, bool bigEndian)
+{
+    QByteArray bytes = bigEndian ? QByteArray("\xFE\xFF") : QByteArray("\xFF\xFE");
+    for (const QChar c : text) {
+        const char high = char(c.unicode() >> 8);
+        const char low = char(c.unicode() & 0xFF);
+        bytes += bigEndian ? high : low;
+        bytes += bigEndian ? low : high;
+    }
+    return bytes;
+}
+
+} // namespace
+
+class TestComponentSource : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory.emplace();
+    }
+    void cleanup()
+    {
+        m_directory.reset();
+    }
+
+    void componentPaths_data();
+    void componentPaths();
+    void codeLines_data();
+    void codeLines();
+    void frameCount_data();
+    void frameCount();
+    void slotIndices_data();
+    void slotIndices();
+    void hdrToken_data();
+    void hdrToken();
+    void directives_data();
+    void directives();
+    void fileThatCannotBeReadYieldsNothing_data();
+    void fileThatCannotBeReadYieldsNothing();
+    void scansOfOneSource_data();
+    void scansOfOneSource();
+    void eachCallReadsAnew();
+    void hugeInputTakesLinearTime_data();
+    void hugeInputTakesLinearTime();
+
+private:
+    QString write(const QByteArray &content)
+    {
+        writeFile(u"c.slang"_s, content);
+        return u"c.slang"_s;
+    }
+
+    std::optional<WorkingDirectory> m_directory;
+};
+
+void TestComponentSource::componentPaths_data()
+{
+    QTest::addColumn<QString>("shadersDir");
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<QString>("slang");
+    QTest::addColumn<QString>("frag");
+
+    const auto row = [](const char *name, const QString &dir, const QString &component,
+                        const QString &stem) {
+        QTest::newRow(name) << dir << component << stem + u".slang"_s << stem + u".frag"_s;
+    };
+    row("relative", u"shaders"_s, u"crt-scanline"_s, u"shaders/vulkan/components/crt-scanline"_s);
+    row("trailing slash", u"shaders/"_s, u"crt-scanline"_s,
+        u"shaders/vulkan/components/crt-scanline"_s);
+    row("absolute", u"/a/b"_s, u"stock"_s, u"/a/b/vulkan/components/stock"_s);
+    row("dots stay", u"./x/../y"_s, u"stock"_s, u"./x/../y/vulkan/components/stock"_s);
+    row("percent in the directory", u"%1/%2"_s, u"stock"_s, u"%1/%2/vulkan/components/stock"_s);
+    row("percent in the component", u"d"_s, u"a%1b"_s, u"d/vulkan/components/a%1b"_s);
+}
+
+void TestComponentSource::componentPaths()
+{
+    QFETCH(QString, shadersDir);
+    QFETCH(QString, component);
+    QTEST(slangComponentPath(shadersDir, component), "slang");
+    QTEST(fragComponentPath(shadersDir, component), "frag");
+}
+
+void TestComponentSource::codeLines_data()
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QStringList>("expected");
+
+    const auto row = [](const char *name, const QByteArray &source, const QStringList &expected) {
+        QTest::newRow(name) << source << expected;
+    };
+    row("empty file", "", {});
+    row("comments and blank lines", "// a\n\n  /* b */  \n\t\n/* c\nd */\n", {});
+    row("indentation and trailing spaces survive", "  x = 1;  \n", {u"  x = 1;  "_s});
+    row("line comment", "    x = pc.params[2]; // not pc.params[9]\n",
+        {u"    x = pc.params[2]; "_s});
+    row("no final newline", "a\nb", {u"a"_s, u"b"_s});
+    row("block comment over three lines", "a\nb\nc /* d\npc.params[1]\ne */ f;\n",
+        {u"a"_s, u"b"_s, u"c "_s, u" f;"_s});
+    row("block comment from the start of a line", "/* d\ne\nf */ g;\n", {u" g;"_s});
+    row("block comment closes at the line's end", "/* d\ne */\nf\n", {u"f"_s});
+    row("empty line inside a block comment", "/*\n\nx\n*/\ny\n", {u"y"_s});
+    row("a removed comment joins its neighbours", "pc/**/.frameCount\n", {u"pc.frameCount"_s});
+    row("two comments on a line", "a/*b*/c/*d*/e\n", {u"ace"_s});
+    row("quotes protect nothing", "a = \"//b\";\nc = \"/*\";\nd */ e\n",
+        {u"a = \""_s, u"c = \""_s, u" e"_s});
+    row("block comments do not nest", "/* a /* b */ c */\n", {u" c */"_s});
+    row("slash star slash does not close itself", "a /*/ b\nc */ d\n", {u"a "_s, u" d"_s});
+    row("slash star slash closed later", "a /*/ b */ c\n", {u"a  c"_s});
+    row("two slashes and a star", "a //* b\nc\n", {u"a "_s, u"c"_s});
+    row("line comment inside a block comment", "/* // */ a\n", {u" a"_s});
+    row("star slash outside a comment", "a */ b\n", {u"a */ b"_s});
+    row("block comment opened at the line's end", "a /*\nb */ c\n", {u"a "_s, u" c"_s});
+    row("single slashes", "a / b / c\n/\n", {u"a / b / c"_s, u"/"_s});
+    row("slash at the line's end", "a /\n/ b\n", {u"a /"_s, u"/ b"_s});
+    row("block comment never closed", "a\n/* b\nc\n", {u"a"_s});
+    row("CR LF", "a\r\n/* b\r\n*/ c\r\n", {u"a"_s, u" c"_s});
+    row("lone CRs vanish", "a\rb\n", {u"ab"_s});
+    row("other line separators stay",
+        "a\x0c"
+        "b\n",
+        {u"a\fb"_s});
+    row("Unicode spaces alone are blank", "\xc2\xa0\xe3\x80\x80\nx\n", {u"x"_s});
+    row("UTF-8", "\xc3\xa9 // \xc3\xa8\n", {u"\u00e9 "_s});
+    row("bad UTF-8",
+        "a\xff"
+        "b\n",
+        {u"a\ufffd"
+         u"b"_s});
+    row("UTF-8 mark",
+        "\xef\xbb\xbf"
+        "a\n",
+        {u"a"_s});
+    row("UTF-16 little endian", utf16WithMark(u"a // b\nc\n"_s, false), {u"a "_s, u"c"_s});
+    row("UTF-16 big endian", utf16WithMark(u"a // b\nc\n"_s, true), {u"a "_s, u"c"_s});
+    row("NUL stays", QByteArray("a\0b\n", 4), {QString(u"a\0b"_s)});
+}
+
+void TestComponentSource::codeLines()
+{
+    QFETCH(QByteArray, source);
+    QTEST(strippedCodeLines(write(source)), "expected");
+}
+
+void TestComponentSource::frameCount_data()
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<bool>("expected");
+
+    const auto row = [](const char *name, const QByteArray &source, bool expected) {
+        QTest::newRow(name) << source << expected;
+    };
+    row("frameCount", "x = pc.frameCount;\n", true);
+    row("frameDirection", "x = pc.frameDirection;\n", true);
+    row("spaces around the dot", "x = pc \t. frameDirection;\n", true);
+    row("on a later line", "a\nb\npc.frameCount\n", true);
+    row("only in a line comment", "x; // pc.frameCount\n", false);
+    row("only in a block comment", "/* pc.frameCount\npc.frameDirection */ x\n", false);
+    row("comment inside the token", "pc/**/.frameCount\n", true);
+    row("longer field", "pc.frameCounter\n", false);
+    row("longer field with underscore", "pc.frameCount_\n", false);
+    row("longer object", "npc.frameCount\n", false);
+    row("object of another object", "a.pc.frameCount\n", true);
+    row("other case", "pc.FrameCount PC.frameCount\n", false);
+    row("over two lines", "pc.\nframeCount\n", false);
+    row("other field", "pc.frame\n", false);
+    row("empty", "", false);
+}
+
+void TestComponentSource::frameCount()
+{
+    QFETCH(QByteArray, source);
+    QTEST(sourceUsesFrameCount(write(source)), "expected");
+}
+
+void TestComponentSource::slotIndices_data()
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QSet<int>>("expected");
+
+    const auto row = [](const char *name, const QByteArray &source, const QSet<int> &expected) {
+        QTest::newRow(name) << source << expected;
+    };
+    row("none", "x = params[1];\n", {});
+    row("several on a line", "pc.params[1] + pc.params[1] * pc.params[ 3 ]\n", {1, 3});
+    row("on several lines", "pc.params[0]\npc.params[14]\n", {0, 14});
+    row("not in comments", "    x = pc.params[2]; // pc.params[9]\n/* pc.params[8] */\n", {2});
+    row("spaces everywhere", "pc . params [\t4\t]\n", {4});
+    row("leading zeros", "pc.params[007]\n", {7});
+    row("largest int", "pc.params[2147483647]\n", {2147483647});
+    row("beyond int", "pc.params[2147483648]\n", {0});
+    row("far beyond int", "pc.params[99999999999999999999]\n", {0});
+    row("variable", "pc.params[i]\n", {});
+    row("expression", "pc.params[1 + 1]\n", {});
+    row("suffix", "pc.params[3u]\n", {});
+    row("negative", "pc.params[-1]\n", {});
+    row("unclosed", "pc.params[3\n", {});
+    row("no digits", "pc.params[]\n", {});
+    row("longer object", "npc.params[3]\n", {});
+    row("longer field", "pc.paramsX[3]\n", {});
+    row("other digits", "pc.params[\xd9\xa3]\n", {});
+}
+
+void TestComponentSource::slotIndices()
+{
+    QFETCH(QByteArray, source);
+    QTEST(usedParamSlotIndices(write(source)), "expected");
+}
+
+void TestComponentSource::hdrToken_data()
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<bool>("expected");
+
+    const auto row = [](const char *name, const QByteArray &source, bool expected) {
+        QTest::newRow(name) << source << expected;
+    };
+    row("read", "if (pc.hdrOutputActive != 0u)\n", true);
+    row("spaces around the dot", "pc  .  hdrOutputActive\n", true);
+    row("only in a comment", "// pc.hdrOutputActive\n/* pc.hdrOutputActive */\n", false);
+    row("longer object", "xpc.hdrOutputActive\n", false);
+    row("longer field", "pc.hdrOutputActive2\n", false);
+    row("other case", "pc.HdrOutputActive\n", false);
+    row("no object", "hdrOutputActive\n", false);
+}
+
+void TestComponentSource::hdrToken()
+{
+    QFETCH(QByteArray, source);
+    QTEST(sourceReadsHdrOutputActive(write(source)), "expected");
+}
+
+// Each row's KEY stands for both keywords.
+void TestComponentSource::directives_data()
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QStringList>("expected");
+
+    const auto row = [](const char *name, const QByteArray &source, const QStringList &expected) {
+        QTest::newRow(name) << source << expected;
+    };
+    row("plain", "//! KEY CRT_BEAM\n", {u"CRT_BEAM"_s});
+    row("spaces everywhere", "   //!   KEY   CRT_BEAM   \n", {u"CRT_BEAM"_s});
+    row("tabs", "\t//!\tKEY\tCRT_BEAM\t\n", {u"CRT_BEAM"_s});
+    row("marker against the keyword", "//!KEY a\n", {u"a"_s});
+    row("keyword against the name", "//! KEYa\n", {});
+    row("no name", "//! KEY\n//! KEY \n", {});
+    row("two names", "//! KEY a b\n", {});
+    row("trailing comment", "//! KEY a // b\n", {});
+    row("trailing punctuation", "//! KEY a;\n", {});
+    row("hyphen", "//! KEY a-b\n", {});
+    row("after code", "x; //! KEY a\n", {});
+    row("upper case", "//! KEy a\n", {});
+    row("space in the marker", "// ! KEY a\n/ /! KEY a\n", {});
+    row("three slashes", "///! KEY a\n", {});
+    row("digits and underscores", "//! KEY _0aZ9\n", {u"_0aZ9"_s});
+    row("letters beyond ASCII", "//! KEY \xc3\xa9\n", {});
+    row("space beyond ASCII",
+        "//! KEY\xc2\xa0"
+        "a\n",
+        {});
+    row("order of first appearance", "//! KEY b\n//! KEY a\n//! KEY b\n//! KEY B\n",
+        {u"b"_s, u"a"_s, u"B"_s});
+    row("halation_strength twice", "//! KEY halation_strength\n//! KEY halation_strength\n",
+        {u"halation_strength"_s});
+    row("inside a block comment", "/*\n//! KEY a\n*/\n", {u"a"_s});
+    row("no final newline", "//! KEY a", {u"a"_s});
+    row("CR LF", "//! KEY a\r\n//! KEY b\r\n", {u"a"_s, u"b"_s});
+    row("lone CR joins lines", "//! KEY a\r//! KEY b\n", {});
+    row("UTF-16", utf16WithMark(u"//! KEY a\n"_s, false), {u"a"_s});
+    row("UTF-8 mark", "\xef\xbb\xbf//! KEY a\n", {u"a"_s});
+    row("other directive", "//! KEYS a\n//! output a\n", {});
+}
+
+void TestComponentSource::directives()
+{
+    QFETCH(QByteArray, source);
+    QFETCH(QStringList, expected);
+
+    const auto withKeyword = [&source](const QByteArray &keyword) {
+        QByteArray text = source;
+        // UTF-16 carries a NUL behind every letter.
+        const auto wide = [](const QByteArray &word) {
+            QByteArray spread;
+            for (const char c : word)
+                spread += QByteArray(1, c) + '\0';
+            return spread;
+        };
+        return text.replace("KEY", keyword).replace(wide("KEY"), wide(keyword));
+    };
+
+    const QString inputs = write(withKeyword("input"));
+    QCOMPARE(declaredAliasInputs(inputs), expected);
+    QCOMPARE(declaredParameterIds(inputs), QStringList());
+    const QString params = write(withKeyword("param"));
+    QCOMPARE(declaredParameterIds(params), expected);
+    QCOMPARE(declaredAliasInputs(params), QStringList());
+}
+
+void TestComponentSource::fileThatCannotBeReadYieldsNothing_data()
+{
+    QTest::addColumn<std::function<void()>>("make");
+    QTest::newRow("missing") << std::function<void()>([] {});
+    QTest::newRow("directory") << std::function<void()>([] { QDir().mkdir(u"c.slang"_s); });
+    QTest::newRow("dangling link")
+            << std::function<void()>([] { QFile::link(u"nowhere"_s, u"c.slang"_s); });
+    QTest::newRow("empty") << std::function<void()>([] { writeFile(u"c.slang"_s, ""); });
+    QTest::newRow("only a mark") << std::function<void()>(
+            [] { writeFile(u"c.slang"_s, "\xef\xbb\xbf"); });
+    QTest::newRow("only CRs") << std::function<void()>([] { writeFile(u"c.slang"_s, "\r\r"); });
+}
+
+void TestComponentSource::fileThatCannotBeReadYieldsNothing()
+{
+    QFETCH(std::function<void()>, make);
+    make();
+    bool foundNothing = false;
+    const QByteArray error =
+            captured(stderr, [&] { foundNothing = Scans(u"c.slang"_s).foundNothing(); });
+    QVERIFY(foundNothing);
+    QCOMPARE(error, "");
+}
+
+void TestComponentSource::scansOfOneSource_data()
+{
+    QTest::addColumn<QByteArray>("lineEnd");
+    QTest::newRow("LF") << QByteArray("\n");
+    QTest::newRow("CR LF") << QByteArray("\r\n");
+}
+
+void TestComponentSource::scansOfOneSource()
+{
+    QFETCH(QByteArray, lineEnd);
+    QByteArray source = "//! input BEAM\n"
+                        "//! param strength\n"
+                        "void main() {\n"
+                        "    /* pc.params[7]\n"
+                        "    */ x = pc.params[0] + pc.frameCount;\n"
+                        "    y = pc.hdrOutputActive; // pc.params[6]\n"
+                        "}\n";
+    const Scans scans(write(source.replace("\n", lineEnd)));
+    QCOMPARE(scans.codeLines,
+             QStringList({u"void main() {"_s, u" x = pc.params[0] + pc.frameCount;"_s,
+                          u"    y = pc.hdrOutputActive; "_s, u"}"_s}));
+    QVERIFY(scans.usesFrameCount);
+    QCOMPARE(scans.slotIndices, QSet<int>({0}));
+    QCOMPARE(scans.aliases, QStringList({u"BEAM"_s}));
+    QCOMPARE(scans.ids, QStringList({u"strength"_s}));
+    QVERIFY(scans.readsHdr);
+}
+
+void TestComponentSource::eachCallReadsAnew()
+{
+    QCOMPARE(declaredAliasInputs(write("//! input a\n")), QStringList({u"a"_s}));
+    QCOMPARE(declaredAliasInputs(write("//! input b\n")), QStringList({u"b"_s}));
+    QVERIFY(!sourceUsesFrameCount(write("x\n")));
+    QVERIFY(sourceUsesFrameCount(write("pc.frameCount\n")));
+}
+
+// A scan that is quadratic in any of these takes minutes.
+void TestComponentSource::hugeInputTakesLinearTime_data()
+{
+    QTest::addColumn<QByteArray>("source");
+
+    constexpr int kSize = 4 << 20;
+    const auto row = [](const char *name, const QByteArray &unit) {
+        QTest::newRow(name) << unit.repeated(int(kSize / unit.size()));
+    };
+    row("one line of spaces", " ");
+    row("one line of slashes and spaces", "/ ");
+    row("one line of comment openings", "/*");
+    row("one line of closed comments", "/**/");
+    row("one line of objects", "pc ");
+    row("one line of near tokens", "pc . frame ");
+    row("one line of slot reads", "pc.params[1] ");
+    row("one line of unclosed slot reads", "pc . params [ 1 ");
+    row("one line of markers", "//!");
+    QTest::newRow("a directive with endless spaces before the name")
+            << "//! param" + QByteArray(kSize, ' ') + "a b\n";
+    QTest::newRow("a directive with endless spaces after the name")
+            << "//! param a" + QByteArray(kSize, ' ') + "b\n";
+    QTest::newRow("a directive with an endless name") << "//! input " + QByteArray(kSize, 'a');
+    QTest::newRow("a slot with endless digits") << "pc.params[" + QByteArray(kSize, '9') + "]";
+    row("empty lines", "\n");
+    row("short lines", "x;\n");
+    QByteArray directives;
+    for (int i = 0; directives.size() < kSize; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        directives += "//! input a" + number + "\n//! param p" + number + '\n';
+    }
+    QTest::newRow("distinct directives") << directives;
+}
+
+void TestComponentSource::hugeInputTakesLinearTime()
+{
+    QFETCH(QByteArray, source);
+    const QString path = write(source);
+    QElapsedTimer timer;
+    timer.start();
+    const Scans scans(path);
+    QVERIFY2(timer.elapsed() < 30000, QByteArray::number(timer.elapsed()).constData());
+}
+
+QTEST_APPLESS_MAIN(TestComponentSource)
+#include "tst_ComponentSource.moc"

@@ -1,0 +1,347 @@
+#include <PresetParameters.h>
+
+#include "TestSupport.h"
+
+using namespace Qt::StringLiterals;
+using namespace FirstPartyPresetSource;
+
+namespace {
+
+constexpr ParamDecl kFirst[] = {
+        {.id = "b",
+         .description = "B first",
+         .defaultValue = 0.5F,
+         .min = 0.0F,
+         .max = 1.0F,
+         .step = 0.1F},
+        {.id = "a",
+         .description = "A",
+         .defaultValue = 2.0F,
+         .min = 1.0F,
+         .max = 3.0F,
+         .step = 0.25F},
+};
+constexpr ParamDecl kSecond[] = {
+        {.id = "b",
+         .description = "B second",
+         .defaultValue = 9.0F,
+         .min = 8.0F,
+         .max = 10.0F,
+         .step = 1.0F},
+        {.id = "c",
+         .description = "C",
+         .defaultValue = -1.0F,
+         .min = -2.0F,
+         .max = 0.0F,
+         .step = 0.5F},
+};
+constexpr PassDecl kPasses[] = {
+        {.component = "x", .params = kFirst, .paramCount = 2},
+        {.component = "y"},
+        {.component = "z", .params = kSecond, .paramCount = 2},
+};
+constexpr PassDecl kBarePasses[] = {{.component = "x"}};
+
+constexpr PresetDecl kPreset = {.name = "p", .passes = kPasses, .passCount = 3};
+constexpr PresetDecl kBarePreset = {.name = "p", .passes = kBarePasses, .passCount = 1};
+
+constexpr ValueOverride kOverrides[] = {
+        {"c", 0.25F},
+        {"unbound", 7.0F},
+        {"b", 0.75F},
+        {"b", 0.875F},
+};
+
+struct Outcome
+{
+    bool succeeded = false;
+    QList<PresetParamMeta> params;
+    QByteArray out;
+    QByteArray err;
+};
+
+Outcome collected(const PresetDecl &decl)
+{
+    Outcome outcome;
+    outcome.params.append(PresetParamMeta()); // stale: must not survive
+    outcome.out = captured(stdout, [&] {
+        outcome.err = captured(stderr, [&] {
+            outcome.succeeded = collectPresetParameters(u"shaders"_s, decl, outcome.params);
+        });
+    });
+    return outcome;
+}
+
+QStringList ids(const Outcome &outcome)
+{
+    QStringList list;
+    for (const PresetParamMeta &param : outcome.params)
+        list.append(param.id);
+    return list;
+}
+
+QList<float> initialValues(const Outcome &outcome)
+{
+    QList<float> list;
+    for (const PresetParamMeta &param : outcome.params)
+        list.append(param.initialValue);
+    return list;
+}
+
+} // namespace
+
+class TestPresetParameters : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory.emplace();
+    }
+    void cleanup()
+    {
+        m_directory.reset();
+    }
+
+    void freshRecordHasItsDefaults();
+    void firstDeclarationOfAnIdWins();
+    void otherExtensionHasNoTableAndNoCheck();
+    void retiredPresetUsesItsOverrides();
+    void retiredPresetWithoutOverrides();
+    void declaredOverridesAreNotUsedBesideAFile();
+    void values_data();
+    void values();
+    void driftCheck_data();
+    void driftCheck();
+    void parametersLineMayBeAnywhere_data();
+    void parametersLineMayBeAnywhere();
+    void bareParametersListPassesForABarePreset();
+    void fileThatExistsButCannotBeReadIsDrift();
+    void danglingLinkIsRetired();
+
+private:
+    std::optional<WorkingDirectory> m_directory;
+};
+
+void TestPresetParameters::freshRecordHasItsDefaults()
+{
+    const PresetParamMeta fresh;
+    QCOMPARE(fresh.id, QString());
+    QCOMPARE(fresh.description, QString());
+    QCOMPARE(fresh.initialValue, 0.0F);
+    QCOMPARE(fresh.defaultValue, 0.0F);
+    QCOMPARE(fresh.min, 0.0F);
+    QCOMPARE(fresh.max, 1.0F);
+    QCOMPARE(fresh.step, 0.1F);
+}
+
+void TestPresetParameters::firstDeclarationOfAnIdWins()
+{
+    const Outcome outcome = collected(kPreset);
+    QVERIFY(outcome.succeeded);
+    QCOMPARE(ids(outcome), QStringList({u"b"_s, u"a"_s, u"c"_s}));
+    const PresetParamMeta &b = outcome.params.at(0);
+    QCOMPARE(b.description, u"B first"_s);
+    QCOMPARE(b.initialValue, 0.5F);
+    QCOMPARE(b.defaultValue, 0.5F);
+    QCOMPARE(b.min, 0.0F);
+    QCOMPARE(b.max, 1.0F);
+    QCOMPARE(b.step, 0.1F);
+}
+
+void TestPresetParameters::otherExtensionHasNoTableAndNoCheck()
+{
+    // Neither the file nor the overrides are looked at.
+    writeFile(u"shaders/p.glslp"_s, "parameters = \"other\"\nb = \"0.1\"\n");
+    PresetDecl decl = kPreset;
+    decl.presetExtension = "glsl";
+    decl.valueOverrides = kOverrides;
+    decl.valueOverrideCount = std::size(kOverrides);
+    const Outcome outcome = collected(decl);
+    QVERIFY(outcome.succeeded);
+    QCOMPARE(initialValues(outcome), QList<float>({0.5F, 2.0F, -1.0F}));
+    QCOMPARE(outcome.out, "");
+    QCOMPARE(outcome.err, "");
+}
+
+void TestPresetParameters::retiredPresetUsesItsOverrides()
+{
+    PresetDecl decl = kPreset;
+    decl.valueOverrides = kOverrides;
+    decl.valueOverrideCount = std::size(kOverrides);
+    const Outcome outcome = collected(decl);
+    QVERIFY(outcome.succeeded);
+    QCOMPARE(ids(outcome), QStringList({u"b"_s, u"a"_s, u"c"_s}));
+    QCOMPARE(initialValues(outcome), QList<float>({0.875F, 2.0F, 0.25F}));
+    QCOMPARE(outcome.params.at(0).defaultValue, 0.5F);
+    QCOMPARE(outcome.out,
+             "render-graph-compile: preset 'p' has no .glslp source on disk (retired) -- skipping "
+             "drift check, using 4 hand-authored value override(s)\n");
+    QCOMPARE(outcome.err, "");
+}
+
+void TestPresetParameters::retiredPresetWithoutOverrides()
+{
+    const Outcome outcome = collected(kPreset);
+    QVERIFY(outcome.succeeded);
+    QCOMPARE(initialValues(outcome), QList<float>({0.5F, 2.0F, -1.0F}));
+    QCOMPARE(outcome.out,
+             "render-graph-compile: preset 'p' has no .glslp source on disk (retired) -- skipping "
+             "drift check, using 0 hand-authored value override(s)\n");
+    QCOMPARE(outcome.err, "");
+}
+
+void TestPresetParameters::declaredOverridesAreNotUsedBesideAFile()
+{
+    writeFile(u"shaders/p.glslp"_s, "parameters = \"a;b;c\"\na = \"2.5\"\n");
+    PresetDecl decl = kPreset;
+    decl.valueOverrides = kOverrides;
+    decl.valueOverrideCount = std::size(kOverrides);
+    const Outcome outcome = collected(decl);
+    QVERIFY(outcome.succeeded);
+    QCOMPARE(initialValues(outcome), QList<float>({0.5F, 2.5F, -1.0F}));
+    QCOMPARE(outcome.out, "");
+    QCOMPARE(outcome.err, "");
+}
+
+// What a line of the file makes of b, which is 0.5 by default.
+void TestPresetParameters::values_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<float>("expected");
+
+    const auto row = [](const char *name, const QByteArray &lines, float expected) {
+        QTest::newRow(name) << lines << expected;
+    };
+    row("quoted", "b = \"0.25\"", 0.25F);
+    row("without quotes", "b = 0.25", 0.5F);
+    row("half quoted", "b = \"0.25", 0.5F);
+    row("spaces everywhere", " \tb\t =  \" 0.25 \" trailing", 0.25F);
+    row("no spaces", "b=\"0.25\"", 0.25F);
+    row("later line wins", "b = \"0.25\"\nb = \"0.75\"", 0.75F);
+    row("later line that is no number", "b = \"0.25\"\nb = \"x\"", 0.25F);
+    row("integer", "b = \"3\"", 3.0F);
+    row("exponent", "b = \"25e-2\"", 0.25F);
+    row("negative", "b = \"-0.25\"", -0.25F);
+    row("empty", "b = \"\"", 0.5F);
+    row("word", "b = \"true\"", 0.5F);
+    row("suffix", "b = \"0.25f\"", 0.5F);
+    row("decimal comma", "b = \"0,25\"", 0.5F);
+    row("hexadecimal", "b = \"0x10\"", 0.5F);
+    row("overflow", "b = \"1e99\"", 0.5F);
+    row("underflow", "b = \"1e-99\"", 0.5F);
+    row("after a comment mark", "# b = \"0.25\"", 0.5F);
+    row("other name", "bb = \"0.25\"", 0.5F);
+    row("other case", "B = \"0.25\"", 0.5F);
+    row("CR LF", "b = \"0.25\"\r", 0.25F);
+    row("quote over two lines", "b = \"0.2\n5\"", 0.5F);
+    row("a number that is no parameter", "scale0 = \"3.0\"\nshader0 = \"b.glsl\"", 0.5F);
+}
+
+void TestPresetParameters::values()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(float, expected);
+    writeFile(u"shaders/p.glslp"_s, "parameters = \"a;b;c\"\n" + lines + '\n');
+    const Outcome outcome = collected(kPreset);
+    QVERIFY(outcome.succeeded);
+    QCOMPARE(outcome.params.at(0).initialValue, expected);
+    QCOMPARE(outcome.params.at(1).initialValue, 2.0F);
+    QCOMPARE(outcome.out, "");
+    QCOMPARE(outcome.err, "");
+}
+
+// The preset's ids are a, b and c; an empty message means success.
+void TestPresetParameters::driftCheck_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QByteArray>("message");
+
+    const auto row = [](const char *name, const QByteArray &file, const QByteArray &declared) {
+        QTest::newRow(name) << file
+                            << "render-graph-compile: preset 'p' ownParams union {a;b;c} does not "
+                               "match its .glslp parameters= list {"
+                        + declared + "}\n";
+    };
+    QTest::newRow("other order") << QByteArray("parameters = \"c;a;b\"\n") << QByteArray();
+    QTest::newRow("empty parts") << QByteArray("parameters = \";c;;a;b;\"\n") << QByteArray();
+    QTest::newRow("text behind the quote")
+            << QByteArray("parameters=\"c;a;b\" # d\n") << QByteArray();
+    row("empty list", "parameters = \"\"\n", "");
+    row("empty file", "", "");
+    row("no parameters line", "a = \"1.0\"\n", "");
+    row("list without quotes", "parameters = a;b;c\n", "");
+    row("one missing", "parameters = \"c;a\"\n", "a;c");
+    row("one too many", "parameters = \"d;c;b;a\"\n", "a;b;c;d");
+    row("a name twice", "parameters = \"c;b;a;a\"\n", "a;a;b;c");
+    row("a space beside a semicolon", "parameters = \"a; b;c\"\n", " b;a;c");
+    row("other case", "parameters = \"A;b;c\"\n", "A;b;c");
+    row("the first line counts", "parameters = \"a\"\nparameters = \"a;b;c\"\n", "a");
+    row("letters beyond ASCII", "parameters = \"\xc3\xa9\"\n", "\xc3\xa9");
+    row("other keyword", "parameterss = \"a;b;c\"\nxparameters = \"a;b;c\"\n", "");
+}
+
+void TestPresetParameters::driftCheck()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QByteArray, message);
+    writeFile(u"shaders/p.glslp"_s, file);
+    const Outcome outcome = collected(kPreset);
+    QCOMPARE(outcome.err, message);
+    QCOMPARE(outcome.succeeded, message.isEmpty());
+    QCOMPARE(outcome.out, "");
+    QCOMPARE(outcome.params.size(), 3);
+}
+
+void TestPresetParameters::parametersLineMayBeAnywhere_data()
+{
+    QTest::addColumn<QByteArray>("file");
+    const QByteArray line = "  parameters\t=  \"a;b;c\"";
+    QTest::newRow("last, without a newline") << "shaders = \"1\"\n" + line;
+    QTest::newRow("CR LF") << "shaders = \"1\"\r\n" + line + "\r\n";
+    QTest::newRow("UTF-8 mark") << "\xef\xbb\xbf" + line;
+    QTest::newRow("behind a line without quotes") << "parameters = a\n" + line;
+}
+
+void TestPresetParameters::parametersLineMayBeAnywhere()
+{
+    QFETCH(QByteArray, file);
+    writeFile(u"shaders/p.glslp"_s, file);
+    const Outcome outcome = collected(kPreset);
+    QCOMPARE(outcome.err, "");
+    QVERIFY(outcome.succeeded);
+}
+
+void TestPresetParameters::bareParametersListPassesForABarePreset()
+{
+    writeFile(u"shaders/p.glslp"_s, "parameters = \"\"\n");
+    const Outcome outcome = collected(kBarePreset);
+    QVERIFY(outcome.succeeded);
+    QVERIFY(outcome.params.isEmpty());
+    QCOMPARE(outcome.out, "");
+    QCOMPARE(outcome.err, "");
+}
+
+void TestPresetParameters::fileThatExistsButCannotBeReadIsDrift()
+{
+    QDir().mkpath(u"shaders/p.glslp"_s);
+    const Outcome outcome = collected(kPreset);
+    QVERIFY(!outcome.succeeded);
+    QCOMPARE(outcome.err,
+             "render-graph-compile: preset 'p' ownParams union {a;b;c} does not match its .glslp "
+             "parameters= list {}\n");
+    QCOMPARE(initialValues(outcome), QList<float>({0.5F, 2.0F, -1.0F}));
+}
+
+void TestPresetParameters::danglingLinkIsRetired()
+{
+    QDir().mkpath(u"shaders"_s);
+    QVERIFY(QFile::link(u"nowhere"_s, u"shaders/p.glslp"_s));
+    const Outcome outcome = collected(kPreset);
+    QVERIFY(outcome.succeeded);
+    QVERIFY(outcome.out.contains("(retired)"));
+}
+
+QTEST_APPLESS_MAIN(TestPresetParameters)
+#include "tst_PresetParameters.moc"

@@ -1,0 +1,539 @@
+#include "TestSupport.h"
+
+#include <QProcess>
+
+#include <functional>
+
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <linux/capability.h>
+
+using namespace Qt::StringLiterals;
+
+// The real binary, as a build runs it.
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+const QString kBinary = QStringLiteral(RENDER_GRAPH_COMPILE);
+const QString kExampleShaders = QStringLiteral(EXAMPLE_SHADERS_DIR);
+const QString kGolden = QStringLiteral(TEST_DIR "/golden/RenderGraphManifest.h");
+const QByteArray kUsage = "usage: render-graph-compile --shaders-dir <path> --out <path>\n";
+
+QByteArray retired(const char *preset, int overrides)
+{
+    return QByteArray("render-graph-compile: preset '") + preset
+            + "' has no .glslp source on disk (retired) -- skipping drift check, using "
+            + QByteArray::number(overrides) + " hand-authored value override(s)\n";
+}
+
+// Of the first `count` presets that have no .glslp file in the example shaders.
+QByteArray retiredUpTo(int count)
+{
+    static const std::pair<const char *, int> kRetired[] = {
+            {"crt-pvm", 30}, {"crt-bvm", 30},      {"crt-arcade", 30}, {"crt-pc", 29},
+            {"crt-bw", 31},  {"crt-consumer", 36}, {"gba-lcd", 6},     {"gameboy-lcd", 12},
+            {"dmg-lcd", 13}, {"no-pixels", 0},
+    };
+    QByteArray lines;
+    for (int i = 0; i < count; ++i)
+        lines += retired(kRetired[i].first, kRetired[i].second);
+    return lines;
+}
+
+struct Run
+{
+    int exitStatus = -1;
+    QByteArray out;
+    QByteArray err;
+    double seconds = 0.0;
+};
+
+using Prepare = std::function<void(QProcess &)>;
+
+Run run(const QStringList &arguments, const Prepare &prepare = {})
+{
+    QProcess process;
+    if (prepare)
+        prepare(process);
+    QElapsedTimer timer;
+    timer.start();
+    process.start(kBinary, arguments);
+    if (!process.waitForFinished(300000) || process.exitStatus() != QProcess::NormalExit)
+        return {-1, process.readAllStandardOutput(),
+                process.readAllStandardError() + process.errorString().toUtf8()};
+    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError(),
+            double(timer.elapsed()) / 1000.0};
+}
+
+Run compile(const QString &shadersDir, const QString &out, const Prepare &prepare = {})
+{
+    return run({u"--shaders-dir"_s, shadersDir, u"--out"_s, out}, prepare);
+}
+
+// Root may open anything. The child gives that up, so that permissions mean what they say.
+void obeyPermissions(QProcess &process)
+{
+    process.setChildProcessModifier([] {
+        ::prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
+        ::prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
+    });
+}
+
+void copyExampleShaders(const QString &to)
+{
+    QProcess copy;
+    copy.start(u"cp"_s, {u"-r"_s, kExampleShaders, to});
+    if (!copy.waitForFinished() || copy.exitCode() != 0)
+        qFatal("cannot copy the example shaders");
+}
+
+QString component(const char *name)
+{
+    return u"shaders/vulkan/components/"_s + QString::fromLatin1(name);
+}
+
+void replaceText(const QString &path, const QByteArray &before, const QByteArray &after)
+{
+    QByteArray text = readFile(path);
+    if (!text.contains(before))
+        qFatal("%s does not contain %s", qPrintable(path), before.constData());
+    writeFile(path, text.replace(before, after));
+}
+
+QByteArray utf16WithMark(const QByteArray &latin1)
+{
+    QByteArray bytes = "\xFF\xFE";
+    for (const char c : latin1)
+        bytes += QByteArray(1, c) + '\0';
+    return bytes;
+}
+
+} // namespace
+
+class TestRenderGraphCompile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_directory.emplace();
+    }
+    void cleanup()
+    {
+        m_directory.reset();
+    }
+
+    void usage_data();
+    void usage();
+    void argumentPairs_data();
+    void argumentPairs();
+    void manifestOfTheExampleShaders();
+    void sameBytesEverywhere_data();
+    void sameBytesEverywhere();
+    void sameBytesFromOtherEncodings_data();
+    void sameBytesFromOtherEncodings();
+    void unreadableComponentCountsAsEmpty_data();
+    void unreadableComponentCountsAsEmpty();
+    void failingRunWritesNothing_data();
+    void failingRunWritesNothing();
+    void outputThatCannotBeOpened_data();
+    void outputThatCannotBeOpened();
+    void frameCounter_data();
+    void frameCounter();
+    void retiredRewind();
+    void fragFallbackIsNotScannedForTheFrameCounter();
+    void hugeComponent_data();
+    void hugeComponent();
+
+private:
+    std::optional<WorkingDirectory> m_directory;
+};
+
+void TestRenderGraphCompile::usage_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("no argument") << QStringList();
+    QTest::newRow("one argument") << QStringList({u"--out"_s});
+    QTest::newRow("no output") << QStringList({u"--shaders-dir"_s, kExampleShaders});
+    QTest::newRow("no shaders") << QStringList({u"--out"_s, u"m.h"_s});
+    QTest::newRow("option last, without a value")
+            << QStringList({u"--shaders-dir"_s, kExampleShaders, u"--out"_s});
+    QTest::newRow("empty shaders directory")
+            << QStringList({u"--shaders-dir"_s, u""_s, u"--out"_s, u"m.h"_s});
+    QTest::newRow("empty output") << QStringList(
+            {u"--shaders-dir"_s, kExampleShaders, u"--out"_s, u""_s});
+    QTest::newRow("emptied by a later pair") << QStringList(
+            {u"--shaders-dir"_s, kExampleShaders, u"--out"_s, u"m.h"_s, u"--out"_s, u""_s});
+    QTest::newRow("a flag first swallows the options") << QStringList(
+            {u"--verbose"_s, u"--shaders-dir"_s, kExampleShaders, u"--out"_s, u"m.h"_s});
+    QTest::newRow("an unknown word swallows --out")
+            << QStringList({u"--shaders-dir"_s, kExampleShaders, u"x"_s, u"--out"_s, u"m.h"_s});
+    QTest::newRow("equals signs") << QStringList(
+            {u"--shaders-dir="_s + kExampleShaders, u"--out=m.h"_s});
+    QTest::newRow("other case") << QStringList(
+            {u"--Shaders-dir"_s, kExampleShaders, u"--OUT"_s, u"m.h"_s});
+    QTest::newRow("abbreviated") << QStringList(
+            {u"--shaders"_s, kExampleShaders, u"--out"_s, u"m.h"_s});
+    QTest::newRow("help") << QStringList({u"--help"_s});
+}
+
+void TestRenderGraphCompile::usage()
+{
+    QFETCH(QStringList, arguments);
+    const Run result = run(arguments);
+    QCOMPARE(result.err, kUsage);
+    QCOMPARE(result.out, "");
+    QCOMPARE(result.exitStatus, 1);
+    QVERIFY(!QFile::exists(u"m.h"_s));
+}
+
+void TestRenderGraphCompile::argumentPairs_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("out");
+    const QString dir = u"--shaders-dir"_s;
+    const QString out = u"--out"_s;
+
+    QTest::newRow("shaders first")
+            << QStringList({dir, kExampleShaders, out, u"m.h"_s}) << u"m.h"_s;
+    QTest::newRow("output first") << QStringList({out, u"m.h"_s, dir, kExampleShaders}) << u"m.h"_s;
+    QTest::newRow("shaders twice: the last")
+            << QStringList({dir, u"nowhere"_s, dir, kExampleShaders, out, u"m.h"_s}) << u"m.h"_s;
+    QTest::newRow("output twice: the last")
+            << QStringList({out, u"first.h"_s, dir, kExampleShaders, out, u"m.h"_s}) << u"m.h"_s;
+    QTest::newRow("unknown pair") << QStringList(
+            {u"--level"_s, u"9"_s, dir, kExampleShaders, out, u"m.h"_s})
+                                  << u"m.h"_s;
+    QTest::newRow("unknown word last")
+            << QStringList({dir, kExampleShaders, out, u"m.h"_s, u"x"_s}) << u"m.h"_s;
+    QTest::newRow("a value that looks like an option")
+            << QStringList({out, u"--shaders-dir"_s, dir, kExampleShaders}) << u"--shaders-dir"_s;
+    QTest::newRow("spaces and letters beyond ASCII")
+            << QStringList({out, u"a \u00e9.h"_s, dir, kExampleShaders}) << u"a \u00e9.h"_s;
+    // Qt takes this one out of argv; the pairs behind it stay pairs.
+    QTest::newRow("an argument of Qt's own")
+            << QStringList({u"-qmljsdebugger=port:1"_s, dir, kExampleShaders, out, u"m.h"_s})
+            << u"m.h"_s;
+}
+
+void TestRenderGraphCompile::argumentPairs()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, out);
+    const Run result = run(arguments);
+    QCOMPARE(result.err, "");
+    QCOMPARE(result.exitStatus, 0);
+    QCOMPARE(QDir().entryList(QDir::Files), QStringList({out}));
+}
+
+void TestRenderGraphCompile::manifestOfTheExampleShaders()
+{
+    const Run result = compile(kExampleShaders, u"m.h"_s);
+    QCOMPARE(result.err, "");
+    QCOMPARE(result.out, retiredUpTo(10));
+    QCOMPARE(result.exitStatus, 0);
+    if (qEnvironmentVariableIsSet("UPDATE_GOLDEN"))
+        writeFile(kGolden, readFile(u"m.h"_s));
+    QVERIFY2(readFile(u"m.h"_s) == readFile(kGolden),
+             "the manifest differs from tests/golden/RenderGraphManifest.h");
+}
+
+void TestRenderGraphCompile::sameBytesEverywhere_data()
+{
+    QTest::addColumn<QStringList>("environment");
+    QTest::newRow("hash seed 0") << QStringList({u"QT_HASH_SEED=0"_s});
+    QTest::newRow("hash seed 1") << QStringList({u"QT_HASH_SEED=1"_s});
+    QTest::newRow("hash seed 4711") << QStringList({u"QT_HASH_SEED=4711"_s});
+    QTest::newRow("locale C") << QStringList({u"LC_ALL=C"_s});
+    QTest::newRow("locale POSIX") << QStringList({u"LC_ALL=POSIX"_s});
+    QTest::newRow("another locale") << QStringList({u"LC_ALL=de_DE.UTF-8"_s, u"LANG=de_DE"_s});
+    QTest::newRow("time zone") << QStringList({u"TZ=Pacific/Kiritimati"_s});
+    QTest::newRow("nothing set") << QStringList();
+}
+
+void TestRenderGraphCompile::sameBytesEverywhere()
+{
+    QFETCH(QStringList, environment);
+    copyExampleShaders(u"shaders"_s);
+    QDir().mkpath(u"other/place"_s);
+    const Run result = compile(u"../../shaders"_s, u"../m.h"_s, [&](QProcess &process) {
+        process.setEnvironment(environment);
+        process.setWorkingDirectory(u"other/place"_s);
+    });
+    QCOMPARE(result.exitStatus, 0);
+    QCOMPARE(result.out, retiredUpTo(10));
+    QVERIFY(readFile(u"other/m.h"_s) == readFile(kGolden));
+}
+
+void TestRenderGraphCompile::sameBytesFromOtherEncodings_data()
+{
+    QTest::addColumn<std::function<QByteArray(QByteArray)>>("encode");
+    const auto row = [](const char *name, const std::function<QByteArray(QByteArray)> &encode) {
+        QTest::newRow(name) << encode;
+    };
+    row("CR LF", [](QByteArray text) { return text.replace("\n", "\r\n"); });
+    row("UTF-16 with a mark", [](const QByteArray &text) { return utf16WithMark(text); });
+    row("UTF-8 with a mark", [](const QByteArray &text) { return "\xef\xbb\xbf" + text; });
+    row("no final newline", [](const QByteArray &text) { return text.chopped(1); });
+}
+
+void TestRenderGraphCompile::sameBytesFromOtherEncodings()
+{
+    QFETCH(std::function<QByteArray(QByteArray)>, encode);
+    copyExampleShaders(u"shaders"_s);
+    const QString scanned[] = {component("crt-screen.slang"), component("rewind.slang"),
+                               u"shaders/rewind.glslp"_s};
+    for (const QString &path : scanned)
+        writeFile(path, encode(readFile(path)));
+    const Run result = compile(u"shaders"_s, u"m.h"_s);
+    QCOMPARE(result.err, "");
+    QCOMPARE(result.exitStatus, 0);
+    QVERIFY(readFile(u"m.h"_s) == readFile(kGolden));
+}
+
+// gba-color: a .slang without directives has no parameters, whatever its pass declares.
+void TestRenderGraphCompile::unreadableComponentCountsAsEmpty_data()
+{
+    QTest::addColumn<std::function<void(QString)>>("spoil");
+    const auto row = [](const char *name, const std::function<void(QString)> &spoil) {
+        QTest::newRow(name) << spoil;
+    };
+    row("empty", [](const QString &path) { writeFile(path, ""); });
+    row("a directory", [](const QString &path) {
+        QFile::remove(path);
+        QDir().mkdir(path);
+    });
+    row("unreadable", [](const QString &path) { ::chmod(path.toLocal8Bit().constData(), 0); });
+    row("binary", [](const QString &path) {
+        QByteArray bytes;
+        for (int i = 0; i < 100000; ++i)
+            bytes += char((i * 7919 >> 3) & 0xFF);
+        writeFile(path, bytes);
+    });
+    row("lone CRs",
+        [](const QString &path) { writeFile(path, readFile(path).replace('\n', '\r')); });
+    row("UTF-16 without a mark",
+        [](const QString &path) { writeFile(path, utf16WithMark(readFile(path)).mid(2)); });
+}
+
+void TestRenderGraphCompile::unreadableComponentCountsAsEmpty()
+{
+    QFETCH(std::function<void(QString)>, spoil);
+    copyExampleShaders(u"shaders"_s);
+    spoil(component("gba-color.slang"));
+    const Run result = compile(u"shaders"_s, u"m.h"_s, obeyPermissions);
+    QCOMPARE(result.err, "");
+    QCOMPARE(result.exitStatus, 0);
+    QCOMPARE(result.out, retiredUpTo(10));
+    const QByteArray manifest = readFile(u"m.h"_s);
+    QVERIFY(readFile(kGolden).contains("kParams_gba_lcd_0"));
+    QVERIFY(!manifest.contains("kParams_gba_lcd_0"));
+    QVERIFY(manifest.contains("kParams_gba_lcd_1"));
+}
+
+void TestRenderGraphCompile::failingRunWritesNothing_data()
+{
+    QTest::addColumn<std::function<void()>>("spoil");
+    QTest::addColumn<int>("retiredBefore");
+    QTest::addColumn<QByteArray>("message");
+
+    const auto row = [](const char *name, int retiredBefore, const QByteArray &message,
+                        const std::function<void()> &spoil) {
+        QTest::newRow(name) << spoil << retiredBefore << message;
+    };
+    row("no shaders at all", 0,
+        "render-graph-compile: preset 'crt-pvm' pass 0 ('crt-linearize') has no "
+        "shaders/vulkan/components source\n",
+        [] { QDir(u"shaders"_s).removeRecursively(); });
+    row("a dangling link", 7,
+        "render-graph-compile: preset 'gameboy-lcd' pass 0 ('authentic-gbc') has no "
+        "shaders/vulkan/components source\n",
+        [] {
+            QFile::remove(component("authentic-gbc.slang"));
+            QFile::link(u"nowhere"_s, component("authentic-gbc.slang"));
+        });
+    row("a slot that no directive declares", 6,
+        "render-graph-compile: preset 'gba-lcd' pass 0: code reads pc.params[1] but its own "
+        "//! param directives only declare 1 slot(s) "
+        "(shaders/vulkan/components/gba-color.slang)\n",
+        [] { replaceText(component("gba-color.slang"), "pc.params[0]", "pc.params[1]"); });
+    row("an alias that no pass carries", 8,
+        "render-graph-compile: preset 'dmg-lcd' pass 4 ('crt-dmg-grid') declares //! input "
+        "DMG_CELL but no earlier pass carries that alias "
+        "(shaders/vulkan/components/crt-dmg-grid.slang)\n",
+        [] { replaceText(component("crt-dmg-grid.slang"), "input DMG_CELLS", "input DMG_CELL"); });
+    row("a parameter of another preset", 10,
+        "render-graph-compile: rewind pass 0 declares parameter 'DMG_TINT' without metadata\n",
+        [] { replaceText(component("rewind.slang"), "//! param wiggle", "//! param DMG_TINT"); });
+    row("a drifted third preset", 2,
+        "render-graph-compile: preset 'crt-arcade' ownParams union {abl_current_limit;"
+        "abl_strength;barrel_distortion;beam_max;beam_min;black_floor;color_saturation;"
+        "color_temperature;conv_bx;conv_by;conv_rx;conv_ry;corner_radius;crt_gamma_out;crt_white;"
+        "desaturate;gun_cutoff;halation_sigma;halation_strength;halation_wide;hdr_peak;mask_duty;"
+        "mask_edge;mask_pitch;mask_strength;mask_type;mono_warmth;overscan;persist_b;persist_g;"
+        "persist_r;phosphor_gamut;raster_interlace;raster_lines;raster_offset;rgb_beam;"
+        "signal_active_us;signal_bandwidth_mhz;vignette_strength} does not match its .glslp "
+        "parameters= list {beam_min;mask_type}\n",
+        [] { writeFile(u"shaders/crt-arcade.glslp"_s, "parameters = \"mask_type;beam_min\"\n"); });
+    row("an unreadable .glslp", 10,
+        "render-graph-compile: preset 'rewind' ownParams union "
+        "{lineNoise;noiseAmount;smear;tapeSpeed;wiggle} does not match its .glslp parameters= "
+        "list {}\n",
+        [] { ::chmod("shaders/rewind.glslp", 0); });
+    row("a .glslp that is a directory", 10,
+        "render-graph-compile: preset 'rewind' ownParams union "
+        "{lineNoise;noiseAmount;smear;tapeSpeed;wiggle} does not match its .glslp parameters= "
+        "list {}\n",
+        [] {
+            QFile::remove(u"shaders/rewind.glslp"_s);
+            QDir().mkdir(u"shaders/rewind.glslp"_s);
+        });
+}
+
+void TestRenderGraphCompile::failingRunWritesNothing()
+{
+    QFETCH(std::function<void()>, spoil);
+    QFETCH(int, retiredBefore);
+    QFETCH(QByteArray, message);
+    copyExampleShaders(u"shaders"_s);
+    spoil();
+
+    const Run first = compile(u"shaders"_s, u"m.h"_s, obeyPermissions);
+    QCOMPARE(first.err, message);
+    QCOMPARE(first.out, retiredUpTo(retiredBefore));
+    QCOMPARE(first.exitStatus, 1);
+    QVERIFY(!QFile::exists(u"m.h"_s));
+
+    writeFile(u"m.h"_s, "an earlier manifest\n");
+    QCOMPARE(compile(u"shaders"_s, u"m.h"_s, obeyPermissions).exitStatus, 1);
+    QCOMPARE(readFile(u"m.h"_s), "an earlier manifest\n");
+}
+
+void TestRenderGraphCompile::outputThatCannotBeOpened_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("a directory") << u"directory"_s;
+    QTest::newRow("in a missing directory") << u"none/m.h"_s;
+    QTest::newRow("a read-only file") << u"read-only.h"_s;
+    QTest::newRow("in a read-only directory") << u"closed/m.h"_s;
+}
+
+void TestRenderGraphCompile::outputThatCannotBeOpened()
+{
+    QFETCH(QString, path);
+    QDir().mkdir(u"directory"_s);
+    writeFile(u"read-only.h"_s, "an earlier manifest\n");
+    ::chmod("read-only.h", 0444);
+    QDir().mkdir(u"closed"_s);
+    ::chmod("closed", 0555);
+
+    const Run result = compile(kExampleShaders, path, obeyPermissions);
+    QCOMPARE(result.err,
+             "render-graph-compile: failed to open '" + path.toUtf8() + "' for writing\n");
+    QCOMPARE(result.out, retiredUpTo(10));
+    QCOMPARE(result.exitStatus, 1);
+    QCOMPARE(readFile(u"read-only.h"_s), "an earlier manifest\n");
+    QVERIFY(!QFile::exists(u"none"_s));
+    QVERIFY(!QFile::exists(u"closed/m.h"_s));
+}
+
+// What the last field of stock's preset entry says for these lines in its component.
+void TestRenderGraphCompile::frameCounter_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<bool>("expected");
+    QTest::newRow("frameCount") << QByteArray("x = pc.frameCount;") << true;
+    QTest::newRow("frameDirection, spaced") << QByteArray("x = pc . frameDirection;") << true;
+    QTest::newRow("in a line comment") << QByteArray("// pc.frameCount") << false;
+    QTest::newRow("in a block comment") << QByteArray("/*\npc.frameCount\n*/") << false;
+    QTest::newRow("longer names") << QByteArray("pc.frameCounter + npc.frameCount") << false;
+    QTest::newRow("none") << QByteArray() << false;
+}
+
+void TestRenderGraphCompile::frameCounter()
+{
+    QFETCH(QByteArray, lines);
+    QFETCH(bool, expected);
+    copyExampleShaders(u"shaders"_s);
+    writeFile(component("stock.slang"), lines + '\n');
+    const Run result = compile(u"shaders"_s, u"m.h"_s);
+    QCOMPARE(result.err, "");
+    QCOMPARE(result.exitStatus, 0);
+    const QByteArray entry = "kPreset_stock = { \":/shaders/stock.glsl\", kPasses_stock, 2, -1, "
+                             "false, nullptr, 0, false, ";
+    QVERIFY(readFile(u"m.h"_s).contains(entry + (expected ? "true" : "false") + " };"));
+}
+
+void TestRenderGraphCompile::retiredRewind()
+{
+    copyExampleShaders(u"shaders"_s);
+    QFile::remove(u"shaders/rewind.glslp"_s);
+    const Run result = compile(u"shaders"_s, u"m.h"_s);
+    QCOMPARE(result.err, "");
+    QCOMPARE(result.out, retiredUpTo(10) + retired("rewind", 0));
+    QCOMPARE(result.exitStatus, 0);
+}
+
+void TestRenderGraphCompile::fragFallbackIsNotScannedForTheFrameCounter()
+{
+    copyExampleShaders(u"shaders"_s);
+    writeFile(component("stock.frag"), "x = pc.frameCount;\n");
+    const Run result = compile(u"shaders"_s, u"m.h"_s);
+    QCOMPARE(result.exitStatus, 0);
+    QVERIFY(readFile(u"m.h"_s) == readFile(kGolden));
+}
+
+// Linear in time, and memory follows the longest line: a scan that held such a file whole would not
+// fit into the address space that the runs with short lines are given.
+void TestRenderGraphCompile::hugeComponent_data()
+{
+    QTest::addColumn<QByteArray>("unit");
+    QTest::addColumn<bool>("hasShortLines");
+    QTest::newRow("short lines") << QByteArray("    x = x * pc.scale; // nothing to see here\n")
+                                 << true;
+    QTest::newRow("empty lines") << QByteArray("\n") << true;
+    QTest::newRow("one line") << QByteArray("x = x * pc.scale; ") << false;
+    QTest::newRow("one line of comments") << QByteArray("/**/ x /") << false;
+}
+
+void TestRenderGraphCompile::hugeComponent()
+{
+    QFETCH(QByteArray, unit);
+    QFETCH(bool, hasShortLines);
+    constexpr qsizetype kSize = (kIsSanitized ? 20 : 200) * qsizetype(1 << 20);
+    constexpr rlim_t kAddressSpace = rlim_t(256) << 20;
+
+    copyExampleShaders(u"shaders"_s);
+    QByteArray content = readFile(component("rewind-noise.slang"));
+    content.reserve(content.size() + kSize);
+    content += unit.repeated(kSize / unit.size());
+    writeFile(component("rewind-noise.slang"), content);
+
+    const Run result = compile(u"shaders"_s, u"m.h"_s, [&](QProcess &process) {
+        if (hasShortLines && !kIsSanitized) {
+            process.setChildProcessModifier([] {
+                const rlimit limit = {kAddressSpace, kAddressSpace};
+                ::setrlimit(RLIMIT_AS, &limit);
+            });
+        }
+    });
+    QCOMPARE(result.err, "");
+    QCOMPARE(result.exitStatus, 0);
+    QVERIFY(readFile(u"m.h"_s) == readFile(kGolden));
+    qInfo("%.1f s", result.seconds);
+    QVERIFY(result.seconds < 120.0);
+}
+
+QTEST_GUILESS_MAIN(TestRenderGraphCompile)
+#include "tst_RenderGraphCompile.moc"
