@@ -141,7 +141,7 @@ constexpr bool publishesAlias(std::span<const PassDecl> passes, std::string_view
 
 constexpr bool hasPasses(const PresetDecl &preset)
 {
-    return preset.passes != nullptr && preset.passCount >= 1;
+    return preset.passCount >= 1;
 }
 
 constexpr bool countsMatchArrays(const PresetDecl &preset)
