@@ -1,8 +1,13 @@
 #version 450
 #extension GL_GOOGLE_include_directive : require
 #include "../include/component.glsl"
+#include "../include/color.glsl"
+#include "../include/lcd.glsl"
 
-// Gamma-encoded picture in, cell density as a greenish grey out.
+// What a grey cell looks like: the picture's brightness, evenly between the dark and the clear
+// cell, so that four even shades stay even. Gamma-encoded in and out, 1.0 = reference white, which
+// the clear cell stays below. Alpha takes the tint along to the last pass, which needs the colour
+// of the glass. Source of the weights: ITU-R BT.709.
 
 layout(binding = 0) uniform sampler2D Source;
 
@@ -10,6 +15,7 @@ layout(binding = 0) uniform sampler2D Source;
 
 void main()
 {
-    float luma = dot(texture(Source, texCoord).rgb, vec3(0.299, 0.587, 0.114));
-    fragColor = vec4(mix(vec3(luma), luma * vec3(0.88, 1.0, 0.45), DMG_TINT), 1.0);
+    float light = luminance(decodeDisplay(texture(Source, texCoord).rgb));
+    float level = min(encodeDisplay(vec3(light)).x, 1.0);
+    fragColor = vec4(mix(dmgInk(DMG_TINT), dmgGlass(DMG_TINT), level), DMG_TINT);
 }

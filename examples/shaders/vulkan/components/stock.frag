@@ -2,7 +2,7 @@
 #extension GL_GOOGLE_include_directive : require
 #include "../include/component.glsl"
 
-// The picture as it is.
+// The picture as it is: no value is changed, whatever its encoding.
 
 layout(binding = 0) uniform sampler2D Source;
 

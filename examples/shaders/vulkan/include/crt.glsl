@@ -1,0 +1,80 @@
+// What the passes of the tube share: area means, blurs, the beam's and the mask's edges, the face.
+
+// How many RGB repeats the phosphor tile holds in each direction; its cells are square. Four keep
+// staggered slots seamless, and hexagonal dots all but exactly so.
+const float kTileTriads = 4.0;
+
+const int kMaxAreaTaps = 64;
+const int kMaxBlurReach = 24; // three times the widest sigma, 8
+
+// The standard normal distribution function, at most 1.4e-4 off: Bowling et al., "A logistic
+// approximation to the cumulative normal distribution", 2009. It is exactly antisymmetric about
+// 1/2, so that differences of it over adjoining intervals still sum to 1.
+float normalCdf(float x)
+{
+    float z = clamp(x, -6.0, 6.0);
+    return 1.0 / (1.0 + exp(-z * (1.5976 + 0.07056 * z * z)));
+}
+
+vec3 normalCdf(vec3 x)
+{
+    vec3 z = clamp(x, -6.0, 6.0);
+    return 1.0 / (1.0 + exp(-z * (1.5976 + 0.07056 * z * z)));
+}
+
+// The mean over one cell of a grid laid over the image. Texels on a cell's edge are shared by area,
+// so that together the cells count every texel exactly once, whatever the two sizes are.
+vec3 areaMean(sampler2D image, vec2 cell, vec2 cells)
+{
+    ivec2 size = textureSize(image, 0);
+    vec2 low = cell * vec2(size) / cells;
+    vec2 high = (cell + 1.0) * vec2(size) / cells;
+    ivec2 first = ivec2(floor(low));
+    ivec2 last = min(min(ivec2(ceil(high)), size), first + kMaxAreaTaps) - 1;
+    vec3 sum = vec3(0.0);
+    float area = 0.0;
+    for (int y = first.y; y <= last.y; ++y) {
+        float height = min(high.y, float(y + 1)) - max(low.y, float(y));
+        for (int x = first.x; x <= last.x; ++x) {
+            float weight = height * (min(high.x, float(x + 1)) - max(low.x, float(x)));
+            sum += weight * texelFetch(image, ivec2(x, y), 0).rgb;
+            area += weight;
+        }
+    }
+    return sum / max(area, 1e-6);
+}
+
+// One direction of a separable Gaussian with weights that sum to 1; sigma in steps.
+vec3 gaussianBlur(sampler2D image, vec2 position, vec2 stride, float sigma)
+{
+    float width = max(sigma, 1e-3);
+    int reach = min(int(ceil(3.0 * width)), kMaxBlurReach);
+    vec3 sum = texture(image, position).rgb;
+    float weights = 1.0;
+    for (int i = 1; i <= reach; ++i) {
+        float offset = float(i);
+        float weight = exp(-0.5 * offset * offset / (width * width));
+        sum += weight * texture(image, position + offset * stride).rgb;
+        sum += weight * texture(image, position - offset * stride).rgb;
+        weights += 2.0 * weight;
+    }
+    return sum / weights;
+}
+
+// From the screen to the tube's face, both centred and -0.5..0.5 over the output. Second-order
+// radial distortion (D. C. Brown, "Decentering distortion of lenses", 1966), scaled so that the
+// middles of the four edges stay where they are and only the corners are drawn in.
+vec2 facePosition(vec2 centred, float barrel)
+{
+    return centred * (1.0 + 4.0 * barrel * dot(centred, centred)) / (1.0 + barrel);
+}
+
+// How much of the pixel the face covers: a rectangle with rounded corners, by its distance.
+// `radius` and `pixel` are in picture heights.
+float faceCoverage(vec2 face, float aspect, float radius, float pixel)
+{
+    vec2 beyond = abs(face) * vec2(aspect, 1.0) - (vec2(0.5 * aspect, 0.5) - radius);
+    float outside = length(max(beyond, 0.0)) + min(max(beyond.x, beyond.y), 0.0) - radius;
+    // Slightly more than half, for pixels along the screen's edges to be whole despite rounding.
+    return clamp(0.501 - outside / pixel, 0.0, 1.0);
+}
