@@ -1,0 +1,196 @@
+#include "GraphRunner.h"
+
+#include "../TestSupport.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+using namespace RenderGraphManifestData;
+
+// Whole presets, drawn from the manifest as a renderer does.
+
+namespace {
+
+using Params = QHash<QString, float>;
+
+// A scene with flat areas, edges of all directions, fine detail and full colours.
+Picture scene(QSize size, int shift)
+{
+    Picture picture(size);
+    const int width = size.width();
+    const int height = size.height();
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const int at = (x + shift) % width;
+            Pixel &pixel = picture.at(x, y);
+            if (y < height / 4) {
+                const int bar = 8 * at / width;
+                pixel = {float(bar & 1), float(bar >> 1 & 1), float(bar >> 2 & 1), 1.0F};
+            } else if (y < height / 2) {
+                const float level = float(at) / float(width);
+                pixel = {level, 0.5F * level, 1.0F - level, 1.0F};
+            } else if (at < width / 3) {
+                pixel = (at + y) % 2 == 0 ? Pixel({1.0F, 1.0F, 1.0F, 1.0F})
+                                          : Pixel({0.1F, 0.1F, 0.1F, 1.0F});
+            } else if (at < 2 * width / 3) {
+                pixel = 2 * (at - width / 3) > y - height / 2 ? Pixel({0.9F, 0.8F, 0.2F, 1.0F})
+                                                              : Pixel({0.1F, 0.2F, 0.5F, 1.0F});
+            } else {
+                pixel = at % 7 == 0 || y % 5 == 0 ? Pixel({0.9F, 0.9F, 0.9F, 1.0F})
+                                                  : Pixel({0.2F, 0.1F, 0.1F, 1.0F});
+            }
+        }
+    }
+    return picture;
+}
+
+ShaderRunner &shaders()
+{
+    static ShaderRunner runner(QStringLiteral(SPIRV_DIR));
+    return runner;
+}
+
+// What the preset shows as its third frame of a moving scene.
+Picture shown(const PresetEntry &preset, const Params &params, bool isHdr)
+{
+    GraphRunner runner(shaders(), preset);
+    FrameState state = {.params = params,
+                        .viewport = {320, 240},
+                        .hdrOutputActive = isHdr,
+                        .hdrHeadroom = isHdr ? 4.0F : 1.0F};
+    QList<Picture> outputs;
+    for (; state.frameCount < 3; ++state.frameCount)
+        outputs = runner.draw(scene({80, 60}, 3 * int(state.frameCount)), state);
+    return outputs.constLast();
+}
+
+bool isFinite(const Picture &picture)
+{
+    return std::all_of(picture.pixels.cbegin(), picture.pixels.cend(), [](const Pixel &pixel) {
+        return std::all_of(pixel.cbegin(), pixel.cend(), [](float c) { return std::isfinite(c); });
+    });
+}
+
+float difference(const Picture &a, const Picture &b)
+{
+    float largest = 0.0F;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+        for (std::size_t c = 0; c < 3; ++c)
+            largest = std::max(largest, std::fabs(a.pixels[i][c] - b.pixels[i][c]));
+    }
+    return largest;
+}
+
+void writePpm(const QString &path, const Picture &picture)
+{
+    QByteArray bytes =
+            u"P6\n%1 %2\n255\n"_s.arg(picture.size.width()).arg(picture.size.height()).toLatin1();
+    for (const Pixel &pixel : picture.pixels) {
+        for (std::size_t c = 0; c < 3; ++c)
+            bytes += char(qRound(255.0F * std::clamp(pixel[c], 0.0F, 1.0F)));
+    }
+    writeFile(path, bytes);
+}
+
+// What else a parameter needs to be seen: it acts on something that is off by default.
+Params company(const QString &id)
+{
+    static const QHash<QString, Params> kCompany = {
+            {u"mono_warmth"_s, {{u"desaturate"_s, 1.0F}}},
+            {u"abl_strength"_s, {{u"abl_current_limit"_s, 0.1F}}},
+            {u"signal_active_us"_s, {{u"signal_bandwidth_mhz"_s, 1.0F}}},
+            {u"halation_sigma"_s, {{u"halation_strength"_s, 0.5F}}},
+            {u"halation_wide"_s, {{u"halation_strength"_s, 0.5F}}},
+    };
+    return kCompany.value(id);
+}
+
+// The range's end, but where both ends mean the same: an unlimited bandwidth.
+float highestEffective(const PresetParamEntry &param)
+{
+    return QString::fromUtf8(param.id) == u"signal_bandwidth_mhz"_s ? 1.0F : param.max;
+}
+
+} // namespace
+
+class TestExamplePresets : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyParameterIsSeen_data();
+    void everyParameterIsSeen();
+    void presetsShowThePicture_data();
+    void presetsShowThePicture();
+};
+
+void TestExamplePresets::everyParameterIsSeen_data()
+{
+    QTest::addColumn<const PresetEntry *>("preset");
+    QTest::addColumn<const PresetParamEntry *>("param");
+    // One CRT preset stands for the five that share its passes.
+    for (const char *name : {"crt-arcade", "crt-consumer", "gba-lcd", "gameboy-lcd", "dmg-lcd",
+                             "no-pixels", "rewind"}) {
+        const PresetEntry &preset = presetEntry(QString::fromLatin1(name));
+        for (int i = 0; i < preset.presetParamCount; ++i) {
+            const PresetParamEntry &param = preset.presetParams[i];
+            // Of crt-consumer only what the others do not have.
+            if (QByteArray(name) == "crt-consumer" && !QByteArray(param.id).startsWith("composite"))
+                continue;
+            QTest::addRow("%s %s", name, param.id) << &preset << &param;
+        }
+    }
+}
+
+void TestExamplePresets::everyParameterIsSeen()
+{
+    QFETCH(const PresetEntry *, preset);
+    QFETCH(const PresetParamEntry *, param);
+    const QString id = QString::fromUtf8(param->id);
+    Params params = initialParams(*preset);
+    params.insert(company(id));
+
+    params.insert(id, param->min);
+    const Picture lowest = shown(*preset, params, true);
+    params.insert(id, highestEffective(*param));
+    const Picture highest = shown(*preset, params, true);
+    QVERIFY(isFinite(lowest));
+    QVERIFY(isFinite(highest));
+    QVERIFY2(difference(lowest, highest) > 2.0F / 255.0F,
+             QByteArray::number(difference(lowest, highest)).constData());
+}
+
+// At its own values a preset still shows the picture: neither black nor blown out.
+void TestExamplePresets::presetsShowThePicture_data()
+{
+    QTest::addColumn<const PresetEntry *>("preset");
+    for (const PresetEntry &preset : kPresets)
+        QTest::newRow(preset.presetQrcPath) << &preset;
+}
+
+void TestExamplePresets::presetsShowThePicture()
+{
+    QFETCH(const PresetEntry *, preset);
+    const Picture picture = shown(*preset, initialParams(*preset), false);
+    QCOMPARE(picture.size, QSize(320, 240));
+    QVERIFY(isFinite(picture));
+    const Picture source = scene({80, 60}, 6);
+    const auto light = [](const Picture &image) {
+        double sum = 0.0;
+        for (const Pixel &pixel : image.pixels) {
+            for (std::size_t c = 0; c < 3; ++c)
+                sum += std::pow(double(std::max(pixel[c], 0.0F)), 2.2);
+        }
+        return sum / double(image.pixels.size()) / 3.0;
+    };
+    const double kept = light(picture) / light(source);
+    qInfo("%.2f of the picture's light", kept);
+    QVERIFY(kept > 0.2);
+    QVERIFY(kept < 1.3);
+    if (qEnvironmentVariableIsSet("WRITE_PICTURES"))
+        writePpm(QString::fromUtf8(preset->presetQrcPath).section(u'/', -1) + u".ppm"_s, picture);
+}
+
+QTEST_GUILESS_MAIN(TestExamplePresets)
+#include "tst_ExamplePresets.moc"

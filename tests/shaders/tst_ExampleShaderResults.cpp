@@ -1,0 +1,846 @@
+#include "GraphRunner.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace RenderGraphManifestData;
+
+// Numbers that are known beforehand, computed by the real shaders on a Vulkan device.
+
+namespace {
+
+using Params = QHash<QString, float>;
+using Tweak = std::function<void(PushConstants &)>;
+
+constexpr float kExact = 0.0F;
+constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
+
+ShaderRunner &shaders()
+{
+    static ShaderRunner runner(QStringLiteral(SPIRV_DIR));
+    return runner;
+}
+
+std::array<float, 4> sizeConstant(QSize size)
+{
+    const auto width = float(size.width());
+    const auto height = float(size.height());
+    return {width, height, 1.0F / width, 1.0F / height};
+}
+
+// The component's output, in 32-bit floats. `params` holds just its parameters.
+Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
+                 const Params &params = {}, const Tweak &tweak = {})
+{
+    const QSize source = inputs.isEmpty() ? QSize(1, 1) : inputs.first().picture->size;
+    PushConstants constants = {};
+    constants.sourceSize = sizeConstant(source);
+    constants.outputSize = sizeConstant(size);
+    constants.originalSize = sizeConstant(source);
+    constants.frameDirection = 1;
+    constants.frameSeconds = 1.0F / 60.0F;
+    constants.hdrHeadroom = 1.0F;
+    const PassEntry &pass = passEntry(component);
+    if (pass.paramCount != params.size())
+        qFatal("%s has %d parameters", qPrintable(component), pass.paramCount);
+    for (int i = 0; i < pass.paramCount; ++i) {
+        const QString id = QString::fromUtf8(pass.params[i].id);
+        if (!params.contains(id))
+            qFatal("no value of %s", qPrintable(id));
+        constants.params.at(pass.params[i].floatOffset) = params.value(id);
+    }
+    if (tweak)
+        tweak(constants);
+    return shaders().draw(component, inputs, size, constants);
+}
+
+Tweak hdr(float headroom)
+{
+    return [headroom](PushConstants &constants) {
+        constants.hdrOutputActive = 1;
+        constants.hdrHeadroom = headroom;
+    };
+}
+
+Picture flat(QSize size, float red, float green, float blue, float alpha = 1.0F)
+{
+    return Picture(size, {red, green, blue, alpha});
+}
+
+Picture grey(QSize size, float value)
+{
+    return flat(size, value, value, value);
+}
+
+// The same pixels on every run and machine.
+Picture noise(QSize size, float most = 1.0F)
+{
+    Picture picture(size);
+    std::uint32_t state = 12345;
+    for (Pixel &pixel : picture.pixels) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            state = state * 1664525U + 1013904223U;
+            pixel[c] = most * float(state >> 8U) / float(1U << 24U);
+        }
+    }
+    return picture;
+}
+
+double mean(const Picture &picture, std::size_t channel)
+{
+    double sum = 0.0;
+    for (const Pixel &pixel : picture.pixels)
+        sum += double(pixel[channel]);
+    return sum / double(picture.pixels.size());
+}
+
+double encoded(double light)
+{
+    return std::pow(light, 1.0 / 2.2);
+}
+
+double decoded(double signal)
+{
+    return std::pow(signal, 2.2);
+}
+
+// The largest difference in red, green and blue.
+float difference(const Picture &a, const Picture &b)
+{
+    if (a.size != b.size)
+        return INFINITY;
+    float largest = 0.0F;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float here = std::fabs(a.pixels[i][c] - b.pixels[i][c]);
+            largest = here <= largest ? largest : here; // NaN wins
+        }
+    }
+    return largest;
+}
+
+const Params kLinearize = {{u"crt_gamma_out"_s, 2.4F},
+                           {u"gun_cutoff"_s, 0.0F},
+                           {u"color_saturation"_s, 1.0F},
+                           {u"desaturate"_s, 0.0F}};
+const Params kDrive = {
+        {u"color_temperature"_s, 0.0F}, {u"desaturate"_s, 0.0F}, {u"mono_warmth"_s, 0.5F}};
+const Params kScanline = {
+        {u"beam_min"_s, 0.03F},    {u"beam_max"_s, 0.19F},         {u"rgb_beam"_s, 1.0F},
+        {u"raster_lines"_s, 0.0F}, {u"raster_offset"_s, 0.0F},     {u"raster_interlace"_s, 0.0F},
+        {u"conv_rx"_s, 0.0F},      {u"conv_ry"_s, 0.0F},           {u"conv_bx"_s, 0.0F},
+        {u"conv_by"_s, 0.0F},      {u"barrel_distortion"_s, 0.0F}, {u"corner_radius"_s, 0.0F},
+        {u"overscan"_s, 0.0F}};
+const Params kScreen = {
+        {u"barrel_distortion"_s, 0.0F}, {u"black_floor"_s, 0.0F},       {u"corner_radius"_s, 0.0F},
+        {u"crt_white"_s, 100.0F},       {u"halation_strength"_s, 0.0F}, {u"halation_wide"_s, 1.0F},
+        {u"hdr_peak"_s, 0.0F},          {u"mask_pitch"_s, 2.5F},        {u"mask_strength"_s, 0.0F},
+        {u"phosphor_gamut"_s, 0.0F},    {u"vignette_strength"_s, 0.0F}};
+const Params kComposite = {
+        {u"composite_strength"_s, 1.0F},     {u"composite_sharp"_s, 0.6F},
+        {u"composite_chroma"_s, 1.1F},       {u"composite_chroma_delay"_s, 0.0F},
+        {u"composite_chroma_gain"_s, 1.15F}, {u"composite_chroma_vertical"_s, 0.25F}};
+const Params kSubpixel = {{u"lcd_aperture_x"_s, 0.91F},   {u"lcd_aperture_y"_s, 0.97F},
+                          {u"lcd_diffuse"_s, 0.6F},       {u"LCD_COLOR_PROFILE"_s, 1.0F},
+                          {u"lcd_grid_contrast"_s, 0.4F}, {u"lcd_spill"_s, 1.0F}};
+const Params kGbc = {{u"GBC_ADAPT"_s, 1.0F},
+                     {u"GBC_BACKING"_s, 0.55F},
+                     {u"GBC_EXPAND"_s, 0.0F},
+                     {u"GBC_GAMUT"_s, 0.4F},
+                     {u"LCD_COLOR_PROFILE"_s, 1.0F}};
+
+Params with(Params params, const Params &changes)
+{
+    params.insert(changes);
+    return params;
+}
+
+// crt-screen over this light, without halation, on a tube face that covers everything.
+Picture screen(const Picture &light, const Params &params, const Tweak &tweak = {})
+{
+    const Picture tile =
+            evaluate(u"crt-phosphor-tile"_s, {}, {256, 256},
+                     {{u"mask_type"_s, 0.0F}, {u"mask_duty"_s, 0.7F}, {u"mask_edge"_s, 0.06F}});
+    const Picture face = grey(light.size, 1.0F);
+    const Picture dark;
+    return evaluate(u"crt-screen"_s,
+                    {{.picture = &tile, .linearFilter = true, .mipmap = true, .wrapMode = 2},
+                     {.picture = &face},
+                     {.picture = &light},
+                     {.picture = &dark},
+                     {.picture = &dark}},
+                    light.size, params, tweak);
+}
+
+} // namespace
+
+class TestExampleShaderResults : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void neutralValuesLeaveThePictureAlone_data();
+    void neutralValuesLeaveThePictureAlone();
+    void flatFields_data();
+    void flatFields();
+    void meansAreKept_data();
+    void meansAreKept();
+    void linearizeIsMonotonic();
+    void beamLimiterAveragesWholePicture_data();
+    void beamLimiterAveragesWholePicture();
+    void bandwidthIsThreeDecibelsDownAtTheCutoff_data();
+    void bandwidthIsThreeDecibelsDownAtTheCutoff();
+    void persistence_data();
+    void persistence();
+    void beamKeepsItsEnergy_data();
+    void beamKeepsItsEnergy();
+    void halationBlurIsANormalizedGaussian_data();
+    void halationBlurIsANormalizedGaussian();
+    void maskTransmission_data();
+    void maskTransmission();
+    void screenHighlights_data();
+    void screenHighlights();
+    void ghosting_data();
+    void ghosting();
+    void panelMeanBrightness_data();
+    void panelMeanBrightness();
+    void crosstalkMovesLightAlongItsColumnOnly();
+    void shadowMovesByTheGap();
+    void scalerKeepsStraightEdges_data();
+    void scalerKeepsStraightEdges();
+    void scalerSmoothsAStaircase();
+    void resamplerAveragesWhenShrinking();
+    void smearLeavesLumaAlone();
+    void tapeRunsWithTheFrameCounter();
+    void hdrBoost_data();
+    void hdrBoost();
+};
+
+void TestExampleShaderResults::neutralValuesLeaveThePictureAlone_data()
+{
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<Params>("params");
+    QTest::addColumn<float>("tolerance");
+
+    const auto row = [](const char *component, const Params &params, float tolerance) {
+        QTest::newRow(component) << QString::fromLatin1(component) << params << tolerance;
+    };
+    row("stock", {}, kExact);
+    row("crt-horizontal", {{u"signal_bandwidth_mhz"_s, 0.0F}, {u"signal_active_us"_s, 53.3F}},
+        kExact);
+    row("crt-consumer-composite", with(kComposite, {{u"composite_strength"_s, 0.0F}}), kExact);
+    row("gba-color", {{u"LCD_COLOR_PROFILE"_s, 0.0F}}, kExact);
+    row("authentic-gbc", with(kGbc, {{u"LCD_COLOR_PROFILE"_s, 0.0F}}), kExact);
+    row("dmg-crosstalk", {{u"dmg_crosstalk"_s, 0.0F}, {u"dmg_crosstalk_reach"_s, 1.5F}}, kExact);
+    row("dmg-occlusion", {{u"dmg_shadow_offset"_s, 0.0F}}, kRounding);
+    row("rewind", {{u"wiggle"_s, 0.0F}, {u"smear"_s, 0.0F}}, kRounding);
+    row("rewind-noise", {{u"noiseAmount"_s, 0.0F}, {u"lineNoise"_s, 0.0F}, {u"tapeSpeed"_s, 1.0F}},
+        kExact);
+    row("smooth-resample", {}, 3e-4F);
+}
+
+void TestExampleShaderResults::neutralValuesLeaveThePictureAlone()
+{
+    QFETCH(QString, component);
+    QFETCH(Params, params);
+    QFETCH(float, tolerance);
+    const Picture picture = noise({24, 18});
+    const Picture result = evaluate(component, {{.picture = &picture}}, picture.size, params,
+                                    [](PushConstants &constants) { constants.frameCount = 77; });
+    QVERIFY2(difference(result, picture) <= tolerance,
+             QByteArray::number(difference(result, picture)).constData());
+}
+
+// One colour in, one colour out.
+void TestExampleShaderResults::flatFields_data()
+{
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<Params>("params");
+    QTest::addColumn<Pixel>("input");
+    QTest::addColumn<Pixel>("expected");
+
+    const auto row = [](const char *name, const char *component, const Params &params,
+                        const Pixel &input, const Pixel &expected) {
+        QTest::newRow(name) << QString::fromLatin1(component) << params << input << expected;
+    };
+    const Pixel black = {0.0F, 0.0F, 0.0F, 1.0F};
+    const Pixel white = {1.0F, 1.0F, 1.0F, 1.0F};
+    const Pixel half = {0.5F, 0.5F, 0.5F, 1.0F};
+    const Pixel red = {1.0F, 0.0F, 0.0F, 1.0F};
+
+    // BT.1886: L = ((V + b) / (1 + b))^gamma.
+    row("linearize white", "crt-linearize", kLinearize, white, white);
+    row("linearize black", "crt-linearize", kLinearize, black, black);
+    const float grey24 = std::pow(0.5F, 2.4F);
+    row("linearize grey", "crt-linearize", kLinearize, half, {grey24, grey24, grey24, 1.0F});
+    const Params toe = with(kLinearize, {{u"gun_cutoff"_s, 0.06F}, {u"crt_gamma_out"_s, 2.5F}});
+    row("linearize white above a toe", "crt-linearize", toe, white, white);
+    row("linearize black above a toe", "crt-linearize", toe, black,
+        {7.623e-4F, 7.623e-4F, 7.623e-4F, 1.0F});
+    row("linearize red without colour", "crt-linearize",
+        with(kLinearize, {{u"desaturate"_s, 1.0F}}), red,
+        {0.0243305F, 0.0243305F, 0.0243305F, 1.0F}); // 0.2126^2.4
+
+    row("gba white", "gba-color", {{u"LCD_COLOR_PROFILE"_s, 1.0F}}, white, white);
+    row("gba grey", "gba-color", {{u"LCD_COLOR_PROFILE"_s, 1.0F}}, half,
+        {0.413877F, 0.413877F, 0.413877F, 1.0F}); // 0.5^(2.8 / 2.2)
+    row("gbc white", "authentic-gbc", kGbc, white, white);
+    row("gbc black, lifted by the backing", "authentic-gbc", kGbc, black,
+        {0.195257F, 0.195257F, 0.195257F, 1.0F}); // (0.05 * 0.55)^(1 / 2.2)
+    row("dmg darkest shade", "dmg-color", {{u"DMG_TINT"_s, 0.0F}}, black,
+        {0.184F, 0.184F, 0.184F, 0.0F});
+    row("dmg lightest shade", "dmg-color", {{u"DMG_TINT"_s, 0.0F}}, white,
+        {0.665F, 0.665F, 0.665F, 0.0F});
+    row("dmg lightest shade, tinted", "dmg-color", {{u"DMG_TINT"_s, 1.0F}}, white,
+        {0.62F, 0.70F, 0.36F, 1.0F});
+    row("composite grey", "crt-consumer-composite", kComposite, half, half);
+    row("wiggled and smeared grey", "rewind", {{u"wiggle"_s, 10.0F}, {u"smear"_s, 1.0F}}, half,
+        half);
+    row("resampled grey", "smooth-resample", {}, half, half);
+    row("reduced", "crt-abl-tiles", {}, half, half);
+    row("blurred", "crt-halation-blur-h", {{u"halation_sigma"_s, 8.0F}}, half, half);
+    row("low-passed", "crt-horizontal",
+        {{u"signal_bandwidth_mhz"_s, 2.0F}, {u"signal_active_us"_s, 53.3F}}, half, half);
+}
+
+void TestExampleShaderResults::flatFields()
+{
+    QFETCH(QString, component);
+    QFETCH(Params, params);
+    QFETCH(Pixel, input);
+    QFETCH(Pixel, expected);
+    const Picture picture({32, 24}, input);
+    const Picture result = evaluate(component, {{.picture = &picture}}, {20, 16}, params);
+    const Picture ideal({20, 16}, expected);
+    QVERIFY2(difference(result, ideal) <= kRounding,
+             QByteArray::number(difference(result, ideal)).constData());
+    QVERIFY(std::fabs(result.pixels.front()[3] - expected[3]) <= kRounding);
+}
+
+void TestExampleShaderResults::meansAreKept_data()
+{
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<QSize>("from");
+    QTest::addColumn<QSize>("to");
+    QTest::newRow("optics-down") << u"crt-optics-down"_s << QSize(1920, 1080) << QSize(320, 240);
+    QTest::newRow("optics-down, enlarging")
+            << u"crt-optics-down"_s << QSize(200, 100) << QSize(320, 240);
+    QTest::newRow("wide-down") << u"crt-halation-wide-down"_s << QSize(320, 240) << QSize(80, 60);
+    QTest::newRow("abl-reduce") << u"crt-abl-reduce"_s << QSize(256, 240) << QSize(256, 30);
+}
+
+void TestExampleShaderResults::meansAreKept()
+{
+    QFETCH(QString, component);
+    QFETCH(QSize, from);
+    QFETCH(QSize, to);
+    const Picture picture = noise(from);
+    const Picture result = evaluate(component, {{.picture = &picture}}, to);
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY(std::fabs(mean(result, c) - mean(picture, c)) < 1e-5);
+}
+
+void TestExampleShaderResults::linearizeIsMonotonic()
+{
+    Picture ramp({256, 1});
+    for (int x = 0; x < 256; ++x)
+        ramp.at(x, 0) = {float(x) / 255.0F, float(x) / 255.0F, float(x) / 255.0F, 1.0F};
+    for (const float cutoff : {0.0F, 0.06F, 0.2F}) {
+        const Picture light = evaluate(u"crt-linearize"_s, {{.picture = &ramp}}, {256, 1},
+                                       with(kLinearize, {{u"gun_cutoff"_s, cutoff}}));
+        for (int x = 1; x < 256; ++x)
+            QVERIFY(light.at(x, 0)[0] > light.at(x - 1, 0)[0]);
+    }
+}
+
+// From 4096 columns and any height down to one texel: gain = budget / mean.
+void TestExampleShaderResults::beamLimiterAveragesWholePicture_data()
+{
+    QTest::addColumn<int>("height");
+    QTest::addColumn<float>("strength");
+    QTest::newRow("240 lines") << 240 << 1.0F;
+    QTest::newRow("224 lines") << 224 << 1.0F;
+    QTest::newRow("17 lines") << 17 << 1.0F;
+    QTest::newRow("288 lines, half") << 288 << 0.5F;
+    QTest::newRow("240 lines, off") << 240 << 0.0F;
+}
+
+void TestExampleShaderResults::beamLimiterAveragesWholePicture()
+{
+    QFETCH(int, height);
+    QFETCH(float, strength);
+    Picture light = noise({4096, height});
+    for (int x = 0; x < 900; ++x)
+        light.at(x, height - 1) = {16.0F, 8.0F, 4.0F, 1.0F};
+    const Picture tiles = evaluate(u"crt-abl-tiles"_s, {{.picture = &light}}, {256, 240});
+    const Picture rows = evaluate(u"crt-abl-reduce"_s, {{.picture = &tiles}}, {256, 30});
+    const Picture few = evaluate(u"crt-abl-reduce"_s, {{.picture = &rows}}, {8, 30});
+    const Picture gain = evaluate(u"crt-abl"_s, {{.picture = &few}}, {1, 1},
+                                  {{u"abl_strength"_s, strength}, {u"abl_current_limit"_s, 0.1F}});
+    const double current = (mean(light, 0) + mean(light, 1) + mean(light, 2)) / 3.0;
+    const double expected = 1.0 - double(strength) * (1.0 - 0.1 / current);
+    QVERIFY(current > 0.4);
+    QVERIFY2(std::fabs(double(gain.at(0, 0)[0]) - expected) < 2e-5,
+             QByteArray::number(double(gain.at(0, 0)[0]) - expected).constData());
+}
+
+void TestExampleShaderResults::bandwidthIsThreeDecibelsDownAtTheCutoff_data()
+{
+    QTest::addColumn<float>("megahertz");
+    for (const float megahertz : {1.0F, 3.0F, 6.0F, 12.0F})
+        QTest::addRow("%g MHz", double(megahertz)) << megahertz;
+}
+
+void TestExampleShaderResults::bandwidthIsThreeDecibelsDownAtTheCutoff()
+{
+    QFETCH(float, megahertz);
+    constexpr float kActive = 50.0F;
+    constexpr double kTurn = 6.283185307179586;
+    // A whole number of cycles over the line, at the cutoff.
+    const auto cycles = double(megahertz * kActive);
+    Picture wave({4096, 1});
+    for (int x = 0; x < 4096; ++x) {
+        const auto level = float(0.5 + 0.5 * std::cos(kTurn * cycles * (x + 0.5) / 4096.0));
+        wave.at(x, 0) = {level, level, level, 1.0F};
+    }
+    const Picture result =
+            evaluate(u"crt-horizontal"_s, {{.picture = &wave, .linearFilter = true}}, wave.size,
+                     {{u"signal_bandwidth_mhz"_s, megahertz}, {u"signal_active_us"_s, kActive}});
+    // Amplitude by correlation, over the middle of the line.
+    double amplitude = 0.0;
+    double reference = 0.0;
+    for (int x = 1024; x < 3072; ++x) {
+        const double phase = std::cos(kTurn * cycles * (x + 0.5) / 4096.0);
+        amplitude += (double(result.at(x, 0)[0]) - 0.5) * phase;
+        reference += 0.5 * phase * phase;
+    }
+    QVERIFY2(std::fabs(20.0 * std::log10(amplitude / reference) + 3.01) < 0.1,
+             QByteArray::number(20.0 * std::log10(amplitude / reference)).constData());
+}
+
+void TestExampleShaderResults::persistence_data()
+{
+    QTest::addColumn<float>("retention");
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<float>("expected"); // of a history of 1 under no new light
+    QTest::newRow("none") << 0.0F << 1.0F / 60.0F << 0.0F;
+    QTest::newRow("half at 60 Hz") << 0.5F << 1.0F / 60.0F << 0.5F;
+    QTest::newRow("half at 120 Hz") << 0.5F << 1.0F / 120.0F << 0.70711F;
+    QTest::newRow("half at 30 Hz") << 0.5F << 1.0F / 30.0F << 0.25F;
+    QTest::newRow("half, time unknown") << 0.5F << 0.0F << 0.5F;
+}
+
+void TestExampleShaderResults::persistence()
+{
+    QFETCH(float, retention);
+    QFETCH(float, seconds);
+    QFETCH(float, expected);
+    const Params params = {
+            {u"persist_r"_s, retention}, {u"persist_g"_s, 0.0F}, {u"persist_b"_s, 0.0F}};
+    const Tweak time = [seconds](PushConstants &constants) { constants.frameSeconds = seconds; };
+    const Picture dark = flat({2, 2}, 0.0F, 0.0F, 0.0F, 0.25F);
+    const Picture last = grey({2, 2}, 1.0F);
+    const Picture tail = evaluate(u"crt-persistence"_s, {{.picture = &dark}, {.picture = &last}},
+                                  {2, 2}, params, time);
+    QVERIFY(std::fabs(tail.at(0, 0)[0] - expected) < kRounding);
+    QCOMPARE(tail.at(0, 0)[1], 0.0F);
+    QCOMPARE(tail.at(0, 0)[3], 0.25F);
+    // New light is not added to the tail.
+    const Picture bright = grey({2, 2}, 2.0F);
+    const Picture held = evaluate(u"crt-persistence"_s, {{.picture = &bright}, {.picture = &last}},
+                                  {2, 2}, params, time);
+    QCOMPARE(held.at(0, 0)[0], 2.0F);
+}
+
+void TestExampleShaderResults::beamKeepsItsEnergy_data()
+{
+    QTest::addColumn<float>("light");
+    QTest::addColumn<float>("sigma");
+    QTest::addColumn<double>(
+            "tolerance"); // wide beams lose some light beyond the first and last line
+    QTest::newRow("narrow") << 0.5F << 0.02F << 1e-3;
+    QTest::newRow("usual") << 0.5F << 0.24F << 1e-3;
+    QTest::newRow("wide") << 0.5F << 0.55F << 2e-3;
+    QTest::newRow("dark") << 0.01F << 0.1F << 1e-4;
+}
+
+void TestExampleShaderResults::beamKeepsItsEnergy()
+{
+    QFETCH(float, light);
+    QFETCH(float, sigma);
+    QFETCH(double, tolerance);
+    const Picture field = grey({16, 240}, light);
+    const Params params = with(kScanline, {{u"beam_min"_s, sigma}, {u"beam_max"_s, sigma}});
+    const Picture drawn = evaluate(u"crt-scanline"_s, {{.picture = &field, .linearFilter = true}},
+                                   {16, 1080}, params);
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY2(std::fabs(mean(drawn, c) - double(light)) < tolerance,
+                 QByteArray::number(mean(drawn, c)).constData());
+    QCOMPARE(mean(drawn, 3), 1.0);
+}
+
+void TestExampleShaderResults::halationBlurIsANormalizedGaussian_data()
+{
+    QTest::addColumn<float>("sigma");
+    for (const float sigma : {1.0F, 3.0F, 8.0F})
+        QTest::addRow("sigma %g", double(sigma)) << sigma;
+}
+
+void TestExampleShaderResults::halationBlurIsANormalizedGaussian()
+{
+    QFETCH(float, sigma);
+    Picture dot({80, 60}, {0.0F, 0.0F, 0.0F, 1.0F});
+    dot.at(40, 30) = {1.0F, 1.0F, 1.0F, 1.0F};
+    const Params params = {{u"halation_sigma"_s, sigma}};
+    const Picture across = evaluate(u"crt-halation-blur-h"_s,
+                                    {{.picture = &dot, .linearFilter = true}}, dot.size, params);
+    const Picture blurred =
+            evaluate(u"crt-halation-blur-v"_s, {{.picture = &across, .linearFilter = true}},
+                     dot.size, params);
+    double sum = 0.0;
+    double spread = 0.0;
+    for (int y = 0; y < 60; ++y) {
+        for (int x = 0; x < 80; ++x) {
+            sum += double(blurred.at(x, y)[0]);
+            spread += double(blurred.at(x, y)[0]) * (x - 40) * (x - 40);
+        }
+    }
+    QVERIFY2(std::fabs(sum - 1.0) < 1e-4, QByteArray::number(sum).constData());
+    // Cut at three sigma, so slightly narrower.
+    QVERIFY2(std::fabs(std::sqrt(spread / sum) / double(sigma) - 1.0) < 0.02,
+             QByteArray::number(std::sqrt(spread / sum)).constData());
+}
+
+void TestExampleShaderResults::maskTransmission_data()
+{
+    QTest::addColumn<float>("type");
+    QTest::addColumn<float>("duty");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("grille") << 0.0F << 0.7F << 0.7 / 3.0;
+    QTest::newRow("open grille") << 0.0F << 1.0F << 1.0 / 3.0;
+    QTest::newRow("dots") << 1.0F << 0.7F << 7.0 * 3.14159265 * 0.7 / 72.0;
+    QTest::newRow("slots") << 2.0F << 0.55F << 0.8 * 0.55 / 3.0;
+}
+
+void TestExampleShaderResults::maskTransmission()
+{
+    QFETCH(float, type);
+    QFETCH(float, duty);
+    QFETCH(double, expected);
+    const Picture tile =
+            evaluate(u"crt-phosphor-tile"_s, {}, {256, 256},
+                     {{u"mask_type"_s, type}, {u"mask_duty"_s, duty}, {u"mask_edge"_s, 0.06F}});
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY2(std::fabs(mean(tile, c) - expected) < 1e-4,
+                 QByteArray::number(mean(tile, c)).constData());
+    QVERIFY(std::fabs(mean(tile, 3) - expected) < 1e-4);
+    for (const Pixel &pixel : tile.pixels)
+        QVERIFY(*std::min_element(pixel.begin(), pixel.end()) >= 0.0F
+                && *std::max_element(pixel.begin(), pixel.end()) <= 1.0F);
+}
+
+void TestExampleShaderResults::screenHighlights_data()
+{
+    QTest::addColumn<Params>("changes");
+    QTest::addColumn<float>("headroom"); // 0: SDR
+    QTest::addColumn<float>("light");
+    QTest::addColumn<double>("expected"); // light
+    QTest::newRow("SDR") << Params() << 0.0F << 0.5F << 0.5;
+    QTest::newRow("SDR ends at white") << Params() << 0.0F << 3.0F << 1.0;
+    QTest::newRow("SDR knows no reference white")
+            << Params({{u"crt_white"_s, 400.0F}}) << 0.0F << 0.5F << 0.5;
+    QTest::newRow("HDR below the knee") << Params() << 4.0F << 3.0F << 3.0;
+    QTest::newRow("HDR above the knee") << Params() << 4.0F << 4.0F << 4.0 - std::exp(-1.0);
+    QTest::newRow("HDR far above") << Params() << 4.0F << 1000.0F << 4.0;
+    QTest::newRow("HDR with a peak of its own")
+            << Params({{u"hdr_peak"_s, 2.0F}}) << 4.0F << 1000.0F << 2.0;
+    QTest::newRow("HDR with a brighter tube")
+            << Params({{u"crt_white"_s, 200.0F}}) << 4.0F << 0.5F << 1.0;
+    for (const float gamut : {1.0F, 2.0F, 3.0F}) {
+        QTest::addRow("white in gamut %g", double(gamut))
+                << Params({{u"phosphor_gamut"_s, gamut}}) << 0.0F << 0.5F << 0.5;
+    }
+    QTest::newRow("room light") << Params({{u"black_floor"_s, 0.1F}}) << 0.0F << 0.0F << 0.1;
+}
+
+void TestExampleShaderResults::screenHighlights()
+{
+    QFETCH(Params, changes);
+    QFETCH(float, headroom);
+    QFETCH(float, light);
+    QFETCH(double, expected);
+    const Picture field = grey({40, 30}, light);
+    const Picture shown =
+            screen(field, with(kScreen, changes), headroom > 0.0F ? hdr(headroom) : Tweak());
+    const auto signal = float(encoded(expected));
+    QVERIFY2(difference(shown, grey(shown.size, signal)) < 1e-4F,
+             QByteArray::number(difference(shown, grey(shown.size, signal))).constData());
+}
+
+void TestExampleShaderResults::ghosting_data()
+{
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<bool>("isRising");
+    QTest::addColumn<float>("speed");
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<bool>("isHdr");
+    QTest::addColumn<float>("expected");
+    for (const char *component : {"gba-ghost", "dmg-ghost"}) {
+        const QString name = QString::fromLatin1(component);
+        const auto row = [&](const char *what, bool isRising, float speed, float seconds,
+                             bool isHdr, float expected) {
+            QTest::addRow("%s %s", component, what)
+                    << name << isRising << speed << seconds << isHdr << expected;
+        };
+        row("rise", true, 1.0F, 1.0F / 60.0F, false, 0.5F);
+        row("rise in 1/30 s", true, 1.0F, 1.0F / 30.0F, false, 0.75F);
+        row("fall", false, 1.0F, 1.0F / 60.0F, false, 0.6F);
+        row("rise, faster in HDR only", true, 3.0F, 1.0F / 60.0F, false, 0.5F);
+        row("rise, faster in HDR", true, 3.0F, 1.0F / 60.0F, true, 0.875F);
+    }
+}
+
+void TestExampleShaderResults::ghosting()
+{
+    QFETCH(QString, component);
+    QFETCH(bool, isRising);
+    QFETCH(float, speed);
+    QFETCH(float, seconds);
+    QFETCH(bool, isHdr);
+    QFETCH(float, expected);
+    const Picture drive = grey({2, 2}, isRising ? 1.0F : 0.0F);
+    const Picture last = grey({2, 2}, isRising ? 0.0F : 1.0F);
+    const Picture cells = evaluate(
+            component, {{.picture = &drive}, {.picture = &last}}, {2, 2},
+            {{u"ghost_rise"_s, 0.5F}, {u"ghost_fall"_s, 0.4F}, {u"ghost_hdr_speed"_s, speed}},
+            [=](PushConstants &constants) {
+                constants.frameSeconds = seconds;
+                constants.hdrOutputActive = isHdr ? 1 : 0;
+            });
+    QVERIFY(difference(cells, grey({2, 2}, expected)) < kRounding);
+}
+
+// The mean light of a white field: 1 - depth * (1 - aperture / 3), whatever the scale.
+void TestExampleShaderResults::panelMeanBrightness_data()
+{
+    QTest::addColumn<QSize>("viewport");
+    QTest::addColumn<Params>("changes");
+    QTest::addColumn<double>("expected");
+    const double usual = 1.0 - 0.4 * 0.4 * (1.0 - 0.91 * 0.97 / 3.0);
+    QTest::newRow("integer scale") << QSize(192, 128) << Params() << usual;
+    QTest::newRow("odd scale") << QSize(173, 119) << Params() << usual;
+    QTest::newRow("smaller than the panel") << QSize(20, 13) << Params() << usual;
+    QTest::newRow("no contrast") << QSize(173, 119) << Params({{u"lcd_grid_contrast"_s, 0.0F}})
+                                 << 1.0;
+    QTest::newRow("full contrast, undiffused")
+            << QSize(192, 128) << Params({{u"lcd_grid_contrast"_s, 1.0F}, {u"lcd_diffuse"_s, 0.0F}})
+            << 0.91 * 0.97 / 3.0;
+}
+
+void TestExampleShaderResults::panelMeanBrightness()
+{
+    QFETCH(QSize, viewport);
+    QFETCH(Params, changes);
+    QFETCH(double, expected);
+    const Picture white = grey({24, 16}, 1.0F);
+    const Picture shown =
+            evaluate(u"gba-subpixel"_s, {{.picture = &white}}, viewport, with(kSubpixel, changes));
+    for (std::size_t c = 0; c < 3; ++c) {
+        double light = 0.0;
+        for (const Pixel &pixel : shown.pixels)
+            light += decoded(double(pixel[c]));
+        light /= double(shown.pixels.size());
+        QVERIFY2(std::fabs(light - expected) < 2e-3, QByteArray::number(light).constData());
+    }
+}
+
+void TestExampleShaderResults::crosstalkMovesLightAlongItsColumnOnly()
+{
+    Picture cells({5, 81}, {0.0F, 0.0F, 0.0F, 1.0F});
+    cells.at(2, 40) = {1.0F, 1.0F, 1.0F, 1.0F};
+    const Picture result = evaluate(u"dmg-crosstalk"_s, {{.picture = &cells}}, cells.size,
+                                    {{u"dmg_crosstalk"_s, 1.0F}, {u"dmg_crosstalk_reach"_s, 1.5F}});
+    double column = 0.0;
+    double elsewhere = 0.0;
+    for (int y = 0; y < 81; ++y) {
+        for (int x = 0; x < 5; ++x)
+            (x == 2 ? column : elsewhere) += double(result.at(x, y)[0]);
+    }
+    QVERIFY(std::fabs(column - 1.0) < 1e-4);
+    QCOMPARE(elsewhere, 0.0);
+    QVERIFY(result.at(2, 41)[0] > 0.05F);
+}
+
+void TestExampleShaderResults::shadowMovesByTheGap()
+{
+    // A dark cell on clear glass (grey, so a tint of 0 in alpha).
+    Picture cells({21, 21}, {0.665F, 0.665F, 0.665F, 0.0F});
+    cells.at(10, 10) = {0.184F, 0.184F, 0.184F, 0.0F};
+    const Picture shadow = evaluate(u"dmg-occlusion"_s, {{.picture = &cells}}, cells.size,
+                                    {{u"dmg_shadow_offset"_s, 2.5F}});
+    double sum = 0.0;
+    double momentX = 0.0;
+    double momentY = 0.0;
+    for (int y = 0; y < 21; ++y) {
+        for (int x = 0; x < 21; ++x) {
+            const double missing = decoded(0.665) - decoded(double(shadow.at(x, y)[0]));
+            sum += missing;
+            momentX += missing * (x - 10);
+            momentY += missing * (y - 10);
+        }
+    }
+    QVERIFY(std::fabs(sum - (decoded(0.665) - decoded(0.184))) < 1e-4);
+    QVERIFY2(std::fabs(momentX / sum - 2.5) < 1e-2, QByteArray::number(momentX / sum).constData());
+    QVERIFY(std::fabs(momentY / sum - 2.5) < 1e-2);
+}
+
+void TestExampleShaderResults::scalerKeepsStraightEdges_data()
+{
+    QTest::addColumn<std::function<bool(int, int)>>("isWhite");
+    const auto row = [](const char *name, const std::function<bool(int, int)> &isWhite) {
+        QTest::newRow(name) << isWhite;
+    };
+    row("flat", [](int, int) { return true; });
+    row("vertical edge", [](int x, int) { return x >= 6; });
+    row("horizontal edge", [](int, int y) { return y >= 5; });
+    row("vertical line", [](int x, int) { return x == 6; });
+}
+
+void TestExampleShaderResults::scalerKeepsStraightEdges()
+{
+    QFETCH(std::function<bool(int, int)>, isWhite);
+    Picture picture({14, 12});
+    for (int y = 0; y < 12; ++y) {
+        for (int x = 0; x < 14; ++x) {
+            if (isWhite(x, y))
+                picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
+        }
+    }
+    const PresetEntry &preset = presetEntry(u"no-pixels"_s);
+    GraphRunner runner(shaders(), preset);
+    const Picture tripled =
+            runner.draw(picture, {.params = initialParams(preset), .viewport = {42, 36}}).at(5);
+    QCOMPARE(tripled.size, QSize(42, 36));
+    for (int y = 0; y < 36; ++y) {
+        for (int x = 0; x < 42; ++x)
+            QCOMPARE(tripled.at(x, y)[0], picture.at(x / 3, y / 3)[0]);
+    }
+}
+
+void TestExampleShaderResults::scalerSmoothsAStaircase()
+{
+    Picture picture({15, 15});
+    for (int y = 0; y < 15; ++y) {
+        for (int x = 0; x < 15; ++x) {
+            if (x > y)
+                picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
+        }
+    }
+    const PresetEntry &preset = presetEntry(u"no-pixels"_s);
+    const auto tripled = [&](float smoothEdges) {
+        GraphRunner runner(shaders(), preset);
+        const Params params = with(initialParams(preset), {{u"SFX_SAA"_s, smoothEdges}});
+        return runner.draw(picture, {.params = params, .viewport = {45, 45}}).at(5);
+    };
+    // In the middle of the edge: of the dark pixel (7, 7) the upper right corner is cut.
+    const Picture smooth = tripled(1.0F);
+    QCOMPARE(smooth.at(22, 22)[0], 0.0F);
+    QVERIFY(smooth.at(23, 21)[0] > 0.5F);
+    QVERIFY(smooth.at(23, 21)[0] < 1.0F);
+    const Picture hard = tripled(0.0F);
+    QCOMPARE(hard.at(23, 21)[0], 1.0F);
+    QCOMPARE(hard.at(22, 22)[0], 0.0F);
+    QCOMPARE(hard.at(21, 23)[0], 0.0F);
+}
+
+void TestExampleShaderResults::resamplerAveragesWhenShrinking()
+{
+    const Picture picture = noise({30, 20});
+    const Picture small = evaluate(u"smooth-resample"_s, {{.picture = &picture}}, {10, 5});
+    for (int y = 0; y < 5; ++y) {
+        for (int x = 0; x < 10; ++x) {
+            double light = 0.0;
+            for (int i = 0; i < 12; ++i)
+                light += decoded(double(picture.at(3 * x + i % 3, 4 * y + i / 3)[1]));
+            QVERIFY(std::fabs(decoded(double(small.at(x, y)[1])) - light / 12.0) < 1e-4);
+        }
+    }
+    // Nothing rings: enlarging a step stays within its levels.
+    Picture step({8, 4}, {0.2F, 0.2F, 0.2F, 1.0F});
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 4; x < 8; ++x)
+            step.at(x, y) = {0.8F, 0.8F, 0.8F, 1.0F};
+    }
+    const Picture large = evaluate(u"smooth-resample"_s, {{.picture = &step}}, {61, 17});
+    for (const Pixel &pixel : large.pixels)
+        QVERIFY(pixel[0] > 0.2F - 1e-4F && pixel[0] < 0.8F + 1e-4F);
+}
+
+void TestExampleShaderResults::smearLeavesLumaAlone()
+{
+    const Picture picture = noise({40, 8}, 0.6F);
+    const Picture result = evaluate(u"rewind"_s, {{.picture = &picture, .linearFilter = true}},
+                                    picture.size, {{u"wiggle"_s, 0.0F}, {u"smear"_s, 1.0F}});
+    QVERIFY(difference(result, picture) > 0.05F);
+    const auto luma = [](const Pixel &p) { return 0.299F * p[0] + 0.587F * p[1] + 0.114F * p[2]; };
+    for (std::size_t i = 0; i < picture.pixels.size(); ++i)
+        QVERIFY(std::fabs(luma(result.pixels[i]) - luma(picture.pixels[i])) < 1e-4F);
+}
+
+void TestExampleShaderResults::tapeRunsWithTheFrameCounter()
+{
+    const Picture picture = grey({64, 48}, 0.5F);
+    const auto frame = [&](std::uint32_t count, int direction, float speed) {
+        return evaluate(u"rewind-noise"_s, {{.picture = &picture}}, picture.size,
+                        {{u"noiseAmount"_s, 0.5F}, {u"lineNoise"_s, 0.5F}, {u"tapeSpeed"_s, speed}},
+                        [=](PushConstants &constants) {
+                            constants.frameCount = count;
+                            constants.frameDirection = direction;
+                        });
+    };
+    QVERIFY(difference(frame(10, 1, 1.0F), frame(11, 1, 1.0F)) > 0.1F);
+    QVERIFY(difference(frame(10, 1, 1.0F), frame(10, -1, 1.0F)) > 0.1F);
+    QCOMPARE(difference(frame(10, 1, 0.0F), frame(11, 1, 0.0F)), 0.0F);
+    // The grain's mean is that of the picture.
+    double sum = 0.0;
+    for (std::uint32_t count = 0; count < 20; ++count)
+        sum += mean(frame(count, 1, 1.0F), 0);
+    QVERIFY2(std::fabs(sum / 20.0 - 0.5) < 0.01, QByteArray::number(sum / 20.0).constData());
+}
+
+void TestExampleShaderResults::hdrBoost_data()
+{
+    QTest::addColumn<float>("headroom"); // 0: SDR
+    QTest::addColumn<Pixel>("input");
+    QTest::addColumn<Pixel>("expected");
+    const Pixel red = {1.0F, 0.0F, 0.0F, 1.0F};
+    const Pixel colour = {0.9F, 0.4F, 0.1F, 0.5F};
+    QTest::newRow("SDR: as it is") << 0.0F << colour << colour;
+    QTest::newRow("headroom 1: decoded")
+            << 1.0F << colour << Pixel({0.793112F, 0.133209F, 0.00630957F, 0.5F});
+    const Pixel half = {0.5F, 0.5F, 0.5F, 1.0F};
+    QTest::newRow("greys: decoded")
+            << 4.0F << half << Pixel({0.217638F, 0.217638F, 0.217638F, 1.0F});
+    QTest::newRow("red at headroom 1.2") << 1.2F << red << Pixel({1.1F, 0.0F, 0.0F, 1.0F});
+    QTest::newRow("red at headroom 2") << 2.0F << red << Pixel({1.5F, 0.0F, 0.0F, 1.0F});
+    QTest::newRow("red at headroom 8") << 8.0F << red << Pixel({1.5F, 0.0F, 0.0F, 1.0F});
+}
+
+void TestExampleShaderResults::hdrBoost()
+{
+    QFETCH(float, headroom);
+    QFETCH(Pixel, input);
+    QFETCH(Pixel, expected);
+    const Picture picture({4, 4}, input);
+    const Picture result = evaluate(u"hdr-color-boost"_s, {{.picture = &picture}}, {4, 4}, {},
+                                    headroom > 0.0F ? hdr(headroom) : Tweak());
+    QVERIFY(difference(result, Picture({4, 4}, expected)) < kRounding);
+    QVERIFY(std::fabs(result.at(0, 0)[3] - expected[3]) < kRounding);
+}
+
+QTEST_GUILESS_MAIN(TestExampleShaderResults)
+#include "tst_ExampleShaderResults.moc"
