@@ -46,6 +46,15 @@ inline QByteArray readFile(const QString &path)
     return file.readAll();
 }
 
+// The text in UTF-16, behind a byte-order mark.
+inline QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian = false)
+{
+    QByteArray bytes = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
+    for (const char c : latin1)
+        bytes += isBigEndian ? QByteArray(1, '\0') + c : QByteArray(1, c) + '\0';
+    return bytes;
+}
+
 // A directory that is the working directory while it lives, so that the paths in messages are short
 // and always the same.
 class WorkingDirectory

@@ -110,14 +110,6 @@ void replaceText(const QString &path, const QByteArray &before, const QByteArray
     writeFile(path, text.replace(before, after));
 }
 
-QByteArray utf16WithMark(const QByteArray &latin1)
-{
-    QByteArray bytes = "\xFF\xFE";
-    for (const char c : latin1)
-        bytes += QByteArray(1, c) + '\0';
-    return bytes;
-}
-
 } // namespace
 
 class TestRenderGraphCompile : public QObject

@@ -67,6 +67,25 @@ const PassEntry &passEntry(const QString &component)
     qFatal("no pass %s", qPrintable(component));
 }
 
+PushConstants pushConstants(const PassEntry &pass, QSize source, QSize output, QSize original,
+                            const QHash<QString, float> &params)
+{
+    PushConstants constants = {};
+    constants.sourceSize = sizeConstant(source);
+    constants.outputSize = sizeConstant(output);
+    constants.originalSize = sizeConstant(original);
+    constants.frameDirection = 1;
+    constants.frameSeconds = 1.0F / 60.0F;
+    constants.hdrHeadroom = 1.0F;
+    for (int i = 0; i < pass.paramCount; ++i) {
+        const QString id = QString::fromUtf8(pass.params[i].id);
+        if (!params.contains(id))
+            qFatal("no value of %s", qPrintable(id));
+        constants.params.at(pass.params[i].floatOffset) = params.value(id);
+    }
+    return constants;
+}
+
 QList<Picture> GraphRunner::draw(const Picture &source, const FrameState &state)
 {
     QList<Picture> outputs;
@@ -100,22 +119,13 @@ QList<Picture> GraphRunner::draw(const Picture &source, const FrameState &state)
             continue;
         }
 
-        PushConstants constants = {};
-        constants.sourceSize = sizeConstant(direct);
-        constants.outputSize = sizeConstant(size);
-        constants.originalSize = sizeConstant(source.size);
+        PushConstants constants = pushConstants(pass, direct, size, source.size, state.params);
         constants.frameCount = state.frameCount;
         constants.frameDirection = state.frameDirection;
         constants.hdrOutputActive = state.hdrOutputActive ? 1 : 0;
         constants.frameSeconds = state.frameSeconds;
         constants.hdrHeadroom =
                 pass.isFinalPass && m_preset.finalRealPassRespondsToHdr ? 1.0F : state.hdrHeadroom;
-        for (int i = 0; i < pass.paramCount; ++i) {
-            const QString id = QString::fromUtf8(pass.params[i].id);
-            if (!state.params.contains(id))
-                qFatal("no value of %s", qPrintable(id));
-            constants.params.at(pass.params[i].floatOffset) = state.params.value(id);
-        }
         const bool isFloat32 = static_cast<VulkanRenderGraph::Format>(pass.format)
                 == VulkanRenderGraph::Format::RGBA32F;
         outputs.append(m_shaders.draw(QString::fromUtf8(pass.debugName), inputs, size, constants,

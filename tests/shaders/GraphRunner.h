@@ -27,6 +27,10 @@ const RenderGraphManifestData::PresetEntry &presetEntry(const QString &name);
 // The first pass of any preset that is drawn with this component.
 const RenderGraphManifestData::PassEntry &passEntry(const QString &component);
 
+// The block for one pass in SDR, going forwards at 60 Hz; `params` holds at least its parameters.
+PushConstants pushConstants(const RenderGraphManifestData::PassEntry &pass, QSize source,
+                            QSize output, QSize original, const QHash<QString, float> &params);
+
 // Draws whole presets from the manifest, as a renderer does: sizes, inputs, history, constant
 // black.
 class GraphRunner

@@ -25,34 +25,15 @@ ShaderRunner &shaders()
     return runner;
 }
 
-std::array<float, 4> sizeConstant(QSize size)
-{
-    const auto width = float(size.width());
-    const auto height = float(size.height());
-    return {width, height, 1.0F / width, 1.0F / height};
-}
-
 // The component's output, in 32-bit floats. `params` holds just its parameters.
 Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
                  const Params &params = {}, const Tweak &tweak = {})
 {
     const QSize source = inputs.isEmpty() ? QSize(1, 1) : inputs.first().picture->size;
-    PushConstants constants = {};
-    constants.sourceSize = sizeConstant(source);
-    constants.outputSize = sizeConstant(size);
-    constants.originalSize = sizeConstant(source);
-    constants.frameDirection = 1;
-    constants.frameSeconds = 1.0F / 60.0F;
-    constants.hdrHeadroom = 1.0F;
     const PassEntry &pass = passEntry(component);
     if (pass.paramCount != params.size())
         qFatal("%s has %d parameters", qPrintable(component), pass.paramCount);
-    for (int i = 0; i < pass.paramCount; ++i) {
-        const QString id = QString::fromUtf8(pass.params[i].id);
-        if (!params.contains(id))
-            qFatal("no value of %s", qPrintable(id));
-        constants.params.at(pass.params[i].floatOffset) = params.value(id);
-    }
+    PushConstants constants = pushConstants(pass, source, size, source, params);
     if (tweak)
         tweak(constants);
     return shaders().draw(component, inputs, size, constants);
