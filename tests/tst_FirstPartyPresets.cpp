@@ -107,8 +107,8 @@ int rowCount(const QHash<QByteArray, Array<T>> &arrays)
 
 // The next row of the array that a table names: a table lists each array's rows in order.
 template<typename T>
-const T &nextRow(const QHash<QByteArray, Array<T>> &arrays, const QByteArray &name,
-                 QHash<QByteArray, int> &taken)
+T nextRow(const QHash<QByteArray, Array<T>> &arrays, const QByteArray &name,
+          QHash<QByteArray, int> &taken)
 {
     const int index = taken[name]++;
     if (!arrays.contains(name) || index >= arrays[name].count)
@@ -185,7 +185,7 @@ void TestFirstPartyPresets::passesMatchTheTable()
     QCOMPARE(rows.size(), rowCount(kPassArrays));
     QHash<QByteArray, int> taken;
     for (const Row &row : rows) {
-        const PassDecl &pass = nextRow(kPassArrays, row.text("array"), taken);
+        const PassDecl pass = nextRow(kPassArrays, row.text("array"), taken);
         QCOMPARE(taken.value(row.text("array")) - 1, row.integer("index"));
         QCOMPARE(pass.component, row.text("component"));
         QCOMPARE(pass.extentAlias, row.text("extentAlias"));
@@ -216,7 +216,7 @@ void TestFirstPartyPresets::paramsMatchTheTable()
     QCOMPARE(rows.size(), rowCount(kParamArrays));
     QHash<QByteArray, int> taken;
     for (const Row &row : rows) {
-        const ParamDecl &param = nextRow(kParamArrays, row.text("array"), taken);
+        const ParamDecl param = nextRow(kParamArrays, row.text("array"), taken);
         QCOMPARE(param.id, row.text("id"));
         QCOMPARE(param.description, row.text("description"));
         // Not QCOMPARE's fuzzy comparison: the manifest shows every bit.
@@ -233,7 +233,7 @@ void TestFirstPartyPresets::overridesMatchTheTable()
     QCOMPARE(rows.size(), rowCount(kOverrideArrays));
     QHash<QByteArray, int> taken;
     for (const Row &row : rows) {
-        const ValueOverride &value = nextRow(kOverrideArrays, row.text("array"), taken);
+        const ValueOverride value = nextRow(kOverrideArrays, row.text("array"), taken);
         QCOMPARE(value.id, row.text("id"));
         QVERIFY2(value.value == row.real("value"), value.id);
     }
