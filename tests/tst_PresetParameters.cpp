@@ -2,6 +2,11 @@
 
 #include "TestSupport.h"
 
+#include <QLibraryInfo>
+#include <QVersionNumber>
+
+#include <limits>
+
 using namespace Qt::StringLiterals;
 using namespace FirstPartyPresetSource;
 
@@ -237,6 +242,15 @@ void TestPresetParameters::values_data()
     row("CR LF", "b = \"0.25\"\r", 0.25F);
     row("quote over two lines", "b = \"0.2\n5\"", 0.5F);
     row("a number that is no parameter", "scale0 = \"3.0\"\nshader0 = \"b.glsl\"", 0.5F);
+
+    // Somewhere between these versions Qt changed what it takes for a float.
+    const QVersionNumber qt = QLibraryInfo::version();
+    const bool isOlder = qt < QVersionNumber(6, 5);
+    if (isOlder || qt >= QVersionNumber(6, 11)) {
+        row("rounds down to the greatest", "b = \"3.4028235e38\"",
+            isOlder ? 0.5F : std::numeric_limits<float>::max());
+        row("minus sign U+2212", "b = \"\u22120.25\"", isOlder ? -0.25F : 0.5F);
+    }
 }
 
 void TestPresetParameters::values()

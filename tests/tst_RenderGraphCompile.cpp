@@ -1,8 +1,12 @@
 #include "TestSupport.h"
 
+#include <QElapsedTimer>
+#include <QLibraryInfo>
 #include <QProcess>
+#include <QVersionNumber>
 
 #include <functional>
+#include <optional>
 
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -133,6 +137,8 @@ private Q_SLOTS:
     void manifestOfTheExampleShaders();
     void sameBytesEverywhere_data();
     void sameBytesEverywhere();
+    void qtWarnsOfTheLocale_data();
+    void qtWarnsOfTheLocale();
     void sameBytesFromOtherEncodings_data();
     void sameBytesFromOtherEncodings();
     void unreadableComponentCountsAsEmpty_data();
@@ -266,6 +272,30 @@ void TestRenderGraphCompile::sameBytesEverywhere()
     QCOMPARE(result.exitStatus, 0);
     QCOMPARE(result.out, retiredUpTo(10));
     QVERIFY(readFile(u"other/m.h"_s) == readFile(kGolden));
+}
+
+void TestRenderGraphCompile::qtWarnsOfTheLocale_data()
+{
+    QTest::addColumn<QStringList>("environment");
+    QTest::addColumn<bool>("isUtf8");
+    QTest::newRow("C.UTF-8") << QStringList({u"LC_ALL=C.UTF-8"_s}) << true;
+    QTest::newRow("C") << QStringList({u"LC_ALL=C"_s}) << false;
+    QTest::newRow("POSIX") << QStringList({u"LC_ALL=POSIX"_s}) << false;
+    QTest::newRow("empty") << QStringList({u"LC_ALL="_s}) << false;
+    QTest::newRow("nothing set") << QStringList() << false;
+}
+
+void TestRenderGraphCompile::qtWarnsOfTheLocale()
+{
+    QFETCH(QStringList, environment);
+    QFETCH(bool, isUtf8);
+    const bool isWarned = !isUtf8 && QLibraryInfo::version() >= QVersionNumber(6, 5);
+    const Run result = compile(kExampleShaders, u"m.h"_s,
+                               [&](QProcess &process) { process.setEnvironment(environment); });
+    QCOMPARE(result.exitStatus, 0);
+    QCOMPARE(result.out, retiredUpTo(10));
+    QCOMPARE(result.err.count('\n'), isWarned ? 4 : 0);
+    QCOMPARE(result.err.startsWith("Detected locale \"C\" with character encoding "), isWarned);
 }
 
 void TestRenderGraphCompile::sameBytesFromOtherEncodings_data()
