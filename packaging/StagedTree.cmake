@@ -1,0 +1,16 @@
+# Run by cpack between installing and packing.
+
+# What Debian's policy asks of a .deb and of no other package.
+if(CPACK_GENERATOR STREQUAL "DEB")
+    set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
+    set(doc "${share}/doc/${CPACK_PACKAGE_NAME}")
+    file(COPY "${CMAKE_CURRENT_LIST_DIR}/debian/" DESTINATION "${doc}"
+        FILE_PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
+    file(GLOB pages "${share}/man/man*/*")
+    execute_process(COMMAND gzip -9 -n "${doc}/changelog" ${pages} COMMAND_ERROR_IS_FATAL ANY)
+endif()
+
+# Whoever packs may have any umask.
+file(CHMOD_RECURSE "${CPACK_TEMPORARY_DIRECTORY}"
+    DIRECTORY_PERMISSIONS
+        OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
