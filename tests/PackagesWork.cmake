@@ -1,5 +1,5 @@
 # Makes the packages, unpacks each into an empty directory and runs the tool from there.
-# Takes CPACK, CONFIG, VERSION, LINTIAN (may be false), SHADERS_DIR, MANIFEST, WORK_DIR.
+# Takes CPACK, CONFIG, VERSION, LINTIAN, SHADERS_DIR, MANIFEST, WORK_DIR.
 cmake_minimum_required(VERSION 3.21)
 
 function(run)
@@ -66,9 +66,7 @@ file(READ "${CMAKE_CURRENT_LIST_DIR}/../packaging/debian/changelog" changelog)
 if(NOT changelog MATCHES "^render-graph-compile [(]${VERSION}[)] ")
     message(FATAL_ERROR "packaging/debian/changelog does not begin with version ${VERSION}")
 endif()
-if(LINTIAN)
-    run("${LINTIAN}" --fail-on error "${deb}")
-endif()
+run("${LINTIAN}" --fail-on error "${deb}")
 
 file(ARCHIVE_EXTRACT INPUT "${tar}" DESTINATION "${WORK_DIR}/tar")
 get_filename_component(top "${tar}" NAME)
