@@ -55,7 +55,7 @@ function(render_graph_manifest)
         "${pattern}/vulkan/components/*.frag"
     )
     list(JOIN inputs "\n" listed)
-    file(GENERATE OUTPUT "${listing}" CONTENT "${tool_dependency}\n${shaders_dir}\n${listed}\n")
+    file(GENERATE OUTPUT "${listing}" CONTENT "${listed}\n")
     # What the tool cannot find either, such as a dangling link, is its own to report.
     set(existing ${inputs})
     foreach(input IN LISTS inputs)

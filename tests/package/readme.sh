@@ -37,6 +37,9 @@ build 'with Ninja Multi-Config' --config Release || fail 'the second configurati
     fail 'the second configuration does not share the header'
 
 project 'for another system' -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake"
+project 'within its root' -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake" \
+    "-DCMAKE_FIND_ROOT_PATH=$WORK_DIR/project" -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY \
+    "-DRenderGraphCompile_DIR=$prefix/share/cmake/RenderGraphCompile"
 
 # The tool runs under a UTF-8 locale, or on macOS under none that is set.
 printf '%s\n' '#!/bin/sh' 'echo "${LC_ALL-}" >"$0.locale"' "exec '$tool' \"\$@\"" >'a wrapper'
