@@ -62,7 +62,7 @@ configure project 'with no tool' "-DRenderGraphCompile_EXECUTABLE=$WORK_DIR/a wr
     fail 'configuring with a tool that does not run'
 if build 'with no tool'; then fail 'built with a tool that does not run'; fi
 tr -s ' \n' ' ' <log >message
-grep -qF "RenderGraphManifest.h was not generated: '$WORK_DIR/a wrapper' does not run: Permission \
+grep -qiF "RenderGraphManifest.h was not generated: '$WORK_DIR/a wrapper' does not run: Permission \
 denied. RenderGraphCompile_EXECUTABLE can name another render-graph-compile." message ||
     fail 'a tool that does not run is not named'
 [ ! -e "with no tool/$header" ] || fail 'a header without a tool'

@@ -10,7 +10,9 @@ cp -R "$SOURCE_DIR/examples" 'examples [x]'
 shaders='examples [x]/shaders'
 components=$shaders/vulkan/components
 header='the build/render-graph/consumer_presets/include/RenderGraphManifest.h'
-configure 'examples [x]/consumer' 'the build' -G "$generator" || fail "$generator: configuring"
+configure 'examples [x]/consumer' 'the build' -G "$generator" \
+    "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror" ||
+    fail "$generator: configuring"
 
 # row <name> <tool runs> <compilations>
 row() {
