@@ -11,7 +11,7 @@ function(run)
     set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-# What the CMake package installs is not for this test to know.
+# Which files make up the CMake package is not for this test to know.
 function(expect_tree root prefix)
     file(GLOB_RECURSE found LIST_DIRECTORIES FALSE RELATIVE "${root}" "${root}/*")
     list(FILTER found EXCLUDE REGEX "/cmake/")
@@ -60,7 +60,11 @@ expect_tree("${WORK_DIR}/deb" usr/
     usr/bin/render-graph-compile
     usr/share/doc/render-graph-compile/changelog.gz
     usr/share/doc/render-graph-compile/copyright
-    usr/share/man/man1/render-graph-compile.1.gz)
+    usr/share/man/man1/render-graph-compile.1.gz
+    usr/share/render-graph-compile/catalog/VulkanRenderGraph.cpp
+    usr/share/render-graph-compile/catalog/VulkanRenderGraph.h
+    usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
+    usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h)
 expect_modes("${deb}" dpkg-deb --contents)
 file(READ "${CMAKE_CURRENT_LIST_DIR}/../packaging/debian/changelog" changelog)
 if(NOT changelog MATCHES "^render-graph-compile [(]${VERSION}[)] ")
@@ -73,5 +77,9 @@ get_filename_component(top "${tar}" NAME)
 string(REGEX REPLACE "[.]tar[.]gz$" "" top "${top}")
 expect_tree("${WORK_DIR}/tar" "${top}/"
     "${top}/bin/render-graph-compile"
-    "${top}/share/man/man1/render-graph-compile.1")
+    "${top}/share/man/man1/render-graph-compile.1"
+    "${top}/share/render-graph-compile/catalog/VulkanRenderGraph.cpp"
+    "${top}/share/render-graph-compile/catalog/VulkanRenderGraph.h"
+    "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp"
+    "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h")
 expect_modes("${tar}" "${CMAKE_COMMAND}" -E tar tvf)

@@ -1,0 +1,141 @@
+# render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>)
+#
+# Defines the INTERFACE library <target>: whatever links it can include the render-graph manifest of
+# the shaders directory as <file name>. docs/cmake.md is the reference.
+cmake_policy(VERSION 3.21)
+
+function(render_graph_manifest)
+    cmake_parse_arguments(PARSE_ARGV 0 arg "" "SHADERS_DIR;HEADER" "")
+    set(synopsis "  render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>)")
+
+    list(POP_FRONT arg_UNPARSED_ARGUMENTS target)
+    if(NOT target OR NOT "${ARGV0}" STREQUAL "${target}")
+        message(FATAL_ERROR
+            "render_graph_manifest: the first argument is the name of the library. Write\n${synopsis}")
+    endif()
+    if(arg_UNPARSED_ARGUMENTS)
+        list(JOIN arg_UNPARSED_ARGUMENTS "', '" unknown)
+        message(FATAL_ERROR
+            "render_graph_manifest(${target}): unknown argument '${unknown}'. Write\n${synopsis}")
+    endif()
+    foreach(keyword IN ITEMS SHADERS_DIR HEADER)
+        if("${arg_${keyword}}" STREQUAL "")
+            message(FATAL_ERROR
+                "render_graph_manifest(${target}): ${keyword} is missing. Write\n${synopsis}")
+        endif()
+    endforeach()
+    if(arg_HEADER MATCHES "[/\\]")
+        message(FATAL_ERROR
+            "render_graph_manifest(${target}): HEADER is a file name without a directory, "
+            "but it is '${arg_HEADER}'.")
+    endif()
+    get_filename_component(shaders_dir "${arg_SHADERS_DIR}" ABSOLUTE)
+    if(NOT IS_DIRECTORY "${shaders_dir}")
+        message(FATAL_ERROR
+            "render_graph_manifest(${target}): SHADERS_DIR is no directory: '${shaders_dir}'. "
+            "A relative one counts from the directory of the CMakeLists.txt.")
+    endif()
+    if(TARGET "${target}")
+        message(FATAL_ERROR
+            "render_graph_manifest(${target}): there is a target '${target}' already. "
+            "Each manifest is a library of its own.")
+    endif()
+    _render_graph_compile_command(tool tool_dependency)
+
+    set(work_dir "${CMAKE_CURRENT_BINARY_DIR}/render-graph/${target}")
+    set(header "${work_dir}/include/${arg_HEADER}")
+    set(latest "${work_dir}/latest.h")
+    set(listing "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_inputs.txt")
+
+    # A file that went, or that came with an old time stamp, shows in the listing alone.
+    string(REGEX REPLACE "([[*?])" "[\\1]" pattern "${shaders_dir}")
+    file(GLOB inputs LIST_DIRECTORIES false CONFIGURE_DEPENDS
+        "${pattern}/*.glslp"
+        "${pattern}/vulkan/components/*.slang"
+        "${pattern}/vulkan/components/*.frag"
+    )
+    list(JOIN inputs "\n" listed)
+    file(GENERATE OUTPUT "${listing}" CONTENT "${listed}\n")
+    # What the tool cannot find either, such as a dangling link, is its own to report.
+    set(existing ${inputs})
+    foreach(input IN LISTS inputs)
+        if(NOT EXISTS "${input}")
+            list(REMOVE_ITEM existing "${input}")
+        endif()
+    endforeach()
+
+    # From 6.5 on, Qt warns at every start where the locale is not UTF-8.
+    set(utf8 LC_ALL=C.UTF-8)
+    if(CMAKE_HOST_APPLE)
+        set(utf8 --unset=LC_ALL --unset=LC_CTYPE --unset=LANG)
+    elseif(CMAKE_HOST_WIN32)
+        set(utf8 "")
+    endif()
+
+    add_custom_command(
+        OUTPUT "${latest}"
+        BYPRODUCTS "${header}"
+        COMMAND "${CMAKE_COMMAND}" -E env ${utf8} "${CMAKE_COMMAND}"
+            "-DTOOL=${tool}" "-DSHADERS_DIR=${shaders_dir}" "-DHEADER=${header}" "-DLATEST=${latest}"
+            -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/RenderGraphManifestStep.cmake"
+        DEPENDS "${listing}" "${tool_dependency}" ${existing}
+        COMMENT "Generating ${arg_HEADER} for ${target}"
+        VERBATIM
+    )
+
+    # Ninja runs the step again when the byproduct is gone. Make does not know byproducts.
+    set(restore COMMAND "${CMAKE_COMMAND}" -E copy_if_different "${latest}" "${header}")
+    if(CMAKE_GENERATOR MATCHES "^Ninja")
+        set(restore "")
+    endif()
+    add_custom_target(${target}_header ${restore} DEPENDS "${latest}" VERBATIM)
+
+    # A target-level dependency, since a generated file is known in its own directory only.
+    add_library(${target} INTERFACE)
+    add_dependencies(${target} ${target}_header)
+    target_include_directories(${target} INTERFACE "$<BUILD_INTERFACE:${work_dir}/include>")
+endfunction()
+
+# The command that runs the tool, and what the build step depends on for it.
+function(_render_graph_compile_command command_variable dependency_variable)
+    set(target RenderGraphCompile::render-graph-compile)
+
+    if(RenderGraphCompile_EXECUTABLE)
+        if(NOT IS_ABSOLUTE "${RenderGraphCompile_EXECUTABLE}"
+                OR NOT EXISTS "${RenderGraphCompile_EXECUTABLE}"
+                OR IS_DIRECTORY "${RenderGraphCompile_EXECUTABLE}")
+            message(FATAL_ERROR
+                "RenderGraphCompile_EXECUTABLE is '${RenderGraphCompile_EXECUTABLE}'. "
+                "Set it to the full path of a render-graph-compile that runs on this machine.")
+        endif()
+        set(command "${RenderGraphCompile_EXECUTABLE}")
+        set(dependency "${command}")
+    elseif(NOT TARGET ${target})
+        message(FATAL_ERROR
+            "render_graph_manifest: there is no target ${target} here. "
+            "Call find_package(RenderGraphCompile REQUIRED) in this directory or in one above it.")
+    else()
+        get_target_property(is_imported ${target} IMPORTED)
+        if(is_imported)
+            get_target_property(command ${target} LOCATION)
+            set(dependency "${command}")
+        else()
+            set(command "$<TARGET_FILE:${target}>")
+            set(dependency render-graph-compile)
+            if(CMAKE_CROSSCOMPILING)
+                get_target_property(emulator ${target} CROSSCOMPILING_EMULATOR)
+                if(NOT emulator)
+                    message(FATAL_ERROR
+                        "render_graph_manifest: render-graph-compile is built for "
+                        "${CMAKE_SYSTEM_NAME} here and cannot run on this machine. "
+                        "Set RenderGraphCompile_EXECUTABLE to the full path of one that can, "
+                        "or set CMAKE_CROSSCOMPILING_EMULATOR.")
+                endif()
+                list(PREPEND command ${emulator})
+            endif()
+        endif()
+    endif()
+
+    set(${command_variable} "${command}" PARENT_SCOPE)
+    set(${dependency_variable} "${dependency}" PARENT_SCOPE)
+endfunction()

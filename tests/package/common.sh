@@ -1,0 +1,37 @@
+# What the package tests share. They run from CTest, which sets CMAKE, CXX, BUILD_DIR (what is
+# installed), CONFIG, SOURCE_DIR and WORK_DIR.
+export LC_ALL=C.UTF-8
+
+fail() {
+    echo "FAILED: $1" >&2
+    [ ! -s log ] || sed 's/^/    /' log >&2
+    exit 1
+}
+
+# A fresh install in "$prefix", moved there from where it was installed.
+fresh_install() {
+    rm -rf "$WORK_DIR"
+    mkdir -p "$WORK_DIR"
+    cd "$WORK_DIR"
+    prefix="$WORK_DIR/moved here"
+    "$CMAKE" --install "$BUILD_DIR" --config "$CONFIG" --prefix "$WORK_DIR/first" >log
+    mv first "$prefix"
+    tool="$prefix/bin/render-graph-compile"
+}
+
+# configure <source> <build> <arguments...>
+configure() {
+    from=$1
+    to=$2
+    shift 2
+    "$CMAKE" -S "$from" -B "$to" -DCMAKE_PREFIX_PATH="$prefix" "$@" >log 2>&1
+}
+
+build() {
+    "$CMAKE" --build "$@" -j 2 >log 2>&1
+}
+
+# lines <pattern>: how many lines of the log have it.
+lines() {
+    grep -c "$1" log || true
+}

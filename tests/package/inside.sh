@@ -1,0 +1,56 @@
+#!/bin/sh
+# RenderGraphCompile and the example consumer inside another project, for this and another system.
+set -eu
+. "$(dirname "$0")/common.sh"
+tests="$SOURCE_DIR/tests/package"
+
+fresh_install
+mkdir render-graph-compile
+for part in CMakeLists.txt cmake src tools; do
+    cp -R "$SOURCE_DIR/$part" render-graph-compile
+done
+cp -R "$SOURCE_DIR/examples" examples
+cp -R "$tests/inside" inside
+# Qt is this machine's throughout, also where CMake would look for another system's.
+qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
+
+# inside <build> <arguments...>
+inside() {
+    to=$1
+    shift
+    configure inside "$to" "$@" "-DQt6_DIR=$qt_dir" \
+        -DCMAKE_DISABLE_FIND_PACKAGE_RenderGraphCompile=ON
+}
+
+inside native -G 'Ninja Multi-Config' || fail 'configuring'
+build native || fail 'building'
+native/consumer/Debug/consumer list >log
+[ "$(lines '^  stock  *2  *0  no$')" = 1 ] || fail 'the consumer does not list its presets'
+build native
+[ "$(lines 'no work to do')" = 1 ] || fail 'the build after it has something to do'
+touch render-graph-compile/tools/render-graph-compile/main.cpp
+build native
+[ "$(lines 'Generating') $(lines 'Building') $(lines 'Linking')" = '1 1 1' ] ||
+    fail 'a new tool runs once, and nothing follows from it'
+"$CMAKE" --install native --config Debug --prefix installed >log 2>&1 || fail 'installing'
+[ ! -e installed ] || fail 'the project around installs what is ours'
+
+if inside refused -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake"; then
+    fail 'a tool that cannot run here is accepted'
+fi
+tr -s ' \n' ' ' <log >message
+grep -qF "render_graph_manifest: render-graph-compile is built for FreeBSD here and cannot run on \
+this machine. Set RenderGraphCompile_EXECUTABLE to the full path of one that can, or set \
+CMAKE_CROSSCOMPILING_EMULATOR. Call Stack" message || fail 'the error does not say what to set'
+
+inside foreign -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake" \
+    "-DRenderGraphCompile_EXECUTABLE=$tool" || fail 'configuring for another system'
+build foreign || fail 'building for another system'
+[ -x foreign/consumer/consumer ] || fail 'no consumer for another system'
+[ "$(lines 'render-graph-compile$')" = 0 ] || fail 'the tool is built though another is named'
+
+inside emulated -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake" \
+    '-DCMAKE_CROSSCOMPILING_EMULATOR=emulator;--flag' || fail 'configuring with an emulator'
+ninja -C emulated -t commands >log
+[ "$(lines "DTOOL=emulator;--flag;$WORK_DIR/emulated/.*/render-graph-compile\"")" = 1 ] ||
+    fail 'the emulator does not run the tool'

@@ -1,0 +1,25 @@
+#!/bin/sh
+# Several manifests in one project, linked in other directories, with AUTOMOC.
+set -eu
+. "$(dirname "$0")/common.sh"
+
+fresh_install
+cp -R "$SOURCE_DIR/tests/package/many" many
+cp -R "$SOURCE_DIR/examples/shaders" many/still
+cp -R many/still many/moving
+echo 'x = pc.frameCount;' >many/moving/vulkan/components/stock.slang
+
+for generator in 'Ninja' 'Unix Makefiles' 'Ninja Multi-Config'; do
+    configure many "$generator" -G "$generator" || fail "$generator: configuring"
+    for program in moving still; do
+        build "$generator" --target $program || fail "$generator: building only $program"
+        "$(find "$generator" -name $program -type f -perm -u+x)" ||
+            fail "$generator: $program has the other's manifest"
+    done
+    build "$generator" || fail "$generator: building the rest"
+    echo '// a remark' >>many/still/rewind.glslp
+    build "$generator" || fail "$generator: building again"
+    [ "$(lines 'Generating RenderGraphManifest.h for still_presets') $(lines 'Generating Moving.h')" \
+        = '1 0' ] || fail "$generator: the manifests do not stand for themselves"
+    [ "$(lines 'Building')" = 0 ] || fail "$generator: something is compiled for nothing"
+done

@@ -1,0 +1,122 @@
+#!/bin/sh
+# Builds the example consumer against the installed package, then changes one thing after another.
+# Each row says how often the tool ran and how many sources were compiled. Takes the generator.
+set -eu
+. "$(dirname "$0")/common.sh"
+generator=$1
+
+fresh_install
+cp -R "$SOURCE_DIR/examples" 'examples [x]'
+shaders='examples [x]/shaders'
+components=$shaders/vulkan/components
+header='the build/render-graph/consumer_presets/include/RenderGraphManifest.h'
+configure 'examples [x]/consumer' 'the build' -G "$generator" \
+    "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror" ||
+    fail "$generator: configuring"
+
+# row <name> <tool runs> <compilations>
+row() {
+    name="$generator: $1"
+    build 'the build' || fail "$name: the build failed"
+    counts="$(lines 'Generating RenderGraphManifest.h for consumer_presets') $(lines 'Building CXX')"
+    [ "$counts" = "$2 $3" ] || fail "$name: tool runs and compilations: $counts, not $2 $3"
+    [ "$(lines 'retired')" = 0 ] || fail "$name: the build is not quiet"
+    "$tool" --shaders-dir "$shaders" --out expected.h >/dev/null
+    cmp "$header" expected.h || fail "$name: the header is not what the tool writes"
+
+    build 'the build' || fail "$name: the build after it failed"
+    [ "$(lines 'Generating\|Building\|Linking\|Configuring')" = 0 ] ||
+        fail "$name: the build after it has something to do"
+}
+
+# shows <arguments> <pattern>
+shows() {
+    "the build/consumer" $1 >log
+    [ "$(lines "$2")" = 1 ] || fail "$name: 'consumer $1' shows no line '$2'"
+}
+
+# broken <name> <line of the tool>
+broken() {
+    name="$generator: $1"
+    cp -p "$header" kept.h
+    for attempt in first second; do
+        if build 'the build'; then fail "$name: the $attempt build succeeded"; fi
+        grep -qFx "render-graph-compile: $2" log || fail "$name: the tool's line is not shown"
+        [ "$(lines 'retired')" = 0 ] || fail "$name: what is no error is shown"
+    done
+    cmp "$header" kept.h || fail "$name: the header changed"
+    [ -z "$(find "$header" -newer kept.h)" ] || fail "$name: the header was written again"
+}
+
+row 'first build' 1 3
+row 'build again' 0 0
+shows list '^  stock  *2  *0  no$'
+shows 'show rewind' '^  wiggle  *3  *3 '
+
+echo '// a remark' >>"$components/rewind.slang"
+row 'edit without effect' 1 0
+
+: >"$components/stock.slang"
+row 'add a component without effect' 1 0
+echo 'x = pc.frameCount;' >"$components/stock.slang"
+row 'edit with effect' 1 1
+shows list '^  stock  *2  *0  yes$'
+cp "$components/stock.slang" old.slang
+rm "$components/stock.slang"
+row 'remove a component' 1 1
+shows list '^  stock  *2  *0  no$'
+touch -t 200101010000 old.slang
+cp -p old.slang "$components/stock.slang"
+row 'add a component with an old time stamp' 1 1
+shows list '^  stock  *2  *0  yes$'
+mv "$components/stock.frag" stock.frag
+row 'remove what is not needed' 1 0
+mv stock.frag "$components/stock.frag"
+row 'put it back' 1 0
+
+cp -p "$shaders/rewind.glslp" .
+echo 'wiggle = "4"' >>"$shaders/rewind.glslp"
+row 'change a .glslp' 1 1
+shows 'show rewind' '^  wiggle  *4  *3 '
+rm "$shaders/rewind.glslp"
+row 'remove a .glslp' 1 1
+shows 'show rewind' '^  wiggle  *3  *3 '
+cp -p rewind.glslp "$shaders"
+row 'put the .glslp back with its time stamp' 1 0
+
+echo 'a note' >"$components/notes.txt"
+mkdir -p "$shaders/vulkan/include"
+echo '// read by no one here' >"$shaders/vulkan/include/new.glsl"
+row 'add what the tool does not read' 0 0
+ln -s nowhere "$components/.#rewind.slang"
+row "an editor's dangling link" 1 0
+rm "$components/.#rewind.slang"
+row 'the link is gone' 1 0
+
+rm "$header"
+case $generator in
+    Ninja*) row 'delete the header' 1 1 ;;
+    *) row 'delete the header' 0 1 ;; # put back from what the tool wrote last
+esac
+rm -r 'the build/render-graph'
+row 'delete all that was generated' 1 1
+build 'the build' --target clean
+row 'clean' 1 3
+touch "$tool"
+row 'a new tool' 1 0
+
+cp -p "$components/rewind-noise.slang" intact.slang
+echo '//! input NOWHERE' >>"$components/rewind-noise.slang"
+broken 'break a component' "preset 'rewind' pass 1 ('rewind-noise') declares //! input NOWHERE but \
+no earlier pass carries that alias ($WORK_DIR/$components/rewind-noise.slang)"
+cp intact.slang "$components/rewind-noise.slang"
+row 'repair it' 1 0
+rm "$components/rewind-noise.slang"
+broken 'remove a needed component' \
+    "preset 'rewind' pass 1 ('rewind-noise') has no shaders/vulkan/components source"
+cp -p intact.slang "$components/rewind-noise.slang"
+row 'put it back with its time stamp' 1 0
+
+touch "$components/rewind.slang"
+export LC_ALL=C
+row 'a locale that is not UTF-8' 1 0
