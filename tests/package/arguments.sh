@@ -42,6 +42,9 @@ accepted "$package
 render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)
 render_graph_manifest(b HEADER a.h SHADERS_DIR \${CMAKE_CURRENT_SOURCE_DIR}/shaders/)"
 accepted 'find_package(RenderGraphCompile 1.0.0 REQUIRED)'
+# The tool serves targets whose pointers are not as wide as its own.
+accepted "set(CMAKE_SIZEOF_VOID_P 2)
+$package"
 
 call_rejected '' ": the first argument is the name of the library. $synopsis"
 call_rejected 'SHADERS_DIR shaders HEADER a.h' \
@@ -82,7 +85,7 @@ render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)' \
     "render_graph_manifest: there is no target RenderGraphCompile::render-graph-compile here. Call \
 find_package(RenderGraphCompile REQUIRED) in this directory or in one above it."
 
-for version in 0.9 2 1.1; do
+for version in 0.9 2 1.999; do
     configured "find_package(RenderGraphCompile $version REQUIRED)"
-    [ $status = 1 ] || fail "version 1.0.0 serves as $version"
+    [ $status = 1 ] || fail "the package serves as version $version"
 done
