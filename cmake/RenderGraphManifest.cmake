@@ -9,7 +9,7 @@ function(render_graph_manifest)
     set(synopsis "  render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>)")
 
     list(POP_FRONT arg_UNPARSED_ARGUMENTS target)
-    if(NOT target OR NOT "${ARGV0}" STREQUAL "${target}")
+    if("${target}" STREQUAL "" OR NOT "${target}" STREQUAL "${ARGV0}")
         message(FATAL_ERROR
             "render_graph_manifest: the first argument is the name of the library. Write\n${synopsis}")
     endif()
