@@ -293,6 +293,8 @@ void TestPresetParameters::driftCheck_data()
     row("other case", "parameters = \"A;b;c\"\n", "A;b;c");
     row("the first line counts", "parameters = \"a\"\nparameters = \"a;b;c\"\n", "a");
     row("letters beyond ASCII", "parameters = \"\xc3\xa9\"\n", "\xc3\xa9");
+    row("binary", QByteArray("\0\xff\x01\"\n\xfe=\"", 8), "");
+    row("UTF-16 without a mark", utf16WithMark("parameters = \"a;b;c\"\n").mid(2), "");
     row("other keyword", "parameterss = \"a;b;c\"\nxparameters = \"a;b;c\"\n", "");
 }
 
@@ -315,6 +317,8 @@ void TestPresetParameters::parametersLineMayBeAnywhere_data()
     QTest::newRow("last, without a newline") << "shaders = \"1\"\n" + line;
     QTest::newRow("CR LF") << "shaders = \"1\"\r\n" + line + "\r\n";
     QTest::newRow("UTF-8 mark") << "\xef\xbb\xbf" + line;
+    QTest::newRow("UTF-16") << utf16WithMark("shaders = \"1\"\n" + line);
+    QTest::newRow("lone CRs") << line + "\rb = \"0.25\"\r";
     QTest::newRow("behind a line without quotes") << "parameters = a\n" + line;
 }
 
