@@ -46,17 +46,17 @@ QHash<QString, float> initialParams(const PresetEntry &preset)
     return params;
 }
 
-const PresetEntry &presetEntry(const QString &name)
+const PresetEntry &presetEntry(QStringView name)
 {
     const QString stem = QStringLiteral(":/shaders/%1.").arg(name);
     for (const PresetEntry &preset : kPresets) {
         if (QString::fromUtf8(preset.presetQrcPath).startsWith(stem))
             return preset;
     }
-    qFatal("no preset %s", qPrintable(name));
+    qFatal("no preset %s", qUtf8Printable(name.toString()));
 }
 
-const PassEntry &passEntry(const QString &component)
+const PassEntry &passEntry(QStringView component)
 {
     for (const PresetEntry &preset : kPresets) {
         for (int i = 0; i < preset.passCount; ++i) {
@@ -64,7 +64,7 @@ const PassEntry &passEntry(const QString &component)
                 return preset.passes[i];
         }
     }
-    qFatal("no pass %s", qPrintable(component));
+    qFatal("no pass %s", qUtf8Printable(component.toString()));
 }
 
 PushConstants pushConstants(const PassEntry &pass, QSize source, QSize output, QSize original,

@@ -22,10 +22,10 @@ struct FrameState
 QHash<QString, float> initialParams(const RenderGraphManifestData::PresetEntry &preset);
 
 // The preset of that name.
-const RenderGraphManifestData::PresetEntry &presetEntry(const QString &name);
+const RenderGraphManifestData::PresetEntry &presetEntry(QStringView name);
 
 // The first pass of any preset that is drawn with this component.
-const RenderGraphManifestData::PassEntry &passEntry(const QString &component);
+const RenderGraphManifestData::PassEntry &passEntry(QStringView component);
 
 // The block for one pass in SDR, going forwards at 60 Hz; `params` holds at least its parameters.
 PushConstants pushConstants(const RenderGraphManifestData::PassEntry &pass, QSize source,
