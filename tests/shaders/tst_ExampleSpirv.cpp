@@ -146,6 +146,7 @@ class TestExampleSpirv : public QObject
 private Q_SLOTS:
     void sourcesCompileWithoutAWarning_data();
     void sourcesCompileWithoutAWarning();
+    void componentInTheReadmeCompiles();
     void everySourceHasItsModule();
     void modulesAgreeWithTheManifest_data();
     void modulesAgreeWithTheManifest();
@@ -174,6 +175,23 @@ void TestExampleSpirv::sourcesCompileWithoutAWarning()
     const ToolRun validated = run(u"spirv-val"_s, {u"--target-env"_s, u"vulkan1.1"_s, u"m.spv"_s});
     QCOMPARE(validated.out, "");
     QCOMPARE(validated.exitStatus, 0);
+}
+
+void TestExampleSpirv::componentInTheReadmeCompiles()
+{
+    const QString readme = QString::fromUtf8(readFile(QStringLiteral(TEST_DIR "/../README.md")));
+    const QString component = readme.section(u"A new component, in ten lines"_s, 1, 1)
+                                      .section(u"```glsl\n"_s, 1, 1)
+                                      .section(u"```"_s, 0, 0);
+    QCOMPARE(component.count(u'\n'), 10);
+    const WorkingDirectory directory;
+    writeFile(u"vulkan/components/negative.slang"_s, component.toUtf8());
+    QVERIFY(QFile::link(kShadersDir + u"/vulkan/include"_s, u"vulkan/include"_s));
+    const ToolRun compiled = run(u"glslangValidator"_s,
+                                 {u"-V"_s, u"-S"_s, u"frag"_s,
+                                  u"vulkan/components/negative.slang"_s, u"-o"_s, u"m.spv"_s});
+    QCOMPARE(compiled.out, "vulkan/components/negative.slang\n");
+    QCOMPARE(interfaceOf(u"m.spv"_s).slotIndices, QSet<int>({0}));
 }
 
 void TestExampleSpirv::everySourceHasItsModule()
