@@ -420,7 +420,7 @@ void TestFirstPartyPresets::rulesHoldForAGoodPreset()
 void TestFirstPartyPresets::identifiersMayNotCollide()
 {
     const auto named = [](const char *name) {
-        return PresetDecl {.name = name, .passes = kGoodPasses, .passCount = 1};
+        return PresetDecl{.name = name, .passes = kGoodPasses, .passCount = 1};
     };
     const PresetDecl distinct[] = {named("a-b"), named("a-c"), named("a")};
     const PresetDecl colliding[] = {named("a-b"), named("c"), named("a_b")};

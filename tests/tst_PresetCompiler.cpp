@@ -399,7 +399,7 @@ void TestPresetCompiler::feedback()
 
     Passes passes;
     for (const bool flag : std::as_const(flags))
-        passes.append(PassDecl {.component = "a", .feedback = flag});
+        passes.append(PassDecl{.component = "a", .feedback = flag});
     const Outcome outcome = compiled(passes, {{"a.slang", ""}}, declaredIndex);
     QVERIFY(outcome.succeeded);
     QCOMPARE(outcome.graph.feedbackPassIndex, expectedIndex);
@@ -471,12 +471,12 @@ void TestPresetCompiler::finalRealPassRespondsToHdr_data()
     QTest::addColumn<Sources>("sources");
     QTest::addColumn<bool>("expected");
     const QByteArray hdr = "x = pc.hdrOutputActive;\n";
-    QTest::newRow("the last pass") << Sources {{"a.slang", ""}, {"b.slang", hdr}} << true;
-    QTest::newRow("an earlier pass") << Sources {{"a.slang", hdr}, {"b.slang", ""}} << false;
-    QTest::newRow("in a comment") << Sources {{"a.slang", ""},
-                                              {"b.slang", "// pc.hdrOutputActive\n"}}
+    QTest::newRow("the last pass") << Sources{{"a.slang", ""}, {"b.slang", hdr}} << true;
+    QTest::newRow("an earlier pass") << Sources{{"a.slang", hdr}, {"b.slang", ""}} << false;
+    QTest::newRow("in a comment") << Sources{{"a.slang", ""},
+                                             {"b.slang", "// pc.hdrOutputActive\n"}}
                                   << false;
-    QTest::newRow("a .frag") << Sources {{"a.slang", ""}, {"b.frag", hdr}} << false;
+    QTest::newRow("a .frag") << Sources{{"a.slang", ""}, {"b.frag", hdr}} << false;
 }
 
 void TestPresetCompiler::finalRealPassRespondsToHdr()
@@ -493,8 +493,8 @@ void TestPresetCompiler::limitsAreInclusive()
     static constexpr const char *kAliases[] = {"A0", "A1", "A2", "A3", "A4", "A5", "A6"};
     Passes passes;
     for (const char *alias : kAliases)
-        passes.append(PassDecl {.component = "a", .extentAlias = alias});
-    passes.append(PassDecl {.component = "a"});
+        passes.append(PassDecl{.component = "a", .extentAlias = alias});
+    passes.append(PassDecl{.component = "a"});
     passes.append(binding("last", kSixteen));
     // The previous pass and seven aliases; fifteen parameters, the last slot read.
     const Outcome outcome =
@@ -552,7 +552,7 @@ void TestPresetCompiler::diagnostics_data()
     static constexpr const char *kAliases[] = {"A0", "A1", "A2", "A3", "A4", "A5", "A6", "A7"};
     Passes many;
     for (const char *alias : kAliases)
-        many.append(PassDecl {.component = "a", .extentAlias = alias});
+        many.append(PassDecl{.component = "a", .extentAlias = alias});
     many.append(a);
     many.append(b);
     row("nine inputs", many, {{"a.slang", ""}, {"b.slang", directives("input", 8, "A", 1)}},

@@ -41,7 +41,7 @@ void makeFeedback(Graph::Pass &pass)
 {
     pass.isFeedbackTarget = true;
     pass.isFeedbackReader = true;
-    pass.sampledInputs.append(Graph::ResourceRef {-1});
+    pass.sampledInputs.append(Graph::ResourceRef{-1});
 }
 
 // A constant-black pass whose id is bound by `binder`.

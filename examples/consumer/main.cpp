@@ -99,7 +99,7 @@ void printTable(QTextStream &out, const QList<Row> &rows)
 
 void list(QTextStream &out)
 {
-    QList<Row> rows {{u"preset"_s, u"passes"_s, u"parameters"_s, u"animated"_s}};
+    QList<Row> rows{{u"preset"_s, u"passes"_s, u"parameters"_s, u"animated"_s}};
     for (const QString &name : VulkanRenderGraphCatalog::presetNames()) {
         const auto preset = VulkanRenderGraphCatalog::preset(name);
         rows.append({name, QString::number(preset->graph.passes.size()),
@@ -118,7 +118,7 @@ void show(QTextStream &out, const QString &name, const VulkanRenderGraphCatalog:
                 {u"animated:"_s, yesNo(preset.usesFrameCount)},
                 {u"answers HDR itself:"_s, yesNo(graph.finalRealPassRespondsToHdr)}});
 
-    QList<Row> passes {{u"#"_s, u"pass"_s, u"format"_s, u"size"_s, u"samples"_s, u"parameters"_s}};
+    QList<Row> passes{{u"#"_s, u"pass"_s, u"format"_s, u"size"_s, u"samples"_s, u"parameters"_s}};
     for (qsizetype index = 0; index < graph.passes.size(); ++index) {
         const Graph::Pass &pass = graph.passes[index];
         passes.append({QString::number(index), pass.debugName, formatName(pass.format),
@@ -129,8 +129,8 @@ void show(QTextStream &out, const QString &name, const VulkanRenderGraphCatalog:
 
     if (preset.parameters.isEmpty())
         return;
-    QList<Row> parameters {{u"parameter"_s, u"value"_s, u"default"_s, u"min"_s, u"max"_s, u"step"_s,
-                            u"shown as"_s}};
+    QList<Row> parameters{{u"parameter"_s, u"value"_s, u"default"_s, u"min"_s, u"max"_s, u"step"_s,
+                           u"shown as"_s}};
     for (const VulkanRenderGraphCatalog::Parameter &param : preset.parameters)
         parameters.append({param.id, QString::number(param.initialValue),
                            QString::number(param.defaultValue), QString::number(param.min),
@@ -149,7 +149,7 @@ int main(int argc, char *argv[])
         arguments.append(QString::fromLocal8Bit(argv[i]));
 
     QTextStream out(stdout);
-    if (arguments == QStringList {u"list"_s}) {
+    if (arguments == QStringList{u"list"_s}) {
         list(out);
         return 0;
     }

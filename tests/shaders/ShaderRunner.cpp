@@ -241,7 +241,7 @@ private:
     Texture upload(const vk::raii::CommandBuffer &commands, const SampledPicture &input) const
     {
         const std::vector<Picture> levels =
-                input.mipmap ? withMipmaps(*input.picture) : std::vector<Picture> {*input.picture};
+                input.mipmap ? withMipmaps(*input.picture) : std::vector<Picture>{*input.picture};
         const auto levelCount = std::uint32_t(levels.size());
         Image image = createImage(input.picture->size, kPictureFormat, levelCount,
                                   vk::ImageUsageFlagBits::eSampled

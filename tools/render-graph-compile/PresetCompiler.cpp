@@ -78,7 +78,7 @@ Pass hdrColorBoostPass(int lastDeclaredIndex)
     Pass pass = passFor(u"hdr-color-boost"_s);
     pass.scaleSource = VulkanRenderGraph::ScaleSource::Viewport;
     pass.isFinalPass = true;
-    pass.sampledInputs = {ResourceRef {lastDeclaredIndex}};
+    pass.sampledInputs = {ResourceRef{lastDeclaredIndex}};
     return pass;
 }
 
@@ -217,14 +217,14 @@ private:
     {
         if (!decl.cacheByParameters)
             pass.sampledInputs.append(
-                    ResourceRef {index == 0 ? ResourceRef::SourceImage : index - 1});
+                    ResourceRef{index == 0 ? ResourceRef::SourceImage : index - 1});
 
         if (decl.feedback || index == m_graph.feedbackPassIndex) {
             pass.isFeedbackTarget = true;
             pass.isFeedbackReader = true;
             if (m_graph.feedbackPassIndex < 0)
                 m_graph.feedbackPassIndex = index;
-            pass.sampledInputs.append(ResourceRef {ResourceRef::Feedback});
+            pass.sampledInputs.append(ResourceRef{ResourceRef::Feedback});
         }
     }
 
@@ -242,7 +242,7 @@ private:
                 return false;
             }
             if (!contains(pass.sampledInputs, *found))
-                pass.sampledInputs.append(ResourceRef {*found});
+                pass.sampledInputs.append(ResourceRef{*found});
         }
         return true;
     }

@@ -45,7 +45,7 @@ VulkanRenderGraph::Pass passOf(const PassEntry &entry)
     pass.isFeedbackReader = entry.isFeedbackReader;
     pass.isFinalPass = entry.isFinalPass;
     for (int i = 0; i < entry.sampledInputCount; ++i)
-        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef {entry.sampledInputs[i]});
+        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{entry.sampledInputs[i]});
     for (int i = 0; i < entry.paramCount; ++i) {
         const ParamEntry &param = entry.params[i];
         pass.params.append({QString::fromUtf8(param.id), param.floatOffset});
@@ -94,5 +94,5 @@ std::optional<Preset> VulkanRenderGraphCatalog::preset(QStringView name)
             [name](const PresetEntry &candidate) { return nameOf(candidate) == name; });
     if (entry == end)
         return std::nullopt;
-    return Preset {graphOf(*entry), parametersOf(*entry), entry->vulkanOnly, entry->usesFrameCount};
+    return Preset{graphOf(*entry), parametersOf(*entry), entry->vulkanOnly, entry->usesFrameCount};
 }
