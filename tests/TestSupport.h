@@ -71,11 +71,6 @@ public:
     }
     Q_DISABLE_COPY_MOVE(WorkingDirectory)
 
-    QString path() const
-    {
-        return m_directory.path();
-    }
-
 private:
     QString m_previous = QDir::currentPath();
     QTemporaryDir m_directory;
