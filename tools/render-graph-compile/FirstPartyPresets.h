@@ -671,10 +671,8 @@ inline constexpr PresetDecl kPresets[] = {
 // clang-format on
 
 static_assert(Rules::all(kPresets, Rules::hasPasses), "a preset has at least one pass");
-#ifndef __SANITIZE_ADDRESS__ // under GCC's sanitizers no address compares with null at compile time
 static_assert(Rules::all(kPresets, Rules::countsMatchArrays),
               "an array comes with its count, and no array with a count of 0");
-#endif
 static_assert(Rules::all(kPresets, Rules::feedbackPassIsInRange),
               "feedbackPassIndex is -1 or the index of a pass of its preset");
 static_assert(Rules::all(kPresets, Rules::aliasesAreUnique),

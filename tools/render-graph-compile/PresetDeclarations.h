@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <type_traits>
 
 // The records in which shader presets are declared. All of it is constant data: strings are static
 // and ASCII, "" where there is none; arrays are static, null with count 0 where there is none.
@@ -144,12 +145,21 @@ constexpr bool hasPasses(const PresetDecl &preset)
     return preset.passCount >= 1;
 }
 
+// At compile time GCC's sanitizers leave an object's address uncomparable with null; null itself is
+// not affected.
+constexpr bool isNull(const void *pointer)
+{
+    if (std::is_constant_evaluated())
+        return __builtin_constant_p(pointer == nullptr) && pointer == nullptr;
+    return pointer == nullptr;
+}
+
 constexpr bool countsMatchArrays(const PresetDecl &preset)
 {
-    return (preset.valueOverrides != nullptr) == (preset.valueOverrideCount > 0)
+    return isNull(preset.valueOverrides) == (preset.valueOverrideCount == 0)
             && preset.valueOverrideCount >= 0
             && std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
-                   return (pass.params != nullptr) == (pass.paramCount > 0) && pass.paramCount >= 0;
+                   return isNull(pass.params) == (pass.paramCount == 0) && pass.paramCount >= 0;
                });
 }
 
