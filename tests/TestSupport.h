@@ -3,12 +3,14 @@
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
+#include <QObject>
 #include <QString>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
 
 #include <cstdio>
+#include <optional>
 
 #include <unistd.h>
 
@@ -30,48 +32,25 @@ QByteArray captured(std::FILE *stream, Action action)
     return file.readAll();
 }
 
-inline void writeFile(const QString &path, const QByteArray &content)
-{
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
+// Makes the directories that the file needs, too.
+void writeFile(const QString &path, const QByteArray &content);
 
-inline QByteArray readFile(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(path));
-    return file.readAll();
-}
+QByteArray readFile(const QString &path);
 
 // The text in UTF-16, behind a byte-order mark.
-inline QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian = false)
-{
-    QByteArray bytes = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";
-    for (const char c : latin1)
-        bytes += isBigEndian ? QByteArray(1, '\0') + c : QByteArray(1, c) + '\0';
-    return bytes;
-}
+QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian = false);
 
-// A directory that is the working directory while it lives, so that the paths in messages are short
-// and always the same.
-class WorkingDirectory
+// A test class whose every row runs in an empty directory of its own, as the working directory, so
+// that the paths in messages are short and always the same.
+class TestInEmptyDirectory : public QObject
 {
-public:
-    WorkingDirectory()
-    {
-        if (!m_directory.isValid() || !QDir::setCurrent(m_directory.path()))
-            qFatal("no temporary directory");
-    }
-    ~WorkingDirectory()
-    {
-        QDir::setCurrent(m_previous);
-    }
-    Q_DISABLE_COPY_MOVE(WorkingDirectory)
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
 
 private:
-    QString m_previous = QDir::currentPath();
-    QTemporaryDir m_directory;
+    QString m_previous;
+    std::optional<QTemporaryDir> m_directory;
 };

@@ -139,7 +139,7 @@ QSet<int> upTo(int count)
 
 } // namespace
 
-class TestExampleSpirv : public QObject
+class TestExampleSpirv : public TestInEmptyDirectory
 {
     Q_OBJECT
 
@@ -167,7 +167,6 @@ void TestExampleSpirv::sourcesCompileWithoutAWarning()
 {
     QFETCH(QString, path);
     QFETCH(QString, stage);
-    const WorkingDirectory directory;
     const ToolRun compiled =
             run(u"glslangValidator"_s, {u"-V"_s, u"-S"_s, stage, path, u"-o"_s, u"m.spv"_s});
     QCOMPARE(compiled.out, path.toUtf8() + '\n');
@@ -179,12 +178,11 @@ void TestExampleSpirv::sourcesCompileWithoutAWarning()
 
 void TestExampleSpirv::componentInTheReadmeCompiles()
 {
-    const QString readme = QString::fromUtf8(readFile(QStringLiteral(TEST_DIR "/../README.md")));
+    const QString readme = QString::fromUtf8(readFile(QStringLiteral(SOURCE_DIR "/README.md")));
     const QString component = readme.section(u"A new component, in ten lines"_s, 1, 1)
                                       .section(u"```glsl\n"_s, 1, 1)
                                       .section(u"```"_s, 0, 0);
     QCOMPARE(component.count(u'\n'), 10);
-    const WorkingDirectory directory;
     writeFile(u"vulkan/components/negative.slang"_s, component.toUtf8());
     QVERIFY(QFile::link(kShadersDir + u"/vulkan/include"_s, u"vulkan/include"_s));
     const ToolRun compiled = run(u"glslangValidator"_s,
@@ -196,7 +194,7 @@ void TestExampleSpirv::componentInTheReadmeCompiles()
 
 void TestExampleSpirv::everySourceHasItsModule()
 {
-    // 33 components of the catalogue, the boost pass and the vertex shader.
+    // 33 components of the presets, the boost pass and the vertex shader.
     QCOMPARE(QDir(kSpirvDir).entryList({u"*.spv"_s}, QDir::Files).size(), 35);
 }
 

@@ -96,8 +96,8 @@ constexpr std::span<const ValueOverride> valueOverridesOf(const PresetDecl &pres
     return Detail::rows(preset.valueOverrides, preset.valueOverrideCount);
 }
 
-// What a well-formed catalogue keeps: rules over one preset, and two ways to put them to a whole
-// catalogue, for use in static_assert.
+// What well-formed presets keep: rules over one preset, and two ways to put them to a whole list
+// of presets, for use in static_assert.
 namespace Rules {
 
 template<typename Rule>

@@ -27,7 +27,7 @@ bool usesFrameCount(const QString &shadersDir, const PresetDecl &decl)
 }
 
 // Every step that fails has said why.
-bool compileCatalogue(const QString &shadersDir, const QString &outPath)
+bool compilePresets(const QString &shadersDir, const QString &outPath)
 {
     QList<EmittedPreset> presets;
     for (const PresetDecl &decl : FirstPartyPresetSource::kPresets) {
@@ -68,5 +68,5 @@ int main(int argc, char *argv[])
         return 1;
     }
 
-    return compileCatalogue(shadersDir, outPath) ? 0 : 1;
+    return compilePresets(shadersDir, outPath) ? 0 : 1;
 }

@@ -2,7 +2,7 @@
 # RenderGraphCompile and the example consumer inside another project, for this and another system.
 set -eu
 . "$(dirname "$0")/common.sh"
-tests="$SOURCE_DIR/tests/package"
+tests="$SOURCE_DIR/tests/cmake-package"
 
 fresh_install
 mkdir render-graph-compile

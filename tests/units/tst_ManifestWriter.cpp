@@ -22,26 +22,18 @@ QByteArray written(const QList<EmittedPreset> &presets)
     if (!succeeded || !err.isEmpty())
         return "FAILED: " + err;
     const QByteArray text = readFile(u"m.h"_s);
-    const QByteArray prologue = readFile(QStringLiteral(TEST_DATA_DIR "/manifest-prologue.txt"));
+    const QByteArray prologue =
+            readFile(QStringLiteral(SOURCE_DIR "/tests/units/manifest-prologue.txt"));
     return text.startsWith(prologue) ? text.mid(prologue.size()) : "NO PROLOGUE: " + text;
 }
 
 } // namespace
 
-class TestManifestWriter : public QObject
+class TestManifestWriter : public TestInEmptyDirectory
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_directory.emplace();
-    }
-    void cleanup()
-    {
-        m_directory.reset();
-    }
-
     void freshRecordHasItsDefaults();
     void cEscape_data();
     void cEscape();
@@ -57,9 +49,6 @@ private Q_SLOTS:
     void outputThatCannotBeOpened_data();
     void outputThatCannotBeOpened();
     void writeErrorsAreNotNoticed();
-
-private:
-    std::optional<WorkingDirectory> m_directory;
 };
 
 void TestManifestWriter::freshRecordHasItsDefaults()

@@ -16,8 +16,8 @@ constexpr unsigned count(const T (&)[N])
 }
 
 static_assert(count(kPresets) == 12, "all presets");
-static_assert(equal(kPresets[0].presetQrcPath, ":/shaders/crt-pvm.glslp"), "in catalogue order");
-static_assert(equal(kPresets[11].presetQrcPath, ":/shaders/stock.glsl"), "in catalogue order");
+static_assert(equal(kPresets[0].presetQrcPath, ":/shaders/crt-pvm.glslp"), "in declared order");
+static_assert(equal(kPresets[11].presetQrcPath, ":/shaders/stock.glsl"), "in declared order");
 static_assert(kPreset_crt_pvm.passCount == 19 && count(kPasses_crt_pvm) == 19, "18 and the boost");
 static_assert(kPreset_crt_pvm.feedbackPassIndex == 7, "the first persistence pass");
 static_assert(kPreset_crt_pvm.usesFrameCount && kPreset_crt_pvm.vulkanOnly, "flags");

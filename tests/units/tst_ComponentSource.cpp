@@ -38,20 +38,11 @@ struct Scans
 
 } // namespace
 
-class TestComponentSource : public QObject
+class TestComponentSource : public TestInEmptyDirectory
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_directory.emplace();
-    }
-    void cleanup()
-    {
-        m_directory.reset();
-    }
-
     void componentPaths_data();
     void componentPaths();
     void codeLines_data();
@@ -78,8 +69,6 @@ private:
         writeFile(u"c.slang"_s, content);
         return u"c.slang"_s;
     }
-
-    std::optional<WorkingDirectory> m_directory;
 };
 
 void TestComponentSource::componentPaths_data()

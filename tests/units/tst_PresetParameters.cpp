@@ -95,20 +95,11 @@ QList<float> initialValues(const Outcome &outcome)
 
 } // namespace
 
-class TestPresetParameters : public QObject
+class TestPresetParameters : public TestInEmptyDirectory
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_directory.emplace();
-    }
-    void cleanup()
-    {
-        m_directory.reset();
-    }
-
     void freshRecordHasItsDefaults();
     void firstDeclarationOfAnIdWins();
     void otherExtensionHasNoTableAndNoCheck();
@@ -124,9 +115,6 @@ private Q_SLOTS:
     void bareParametersListPassesForABarePreset();
     void fileThatExistsButCannotBeReadIsDrift();
     void danglingLinkIsRetired();
-
-private:
-    std::optional<WorkingDirectory> m_directory;
 };
 
 void TestPresetParameters::freshRecordHasItsDefaults()

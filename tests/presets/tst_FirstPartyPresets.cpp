@@ -12,7 +12,7 @@ using namespace FirstPartyPresetSource;
 
 namespace {
 
-// The rows of a hand-kept table below tests/data/catalogue, each by column name.
+// The rows of a hand-kept table below tests/presets/tables, each by column name.
 class Row
 {
 public:
@@ -46,7 +46,7 @@ private:
 QList<Row> table(const char *name)
 {
     const QString path =
-            QStringLiteral(TEST_DATA_DIR "/catalogue/%1.csv").arg(QLatin1StringView(name));
+            QStringLiteral(SOURCE_DIR "/tests/presets/tables/%1.csv").arg(QLatin1StringView(name));
     QList<QByteArray> lines = readFile(path).split('\n');
     const QList<QByteArray> columns = lines.takeFirst().split(';');
     QList<Row> rows;

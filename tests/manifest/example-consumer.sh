@@ -1,7 +1,7 @@
 #!/bin/sh
 # What the example consumer prints. Takes the program.
 set -eu
-. "$(dirname "$0")/common.sh"
+. "$SOURCE_DIR/tests/cmake-package/common.sh"
 consumer=$1
 
 rm -rf "$WORK_DIR"

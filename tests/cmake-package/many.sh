@@ -4,7 +4,7 @@ set -eu
 . "$(dirname "$0")/common.sh"
 
 fresh_install
-cp -R "$SOURCE_DIR/tests/package/many" many
+cp -R "$SOURCE_DIR/tests/cmake-package/many" many
 cp -R "$SOURCE_DIR/examples/shaders" many/still
 cp -R many/still many/moving
 echo 'x = pc.frameCount;' >many/moving/vulkan/components/stock.slang

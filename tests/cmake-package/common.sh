@@ -1,4 +1,4 @@
-# What the package tests share. They run from CTest, which sets CMAKE, CXX, BUILD_DIR (what is
+# What the tests of the installed CMake package share. They run from CTest, which sets CMAKE, CXX, BUILD_DIR (what is
 # installed), CONFIG, SOURCE_DIR and WORK_DIR.
 export LC_ALL=C.UTF-8
 

@@ -100,20 +100,11 @@ QStringList slotIds(const Graph &graph, int index)
 
 } // namespace
 
-class TestPresetCompiler : public QObject
+class TestPresetCompiler : public TestInEmptyDirectory
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_directory.emplace();
-    }
-    void cleanup()
-    {
-        m_directory.reset();
-    }
-
     void declarationIsCopiedIntoThePass();
     void format_data();
     void format();
@@ -139,9 +130,6 @@ private Q_SLOTS:
     void unreadableSourceIsNoError();
     void danglingSlangLinkFallsBackToFrag();
     void failureKeepsTheAcceptedPasses();
-
-private:
-    std::optional<WorkingDirectory> m_directory;
 };
 
 void TestPresetCompiler::declarationIsCopiedIntoThePass()

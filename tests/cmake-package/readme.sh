@@ -3,7 +3,7 @@
 # system, and with a tool of one's own.
 set -eu
 . "$(dirname "$0")/common.sh"
-tests="$SOURCE_DIR/tests/package"
+tests="$SOURCE_DIR/tests/cmake-package"
 
 fresh_install
 mkdir -p project/res

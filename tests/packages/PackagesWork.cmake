@@ -66,7 +66,7 @@ expect_tree("${WORK_DIR}/deb" usr/
     usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
     usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h)
 expect_modes("${deb}" dpkg-deb --contents)
-file(READ "${CMAKE_CURRENT_LIST_DIR}/../packaging/debian/changelog" changelog)
+file(READ "${CMAKE_CURRENT_LIST_DIR}/../../packaging/debian/changelog" changelog)
 if(NOT changelog MATCHES "^render-graph-compile [(]${VERSION}[)] ")
     message(FATAL_ERROR "packaging/debian/changelog does not begin with version ${VERSION}")
 endif()

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "TestSupport.h"
+
+#include <QByteArray>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+// Runs of the real binary, as a build makes them.
+
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+inline constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+
+struct Run
+{
+    int exitStatus = -1; // of a normal exit only
+    QByteArray out;
+    QByteArray err;
+};
+
+using Prepare = std::function<void(QProcess &)>;
+
+Run run(const QStringList &arguments, const Prepare &prepare = {});
+
+Run compile(const QString &shadersDir, const QString &out, const Prepare &prepare = {});
+
+// Root may open anything. The child gives that up, so that permissions mean what they say.
+void obeyPermissions(QProcess &process);
+
+// The example shaders, copied to the directory `to`.
+void copyExampleShaders(const QString &to);
+
+// The path of a component file in such a copy in "shaders".
+QString component(const char *name);
+
+void replaceText(const QString &path, const QByteArray &before, const QByteArray &after);
