@@ -2,6 +2,13 @@
 
 # What Debian's policy asks of a .deb and of no other package.
 if(CPACK_GENERATOR STREQUAL "DEB")
+    # cpack would make a .deb that depends on nothing.
+    find_program(shlibdeps dpkg-shlibdeps)
+    if(NOT shlibdeps)
+        message(FATAL_ERROR "No dpkg-shlibdeps here, which finds what the .deb depends on. "
+            "Install Debian's dpkg-dev, or make the .tar.gz alone: cpack -G TGZ")
+    endif()
+
     set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
     set(doc "${share}/doc/${CPACK_PACKAGE_NAME}")
     file(COPY "${CMAKE_CURRENT_LIST_DIR}/debian/" DESTINATION "${doc}"

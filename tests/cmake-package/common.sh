@@ -1,3 +1,4 @@
+# shellcheck shell=sh disable=SC2034,SC2164 # the tests, which set -e, use what is set here
 # What the tests of the installed CMake package share. They run from CTest, which sets CMAKE, CXX, BUILD_DIR (what is
 # installed), CONFIG, SOURCE_DIR and WORK_DIR.
 export LC_ALL=C.UTF-8

@@ -7,6 +7,7 @@ tests="$SOURCE_DIR/tests/cmake-package"
 
 fresh_install
 mkdir -p project/res
+# shellcheck disable=SC2016 # no command, but Markdown
 sed -n '/^## In a CMake build/,/^## /{/^```cmake$/,/^```$/{/^```/!p}}' "$SOURCE_DIR/README.md" \
     >project/CMakeLists.txt
 [ -s project/CMakeLists.txt ] || fail 'README.md shows no CMake code'
@@ -42,6 +43,7 @@ project 'within its root' -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake"
     "-DRenderGraphCompile_DIR=$prefix/share/cmake/RenderGraphCompile"
 
 # The tool runs under a UTF-8 locale, or on macOS under none that is set.
+# shellcheck disable=SC2016 # expanded when the wrapper runs
 printf '%s\n' '#!/bin/sh' 'echo "${LC_ALL-}" >"$0.locale"' "exec '$tool' \"\$@\"" >'a wrapper'
 chmod +x 'a wrapper'
 cp 'a wrapper' 'an older wrapper'

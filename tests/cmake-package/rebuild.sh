@@ -31,6 +31,7 @@ row() {
 
 # shows <arguments> <pattern>
 shows() {
+    # shellcheck disable=SC2086 # a list of words
     "the build/consumer" $1 >log
     [ "$(lines "$2")" = 1 ] || fail "$name: 'consumer $1' shows no line '$2'"
 }

@@ -1,6 +1,9 @@
-# Makes the packages, unpacks each into an empty directory and runs the tool from there.
-# Takes CPACK, CONFIG, VERSION, LINTIAN, SHADERS_DIR, MANIFEST, WORK_DIR.
+# Builds a release, makes the packages, unpacks each into an empty directory and runs the tool from there.
+# Takes CPACK, CXX, GENERATOR, NINJA, Qt6_DIR, SOURCE_DIR, VERSION, WORK_DIR.
 cmake_minimum_required(VERSION 3.21)
+
+set(shaders_dir "${SOURCE_DIR}/examples/shaders")
+set(manifest "${SOURCE_DIR}/tests/manifest/golden/RenderGraphManifest.h")
 
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
@@ -22,8 +25,8 @@ function(expect_tree root prefix)
         message(FATAL_ERROR "${root} holds ${found}\n and not ${expected}")
     endif()
     set(tool "${root}/${prefix}bin/render-graph-compile")
-    run("${tool}" --shaders-dir "${SHADERS_DIR}" --out "${root}/RenderGraphManifest.h")
-    run("${CMAKE_COMMAND}" -E compare_files "${root}/RenderGraphManifest.h" "${MANIFEST}")
+    run("${tool}" --shaders-dir "${shaders_dir}" --out "${root}/RenderGraphManifest.h")
+    run("${CMAKE_COMMAND}" -E compare_files "${root}/RenderGraphManifest.h" "${manifest}")
 endfunction()
 
 # Everybody may read what is installed, whatever the umask of whoever packed it.
@@ -38,9 +41,38 @@ endfunction()
 
 file(REMOVE_RECURSE "${WORK_DIR}")
 file(MAKE_DIRECTORY "${WORK_DIR}")
-run(sh -c "umask 077 && exec \"$@\"" sh "${CPACK}" --config "${CONFIG}" -B "${WORK_DIR}")
-file(GLOB deb "${WORK_DIR}/*.deb")
-file(GLOB tar "${WORK_DIR}/*.tar.gz")
+set(build "${WORK_DIR}/build")
+run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}" -B "${build}" -G "${GENERATOR}" -DCMAKE_BUILD_TYPE=Release
+    -DBUILD_TESTING=OFF -DCMAKE_EXPORT_COMPILE_COMMANDS=ON "-DCMAKE_MAKE_PROGRAM=${NINJA}"
+    "-DCMAKE_CXX_COMPILER=${CXX}" "-DQt6_DIR=${Qt6_DIR}")
+run("${CMAKE_COMMAND}" --build "${build}")
+
+# The same bytes under any umask; a second passes in between.
+set(ENV{SOURCE_DATE_EPOCH} 1700000000)
+foreach(umask IN ITEMS 022 077)
+    run(sh -c "umask ${umask} && exec \"$@\"" sh
+        "${CPACK}" --config "${build}/CPackConfig.cmake" -B "${WORK_DIR}/${umask}")
+    run("${CMAKE_COMMAND}" -E sleep 1)
+endforeach()
+file(GLOB deb "${WORK_DIR}/077/*.deb")
+file(GLOB tar "${WORK_DIR}/077/*.tar.gz")
+foreach(package IN ITEMS "${deb}" "${tar}")
+    get_filename_component(name "${package}" NAME)
+    run("${CMAKE_COMMAND}" -E compare_files "${package}" "${WORK_DIR}/022/${name}")
+endforeach()
+
+# Where nothing finds the dependencies there is no .deb.
+execute_process(
+    COMMAND "${CPACK}" --config "${build}/CPackConfig.cmake" -B "${WORK_DIR}/refused"
+        -D "CMAKE_IGNORE_PATH=/usr/bin;/bin"
+    RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
+string(REGEX REPLACE "[ \n]+" " " output "${output}")
+string(FIND "${output}" "No dpkg-shlibdeps here, which finds what the .deb depends on. \
+Install Debian's dpkg-dev, or make the .tar.gz alone: cpack -G TGZ" said)
+file(GLOB refused "${WORK_DIR}/refused/*.deb")
+if(status EQUAL 0 OR said EQUAL -1 OR refused)
+    message(FATAL_ERROR "Without dpkg-shlibdeps cpack ended with ${status}: ${output}")
+endif()
 
 run(dpkg-deb --field "${deb}")
 foreach(expected IN ITEMS
@@ -66,11 +98,24 @@ expect_tree("${WORK_DIR}/deb" usr/
     usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
     usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h)
 expect_modes("${deb}" dpkg-deb --contents)
-file(READ "${CMAKE_CURRENT_LIST_DIR}/../../packaging/debian/changelog" changelog)
+file(READ "${SOURCE_DIR}/packaging/debian/changelog" changelog)
 if(NOT changelog MATCHES "^render-graph-compile [(]${VERSION}[)] ")
     message(FATAL_ERROR "packaging/debian/changelog does not begin with version ${VERSION}")
 endif()
-run("${LINTIAN}" --fail-on error "${deb}")
+
+# What a target of ours is built with is no business of whoever imports it.
+file(GLOB targets "${WORK_DIR}/deb/usr/share/cmake/RenderGraphCompile/RenderGraphCompileTargets*.cmake")
+list(LENGTH targets count)
+if(NOT count EQUAL 2)
+    message(FATAL_ERROR "Not two files of targets: ${targets}")
+endif()
+foreach(file IN LISTS targets)
+    file(STRINGS "${file}" flags REGEX
+        "_OPTIONS|_DEFINITIONS|POSITION_INDEPENDENT|RenderGraphCompileOptions|_FORTIFY_SOURCE|-fstack|-Wl,")
+    if(flags)
+        message(FATAL_ERROR "${file} says ${flags}")
+    endif()
+endforeach()
 
 file(ARCHIVE_EXTRACT INPUT "${tar}" DESTINATION "${WORK_DIR}/tar")
 get_filename_component(top "${tar}" NAME)

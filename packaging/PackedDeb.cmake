@@ -1,0 +1,13 @@
+# Run by cpack after packing.
+
+# cpack lets the umask into the .deb's outermost layer; Debian's own tool, which packs it again, does not.
+foreach(deb IN LISTS CPACK_PACKAGE_FILES)
+    if(deb MATCHES "[.]deb$")
+        set(tree "${CPACK_TEMPORARY_DIRECTORY}.again")
+        file(REMOVE_RECURSE "${tree}")
+        execute_process(
+            COMMAND sh -c "umask 022 && dpkg-deb --raw-extract \"$1\" \"$2\" &&
+                dpkg-deb --root-owner-group -Zgzip --build \"$2\" \"$1\"" sh "${deb}" "${tree}"
+            OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+endforeach()
