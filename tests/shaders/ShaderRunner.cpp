@@ -4,7 +4,9 @@
 
 #include <QFloat16>
 
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <map>
 
 #include <vulkan/vulkan_raii.hpp>
@@ -397,4 +399,24 @@ Picture ShaderRunner::draw(const QString &component, const QList<SampledPicture>
                            QSize size, const PushConstants &constants, bool isFloat32)
 {
     return m_device->draw(component, inputs, size, constants, isFloat32);
+}
+
+ShaderRunner &shaders()
+{
+    static ShaderRunner runner(QStringLiteral(SPIRV_DIR));
+    return runner;
+}
+
+float difference(const Picture &a, const Picture &b)
+{
+    if (a.size != b.size)
+        return std::numeric_limits<float>::infinity();
+    float largest = 0.0F;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float here = std::fabs(a.pixels[i][c] - b.pixels[i][c]);
+            largest = std::isnan(largest) || here <= largest ? largest : here; // NaN wins
+        }
+    }
+    return largest;
 }

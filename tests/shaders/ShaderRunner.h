@@ -74,3 +74,9 @@ private:
     class Device;
     std::unique_ptr<Device> m_device;
 };
+
+// The runner of the example shaders' modules, one for the whole program.
+ShaderRunner &shaders();
+
+// The largest difference in red, green and blue; infinite if the sizes differ, NaN if one occurs.
+float difference(const Picture &a, const Picture &b);

@@ -19,12 +19,6 @@ using Tweak = std::function<void(PushConstants &)>;
 constexpr float kExact = 0.0F;
 constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
 
-ShaderRunner &shaders()
-{
-    static ShaderRunner runner(QStringLiteral(SPIRV_DIR));
-    return runner;
-}
-
 // The component's output, in 32-bit floats. `params` holds just its parameters.
 Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
                  const Params &params = {}, const Tweak &tweak = {})
@@ -87,21 +81,6 @@ double encoded(double light)
 double decoded(double signal)
 {
     return std::pow(signal, 2.2);
-}
-
-// The largest difference in red, green and blue.
-float difference(const Picture &a, const Picture &b)
-{
-    if (a.size != b.size)
-        return INFINITY;
-    float largest = 0.0F;
-    for (std::size_t i = 0; i < a.pixels.size(); ++i) {
-        for (std::size_t c = 0; c < 3; ++c) {
-            const float here = std::fabs(a.pixels[i][c] - b.pixels[i][c]);
-            largest = here <= largest ? largest : here; // NaN wins
-        }
-    }
-    return largest;
 }
 
 const Params kLinearize = {{u"crt_gamma_out"_s, 2.4F},

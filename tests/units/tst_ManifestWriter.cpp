@@ -14,6 +14,12 @@ namespace {
 
 using Graph = VulkanRenderGraph;
 
+// What stands behind the fixed text where there are no presets.
+constexpr auto kNoPresets = "inline constexpr PresetEntry kPresets[] = {\n"
+                            "};\n"
+                            "\n"
+                            "}  // namespace RenderGraphManifestData\n";
+
 // The header for these presets, without the fixed text before the first of them.
 QByteArray written(const QList<EmittedPreset> &presets)
 {
@@ -42,6 +48,11 @@ private Q_SLOTS:
     void floatLiteralsReadBackBitForBit();
     void noPresets();
     void presetsInFull();
+    void passFlags_data();
+    void passFlags();
+    void presetFlags_data();
+    void presetFlags();
+    void onlyHyphensAreReplacedInIdentifiers();
     void enumerationNames_data();
     void enumerationNames();
     void textIsWrittenAsUtf8();
@@ -139,11 +150,7 @@ void TestManifestWriter::floatLiteralsReadBackBitForBit()
 
 void TestManifestWriter::noPresets()
 {
-    QCOMPARE(written({}),
-             "inline constexpr PresetEntry kPresets[] = {\n"
-             "};\n"
-             "\n"
-             "}  // namespace RenderGraphManifestData\n");
+    QCOMPARE(written({}), kNoPresets);
 }
 
 void TestManifestWriter::presetsInFull()
@@ -156,7 +163,8 @@ void TestManifestWriter::presetsInFull()
     full.vulkanOnly = false;
     full.usesFrameCount = true;
     full.presetParams = {{u"id\\"_s, u"Label \"x\""_s, 0.1F, 1.0F, -0.5F, 1e9F, 0.25F},
-                         {u"second"_s, u""_s, 0.0F, 0.0F, 0.0F, 1.0F, 0.1F}};
+                         {u"second"_s, u""_s, 0.0F, 0.0F, 0.0F, 1.0F, 0.1F},
+                         {u"third"_s, u""_s, 0.0F, 0.0F, 0.0F, 1.0F, 0.1F}};
 
     Graph::Pass tile;
     tile.fragmentSpirvResource = u":/f0"_s;
@@ -243,9 +251,10 @@ inline constexpr PassEntry kPasses_a_b_C[] = {kPass_a_b_C_0, kPass_a_b_C_1};
 inline constexpr PresetParamEntry kPresetParams_a_b_C[] = {
   { "id\\", "Label \"x\"", 0.100000001f, 1.0f, -0.5f, 1e+09f, 0.25f },
   { "second", "", 0.0f, 0.0f, 0.0f, 1.0f, 0.100000001f },
+  { "third", "", 0.0f, 0.0f, 0.0f, 1.0f, 0.100000001f },
 };
 
-inline constexpr PresetEntry kPreset_a_b_C = { ":/shaders/a-b-C.glslp", kPasses_a_b_C, 2, 1, true, kPresetParams_a_b_C, 2, false, true };
+inline constexpr PresetEntry kPreset_a_b_C = { ":/shaders/a-b-C.glslp", kPasses_a_b_C, 2, 1, true, kPresetParams_a_b_C, 3, false, true };
 
 inline constexpr PassEntry kPasses_stock[] = {};
 
@@ -254,6 +263,131 @@ inline constexpr PresetEntry kPreset_stock = { "", kPasses_stock, 0, -1, false, 
 inline constexpr PresetEntry kPresets[] = {
   kPreset_a_b_C,
   kPreset_stock,
+};
+
+}  // namespace RenderGraphManifestData
+)");
+}
+
+// A pass with one flag alone, from the line of linearFilter on.
+void TestManifestWriter::passFlags_data()
+{
+    QTest::addColumn<bool Graph::Pass::*>("flag");
+    QTest::addColumn<QByteArray>("lines");
+    const auto row = [](const char *name, bool Graph::Pass::*flag, const QByteArray &lines) {
+        QTest::newRow(name) << flag << lines;
+    };
+    row("linearFilter", &Graph::Pass::linearFilter, R"(
+  true, false,
+  false,
+  "", 1.0f,
+  false,
+  0,
+  false, false, false,
+)");
+    row("mipmap", &Graph::Pass::mipmap, R"(
+  false, true,
+  false,
+  "", 1.0f,
+  false,
+  0,
+  false, false, false,
+)");
+    row("cacheByParameters", &Graph::Pass::cacheByParameters, R"(
+  false, false,
+  true,
+  "", 1.0f,
+  false,
+  0,
+  false, false, false,
+)");
+    row("shareConstantBlack", &Graph::Pass::shareConstantBlack, R"(
+  false, false,
+  false,
+  "", 1.0f,
+  true,
+  0,
+  false, false, false,
+)");
+    row("isFeedbackTarget", &Graph::Pass::isFeedbackTarget, R"(
+  false, false,
+  false,
+  "", 1.0f,
+  false,
+  0,
+  true, false, false,
+)");
+    row("isFeedbackReader", &Graph::Pass::isFeedbackReader, R"(
+  false, false,
+  false,
+  "", 1.0f,
+  false,
+  0,
+  false, true, false,
+)");
+    row("isFinalPass", &Graph::Pass::isFinalPass, R"(
+  false, false,
+  false,
+  "", 1.0f,
+  false,
+  0,
+  false, false, true,
+)");
+}
+
+void TestManifestWriter::passFlags()
+{
+    QFETCH(bool Graph::Pass::*, flag);
+    QFETCH(QByteArray, lines);
+    Graph::Pass pass;
+    pass.linearFilter = false;
+    pass.*flag = true;
+    EmittedPreset preset;
+    preset.graph.passes = {pass};
+    QVERIFY(written({preset}).contains("\n  0, 0,\n  -1," + lines + "  kSampledInputs_"));
+}
+
+void TestManifestWriter::presetFlags_data()
+{
+    QTest::addColumn<bool>("respondsToHdr");
+    QTest::addColumn<bool>("vulkanOnly");
+    QTest::addColumn<bool>("usesFrameCount");
+    QTest::addColumn<QByteArray>("entry");
+    QTest::newRow("finalRealPassRespondsToHdr")
+            << true << false << false
+            << QByteArray("{ \"\", kPasses_p, 0, -1, true, nullptr, 0, false, false };\n");
+    QTest::newRow("vulkanOnly")
+            << false << true << false
+            << QByteArray("{ \"\", kPasses_p, 0, -1, false, nullptr, 0, true, false };\n");
+    QTest::newRow("usesFrameCount")
+            << false << false << true
+            << QByteArray("{ \"\", kPasses_p, 0, -1, false, nullptr, 0, false, true };\n");
+}
+
+void TestManifestWriter::presetFlags()
+{
+    QFETCH(bool, respondsToHdr);
+    QFETCH(bool, vulkanOnly);
+    QFETCH(bool, usesFrameCount);
+    QFETCH(QByteArray, entry);
+    EmittedPreset preset;
+    preset.name = u"p"_s;
+    preset.graph.finalRealPassRespondsToHdr = respondsToHdr;
+    preset.vulkanOnly = vulkanOnly;
+    preset.usesFrameCount = usesFrameCount;
+    QVERIFY(written({preset}).contains("PresetEntry kPreset_p = " + entry));
+}
+
+void TestManifestWriter::onlyHyphensAreReplacedInIdentifiers()
+{
+    EmittedPreset preset;
+    preset.name = u"a.b-c d"_s;
+    QCOMPARE(written({preset}), R"(inline constexpr PassEntry kPasses_a.b_c d[] = {};
+
+inline constexpr PresetEntry kPreset_a.b_c d = { "", kPasses_a.b_c d, 0, -1, false, nullptr, 0, true, false };
+
+inline constexpr PresetEntry kPresets[] = {
+  kPreset_a.b_c d,
 };
 
 }  // namespace RenderGraphManifestData
@@ -296,7 +430,7 @@ void TestManifestWriter::textIsWrittenAsUtf8()
 void TestManifestWriter::earlierFileIsReplacedWhole()
 {
     writeFile(u"m.h"_s, QByteArray(1 << 20, 'x'));
-    QVERIFY(written({}).startsWith("inline constexpr"));
+    QCOMPARE(written({}), kNoPresets);
 }
 
 void TestManifestWriter::outputThatCannotBeOpened_data()

@@ -45,9 +45,24 @@ constexpr PassDecl kPasses[] = {
         {.component = "y"},
         {.component = "z", .params = kSecond, .paramCount = 2},
 };
+constexpr ParamDecl param(const char *id, const char *description)
+{
+    return {.id = id,
+            .description = description,
+            .defaultValue = 0.5F,
+            .min = 0.0F,
+            .max = 1.0F,
+            .step = 0.1F};
+}
+
+constexpr ParamDecl kMixedCase[] = {param("b", ""), param("_", ""), param("a", ""), param("B", "")};
+constexpr PassDecl kMixedCasePasses[] = {{.component = "x", .params = kMixedCase, .paramCount = 4}};
+constexpr ParamDecl kLatin1[] = {param("\xE9", "\xE8")};
+constexpr PassDecl kLatin1Passes[] = {{.component = "x", .params = kLatin1, .paramCount = 1}};
 constexpr PassDecl kBarePasses[] = {{.component = "x"}};
 
 constexpr PresetDecl kPreset = {.name = "p", .passes = kPasses, .passCount = 3};
+constexpr PresetDecl kMixedCasePreset = {.name = "p", .passes = kMixedCasePasses, .passCount = 1};
 constexpr PresetDecl kBarePreset = {.name = "p", .passes = kBarePasses, .passCount = 1};
 
 constexpr ValueOverride kOverrides[] = {
@@ -102,6 +117,8 @@ class TestPresetParameters : public TestInEmptyDirectory
 private Q_SLOTS:
     void freshRecordHasItsDefaults();
     void firstDeclarationOfAnIdWins();
+    void declarationsAreLatin1();
+    void otherExtensionHasNoTableAndNoCheck_data();
     void otherExtensionHasNoTableAndNoCheck();
     void retiredPresetUsesItsOverrides();
     void retiredPresetWithoutOverrides();
@@ -110,6 +127,7 @@ private Q_SLOTS:
     void values();
     void driftCheck_data();
     void driftCheck();
+    void driftMessageIsInCodeUnitOrder();
     void parametersLineMayBeAnywhere_data();
     void parametersLineMayBeAnywhere();
     void bareParametersListPassesForABarePreset();
@@ -143,12 +161,42 @@ void TestPresetParameters::firstDeclarationOfAnIdWins()
     QCOMPARE(b.step, 0.1F);
 }
 
+// A preset name beyond ASCII names its file, too.
+void TestPresetParameters::declarationsAreLatin1()
+{
+    static constexpr ValueOverride kTuned[] = {{"\xE9", 0.25F}};
+    const PresetDecl decl = {.name = "\xEA",
+                             .passes = kLatin1Passes,
+                             .passCount = 1,
+                             .valueOverrides = kTuned,
+                             .valueOverrideCount = 1};
+    const Outcome retired = collected(decl);
+    QVERIFY(retired.succeeded);
+    QCOMPARE(ids(retired), QStringList({u"\u00e9"_s}));
+    QCOMPARE(retired.params.at(0).description, u"\u00e8"_s);
+    QCOMPARE(initialValues(retired), QList<float>({0.25F}));
+
+    writeFile(u"shaders/\u00ea.glslp"_s, "parameters = \"\xc3\xa9\"\n");
+    const Outcome outcome = collected(decl);
+    QCOMPARE(outcome.err, "");
+    QVERIFY(outcome.succeeded);
+    QCOMPARE(initialValues(outcome), QList<float>({0.5F}));
+}
+
+void TestPresetParameters::otherExtensionHasNoTableAndNoCheck_data()
+{
+    QTest::addColumn<QByteArray>("extension");
+    for (const char *extension : {"glsl", "GLSLP", "glslpx", "xglslp", " glslp", ""})
+        QTest::addRow("'%s'", extension) << QByteArray(extension);
+}
+
 void TestPresetParameters::otherExtensionHasNoTableAndNoCheck()
 {
+    QFETCH(QByteArray, extension);
     // Neither the file nor the overrides are looked at.
     writeFile(u"shaders/p.glslp"_s, "parameters = \"other\"\nb = \"0.1\"\n");
     PresetDecl decl = kPreset;
-    decl.presetExtension = "glsl";
+    decl.presetExtension = extension.constData();
     decl.valueOverrides = kOverrides;
     decl.valueOverrideCount = std::size(kOverrides);
     const Outcome outcome = collected(decl);
@@ -214,6 +262,7 @@ void TestPresetParameters::values_data()
     row("no spaces", "b=\"0.25\"", 0.25F);
     row("later line wins", "b = \"0.25\"\nb = \"0.75\"", 0.75F);
     row("later line that is no number", "b = \"0.25\"\nb = \"x\"", 0.25F);
+    row("behind lines without quotes", "# none\n\na = 3\nb = \"0.25\"", 0.25F);
     row("integer", "b = \"3\"", 3.0F);
     row("exponent", "b = \"25e-2\"", 0.25F);
     row("negative", "b = \"-0.25\"", -0.25F);
@@ -280,6 +329,7 @@ void TestPresetParameters::driftCheck_data()
     row("a space beside a semicolon", "parameters = \"a; b;c\"\n", " b;a;c");
     row("other case", "parameters = \"A;b;c\"\n", "A;b;c");
     row("the first line counts", "parameters = \"a\"\nparameters = \"a;b;c\"\n", "a");
+    row("the first line counts, even if empty", "parameters = \"\"\nparameters = \"a;b;c\"\n", "");
     row("letters beyond ASCII", "parameters = \"\xc3\xa9\"\n", "\xc3\xa9");
     row("binary", QByteArray("\0\xff\x01\"\n\xfe=\"", 8), "");
     row("UTF-16 without a mark", utf16WithMark("parameters = \"a;b;c\"\n").mid(2), "");
@@ -296,6 +346,14 @@ void TestPresetParameters::driftCheck()
     QCOMPARE(outcome.succeeded, message.isEmpty());
     QCOMPARE(outcome.out, "");
     QCOMPARE(outcome.params.size(), 3);
+}
+
+void TestPresetParameters::driftMessageIsInCodeUnitOrder()
+{
+    writeFile(u"shaders/p.glslp"_s, "parameters = \"b;_;a;Z\"\n");
+    QCOMPARE(collected(kMixedCasePreset).err,
+             "render-graph-compile: preset 'p' ownParams union {B;_;a;b} does not match its .glslp "
+             "parameters= list {Z;_;a;b}\n");
 }
 
 void TestPresetParameters::parametersLineMayBeAnywhere_data()
