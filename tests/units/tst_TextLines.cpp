@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kBufferSize = 16384; // what the reader asks for at a time
+constexpr qsizetype kBufferSize = 16384; // what the reader asks for at a time
 
 // Gives `content`, at most `step` bytes at a time, and then fails or ends. States a size that no
 // read ever reaches, as some files of the kernel's do.
@@ -57,7 +57,7 @@ protected:
         return size;
     }
 
-    qint64 writeData(const char *, qint64) override
+    qint64 writeData(const char * /*data*/, qint64 /*size*/) override
     {
         return -1;
     }
