@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QRegularExpression>
 #include <QRegularExpressionMatchIterator>
+#include <QStringMatcher>
 
 using namespace Qt::StringLiterals;
 
@@ -27,14 +28,18 @@ qsizetype commentStart(QStringView line, qsizetype from)
     }
 }
 
-// `inBlockComment` carries from line to line.
-QString withoutComments(const QString &line, bool &inBlockComment)
+// The line itself if it holds no comment; else what is left of it, in `code`. `inBlockComment`
+// carries from line to line.
+QStringView withoutComments(QStringView line, QString &code, bool &inBlockComment)
 {
-    QString code;
+    if (!inBlockComment && commentStart(line, 0) == line.size())
+        return line;
+
+    code.truncate(0);
     qsizetype position = 0;
     while (position < line.size()) {
         if (inBlockComment) {
-            const qsizetype close = line.indexOf("*/"_L1, position);
+            const qsizetype close = line.indexOf(u"*/", position);
             if (close < 0)
                 break;
             inBlockComment = false;
@@ -42,7 +47,7 @@ QString withoutComments(const QString &line, bool &inBlockComment)
             continue;
         }
         const qsizetype comment = commentStart(line, position);
-        code += QStringView(line).sliced(position, comment - position);
+        code += line.sliced(position, comment - position);
         if (comment == line.size() || line[comment + 1] == u'/')
             break;
         inBlockComment = true;
@@ -51,24 +56,26 @@ QString withoutComments(const QString &line, bool &inBlockComment)
     return code;
 }
 
-// Calls `bool visit(const QString &line)` for each line that strippedCodeLines() would list.
+// Calls `bool visit(QStringView line)` for each line that strippedCodeLines() would list.
 template<typename Visitor>
 void forEachCodeLine(const QString &path, Visitor visit)
 {
     bool inBlockComment = false;
-    forEachLine(path, [&](const QString &line) {
-        const QString code = withoutComments(line, inBlockComment);
-        return QStringView(code).trimmed().isEmpty() || visit(code);
+    QString code;
+    forEachLine(path, [&](QStringView line) {
+        const QStringView stripped = withoutComments(line, code, inBlockComment);
+        return stripped.trimmed().isEmpty() || visit(stripped);
     });
 }
 
 // Each pattern below comes with a literal that every match of it contains: looking for that first
 // keeps the expression off nearly all lines.
-bool hasToken(const QString &path, QLatin1StringView literal, const QRegularExpression &token)
+bool hasToken(const QString &path, QStringView literal, const QRegularExpression &token)
 {
+    const QStringMatcher matcher(literal);
     bool found = false;
-    forEachCodeLine(path, [&](const QString &line) {
-        found = line.contains(literal) && token.match(line).hasMatch();
+    forEachCodeLine(path, [&](QStringView line) {
+        found = matcher.indexIn(line) >= 0 && token.match(line.toString()).hasMatch();
         return !found;
     });
     return found;
@@ -78,10 +85,10 @@ QStringList directiveNames(const QString &path, const QRegularExpression &direct
 {
     QStringList names;
     QSet<QString> seen;
-    forEachLine(path, [&](const QString &line) {
-        if (!line.contains("//!"_L1))
+    forEachLine(path, [&](QStringView line) {
+        if (!line.contains(u'!'))
             return true;
-        const QRegularExpressionMatch match = directive.match(line);
+        const QRegularExpressionMatch match = directive.match(line.toString());
         if (match.hasMatch()) {
             const QString name = match.captured(1);
             if (!seen.contains(name)) {
@@ -109,8 +116,8 @@ QString fragComponentPath(const QString &shadersDir, const QString &component)
 QStringList strippedCodeLines(const QString &path)
 {
     QStringList lines;
-    forEachCodeLine(path, [&](const QString &line) {
-        lines.append(line);
+    forEachCodeLine(path, [&](QStringView line) {
+        lines.append(line.toString());
         return true;
     });
     return lines;
@@ -119,17 +126,17 @@ QStringList strippedCodeLines(const QString &path)
 bool sourceUsesFrameCount(const QString &path)
 {
     static const QRegularExpression kFrameToken(uR"(\bpc\s*\.\s*(frameCount|frameDirection)\b)"_s);
-    return hasToken(path, "frame"_L1, kFrameToken);
+    return hasToken(path, u"frame", kFrameToken);
 }
 
 QSet<int> usedParamSlotIndices(const QString &path)
 {
     static const QRegularExpression kParamsIndex(uR"(\bpc\s*\.\s*params\s*\[\s*(\d+)\s*\])"_s);
     QSet<int> indices;
-    forEachCodeLine(path, [&](const QString &line) {
-        if (!line.contains("params"_L1))
+    forEachCodeLine(path, [&](QStringView line) {
+        if (!line.contains(u'['))
             return true;
-        auto matches = kParamsIndex.globalMatch(line);
+        auto matches = kParamsIndex.globalMatch(line.toString());
         while (matches.hasNext())
             indices.insert(matches.next().captured(1).toInt());
         return true;
@@ -152,5 +159,5 @@ QStringList declaredParameterIds(const QString &path)
 bool sourceReadsHdrOutputActive(const QString &path)
 {
     static const QRegularExpression kHdrToken(uR"(\bpc\s*\.\s*hdrOutputActive\b)"_s);
-    return hasToken(path, "hdrOutputActive"_L1, kHdrToken);
+    return hasToken(path, u"hdrOutputActive", kHdrToken);
 }

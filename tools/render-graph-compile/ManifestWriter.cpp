@@ -99,25 +99,26 @@ constexpr auto kEpilogue = R"(};
 )"_L1;
 
 // By the enumerators' integers, which the manifest shows beside the names.
-constexpr const char *kFormatNames[] = {"R11G11B10F", "RGBA16F", "RGBA8", "RGBA32F"};
-constexpr const char *kScaleSourceNames[] = {"Source", "Viewport", "Absolute"};
+constexpr QLatin1StringView kFormatNames[] = {"R11G11B10F"_L1, "RGBA16F"_L1, "RGBA8"_L1,
+                                              "RGBA32F"_L1};
+constexpr QLatin1StringView kScaleSourceNames[] = {"Source"_L1, "Viewport"_L1, "Absolute"_L1};
 
 // A value outside the table has the name of value 0.
 template<typename Enum, std::size_t N>
-const char *nameOf(const char *const (&names)[N], Enum value)
+QLatin1StringView nameOf(const QLatin1StringView (&names)[N], Enum value)
 {
     const auto index = static_cast<std::size_t>(value);
     return names[index < N ? index : 0];
 }
 
-const char *boolLiteral(bool value)
+QLatin1StringView boolLiteral(bool value)
 {
-    return value ? "true" : "false";
+    return value ? "true"_L1 : "false"_L1;
 }
 
 QString stringLiteral(const QString &s)
 {
-    return u'"' + cEscape(s) + u'"';
+    return cEscape(s).prepend(u'"').append(u'"');
 }
 
 QString identifierSuffix(const QString &presetName)
@@ -132,15 +133,15 @@ void writeSampledInputs(QTextStream &out, const QString &name, const Pass &pass)
         indices.append(QString::number(input.passIndex));
     if (indices.isEmpty())
         indices.append(u"0"_s); // never read, but an array needs an element
-    out << "inline constexpr int " << name << "[] = {" << indices.join(", "_L1) << "};\n";
+    out << "inline constexpr int "_L1 << name << "[] = {"_L1 << indices.join(", "_L1) << "};\n"_L1;
 }
 
 void writeParams(QTextStream &out, const QString &name, const Pass &pass)
 {
-    out << "inline constexpr ParamEntry " << name << "[] = {\n";
+    out << "inline constexpr ParamEntry "_L1 << name << "[] = {\n"_L1;
     for (const VulkanRenderGraph::PushConstantParam &param : pass.params)
-        out << "  { " << stringLiteral(param.id) << ", " << param.floatOffset << "u },\n";
-    out << "};\n";
+        out << "  { "_L1 << stringLiteral(param.id) << ", "_L1 << param.floatOffset << "u },\n"_L1;
+    out << "};\n"_L1;
 }
 
 // Returns the name of the pass entry, which stands behind the arrays that it points to.
@@ -155,42 +156,44 @@ QString writePass(QTextStream &out, const QString &suffix, int index, const Pass
     if (!pass.params.isEmpty())
         writeParams(out, params, pass);
 
-    out << "inline constexpr PassEntry " << entry << " = {\n";
-    out << "  " << stringLiteral(pass.fragmentSpirvResource) << ",\n";
-    out << "  " << stringLiteral(pass.vertexSpirvResource) << ",\n";
-    out << "  " << stringLiteral(pass.debugName) << ",\n";
-    out << "  " << static_cast<int>(pass.format) << ", // " << nameOf(kFormatNames, pass.format)
-        << "\n";
-    out << "  " << static_cast<int>(pass.scaleSource) << ", // "
-        << nameOf(kScaleSourceNames, pass.scaleSource) << "\n";
-    out << "  " << floatLiteral(pass.scaleX) << ", " << floatLiteral(pass.scaleY) << ",\n";
-    out << "  " << pass.absoluteWidth << ", " << pass.absoluteHeight << ",\n";
-    out << "  " << pass.scaleInputPassIndex << ",\n";
-    out << "  " << boolLiteral(pass.linearFilter) << ", " << boolLiteral(pass.mipmap) << ",\n";
-    out << "  " << boolLiteral(pass.cacheByParameters) << ",\n";
-    out << "  " << stringLiteral(pass.constantBlackWhenZero) << ", "
-        << floatLiteral(pass.constantBlackAlpha) << ",\n";
-    out << "  " << boolLiteral(pass.shareConstantBlack) << ",\n";
-    out << "  " << pass.wrapMode << ",\n";
-    out << "  " << boolLiteral(pass.isFeedbackTarget) << ", " << boolLiteral(pass.isFeedbackReader)
-        << ", " << boolLiteral(pass.isFinalPass) << ",\n";
-    out << "  " << sampledInputs << ", " << pass.sampledInputs.size() << ",\n";
-    out << "  " << (pass.params.isEmpty() ? u"nullptr"_s : params) << ", " << pass.params.size()
-        << ",\n";
-    out << "};\n\n";
+    out << "inline constexpr PassEntry "_L1 << entry << " = {\n"_L1;
+    out << "  "_L1 << stringLiteral(pass.fragmentSpirvResource) << ",\n"_L1;
+    out << "  "_L1 << stringLiteral(pass.vertexSpirvResource) << ",\n"_L1;
+    out << "  "_L1 << stringLiteral(pass.debugName) << ",\n"_L1;
+    out << "  "_L1 << static_cast<int>(pass.format) << ", // "_L1
+        << nameOf(kFormatNames, pass.format) << "\n"_L1;
+    out << "  "_L1 << static_cast<int>(pass.scaleSource) << ", // "_L1
+        << nameOf(kScaleSourceNames, pass.scaleSource) << "\n"_L1;
+    out << "  "_L1 << floatLiteral(pass.scaleX) << ", "_L1 << floatLiteral(pass.scaleY) << ",\n"_L1;
+    out << "  "_L1 << pass.absoluteWidth << ", "_L1 << pass.absoluteHeight << ",\n"_L1;
+    out << "  "_L1 << pass.scaleInputPassIndex << ",\n"_L1;
+    out << "  "_L1 << boolLiteral(pass.linearFilter) << ", "_L1 << boolLiteral(pass.mipmap)
+        << ",\n"_L1;
+    out << "  "_L1 << boolLiteral(pass.cacheByParameters) << ",\n"_L1;
+    out << "  "_L1 << stringLiteral(pass.constantBlackWhenZero) << ", "_L1
+        << floatLiteral(pass.constantBlackAlpha) << ",\n"_L1;
+    out << "  "_L1 << boolLiteral(pass.shareConstantBlack) << ",\n"_L1;
+    out << "  "_L1 << pass.wrapMode << ",\n"_L1;
+    out << "  "_L1 << boolLiteral(pass.isFeedbackTarget) << ", "_L1
+        << boolLiteral(pass.isFeedbackReader) << ", "_L1 << boolLiteral(pass.isFinalPass)
+        << ",\n"_L1;
+    out << "  "_L1 << sampledInputs << ", "_L1 << pass.sampledInputs.size() << ",\n"_L1;
+    out << "  "_L1 << (pass.params.isEmpty() ? u"nullptr"_s : params) << ", "_L1
+        << pass.params.size() << ",\n"_L1;
+    out << "};\n\n"_L1;
     return entry;
 }
 
 void writePresetParams(QTextStream &out, const QString &name, const QList<PresetParamMeta> &params)
 {
-    out << "inline constexpr PresetParamEntry " << name << "[] = {\n";
+    out << "inline constexpr PresetParamEntry "_L1 << name << "[] = {\n"_L1;
     for (const PresetParamMeta &param : params) {
-        out << "  { " << stringLiteral(param.id) << ", " << stringLiteral(param.description) << ", "
-            << floatLiteral(param.initialValue) << ", " << floatLiteral(param.defaultValue) << ", "
-            << floatLiteral(param.min) << ", " << floatLiteral(param.max) << ", "
-            << floatLiteral(param.step) << " },\n";
+        out << "  { "_L1 << stringLiteral(param.id) << ", "_L1 << stringLiteral(param.description)
+            << ", "_L1 << floatLiteral(param.initialValue) << ", "_L1
+            << floatLiteral(param.defaultValue) << ", "_L1 << floatLiteral(param.min) << ", "_L1
+            << floatLiteral(param.max) << ", "_L1 << floatLiteral(param.step) << " },\n"_L1;
     }
-    out << "};\n\n";
+    out << "};\n\n"_L1;
 }
 
 // Returns the name of the preset entry.
@@ -205,17 +208,18 @@ QString writePreset(QTextStream &out, const EmittedPreset &preset)
     QStringList passEntries;
     for (int index = 0; index < graph.passes.size(); ++index)
         passEntries.append(writePass(out, suffix, index, graph.passes.at(index)));
-    out << "inline constexpr PassEntry " << passes << "[] = {" << passEntries.join(", "_L1)
-        << "};\n\n";
+    out << "inline constexpr PassEntry "_L1 << passes << "[] = {"_L1 << passEntries.join(", "_L1)
+        << "};\n\n"_L1;
     if (!preset.presetParams.isEmpty())
         writePresetParams(out, presetParams, preset.presetParams);
 
-    out << "inline constexpr PresetEntry " << entry << " = { " << stringLiteral(graph.presetQrcPath)
-        << ", " << passes << ", " << graph.passes.size() << ", " << graph.feedbackPassIndex << ", "
-        << boolLiteral(graph.finalRealPassRespondsToHdr) << ", "
-        << (preset.presetParams.isEmpty() ? u"nullptr"_s : presetParams) << ", "
-        << preset.presetParams.size() << ", " << boolLiteral(preset.vulkanOnly) << ", "
-        << boolLiteral(preset.usesFrameCount) << " };\n\n";
+    out << "inline constexpr PresetEntry "_L1 << entry << " = { "_L1
+        << stringLiteral(graph.presetQrcPath) << ", "_L1 << passes << ", "_L1 << graph.passes.size()
+        << ", "_L1 << graph.feedbackPassIndex << ", "_L1
+        << boolLiteral(graph.finalRealPassRespondsToHdr) << ", "_L1
+        << (preset.presetParams.isEmpty() ? u"nullptr"_s : presetParams) << ", "_L1
+        << preset.presetParams.size() << ", "_L1 << boolLiteral(preset.vulkanOnly) << ", "_L1
+        << boolLiteral(preset.usesFrameCount) << " };\n\n"_L1;
     return entry;
 }
 
@@ -223,14 +227,7 @@ QString writePreset(QTextStream &out, const EmittedPreset &preset)
 
 QString cEscape(const QString &s)
 {
-    QString escaped;
-    escaped.reserve(s.size() + 2);
-    for (const QChar c : s) {
-        if (c == u'"' || c == u'\\')
-            escaped += u'\\';
-        escaped += c;
-    }
-    return escaped;
+    return QString(s).replace(u'\\', "\\\\"_L1).replace(u'"', "\\\""_L1);
 }
 
 QString floatLiteral(float v)
@@ -240,7 +237,7 @@ QString floatLiteral(float v)
         return u"-0.0f"_s;
     // Nine significant digits bring every float back exactly.
     QString text = QString::number(static_cast<double>(v), 'g', 9);
-    if (!text.contains(u'.') && !text.contains(u'e') && !text.contains(u'E'))
+    if (!text.contains(u'.') && !text.contains(u'e'))
         text += ".0"_L1;
     return text + u'f';
 }
@@ -259,9 +256,9 @@ bool writeManifest(const QString &outPath, const QList<EmittedPreset> &presets)
     QStringList presetEntries;
     for (const EmittedPreset &preset : presets)
         presetEntries.append(writePreset(out, preset));
-    out << "inline constexpr PresetEntry kPresets[] = {\n";
+    out << "inline constexpr PresetEntry kPresets[] = {\n"_L1;
     for (const QString &entry : std::as_const(presetEntries))
-        out << "  " << entry << ",\n";
+        out << "  "_L1 << entry << ",\n"_L1;
     out << kEpilogue;
     return true;
 }

@@ -26,10 +26,10 @@ ValueTable presetValueOverrides(const QString &glslpPath)
 {
     static const QRegularExpression kValueLine(uR"re(^\s*(\w+)\s*=\s*"([^"]*)")re"_s);
     ValueTable values;
-    forEachLine(glslpPath, [&](const QString &line) {
+    forEachLine(glslpPath, [&](QStringView line) {
         if (!line.contains(u'"'))
             return true;
-        const QRegularExpressionMatch match = kValueLine.match(line);
+        const QRegularExpressionMatch match = kValueLine.match(line.toString());
         bool isNumber = false;
         const float value = match.captured(2).toFloat(&isNumber);
         if (isNumber)
@@ -43,10 +43,10 @@ QStringList presetDeclaredParameterList(const QString &glslpPath)
 {
     static const QRegularExpression kParametersLine(uR"re(^\s*parameters\s*=\s*"([^"]*)")re"_s);
     QStringList ids;
-    forEachLine(glslpPath, [&](const QString &line) {
-        if (!line.contains("parameters"_L1))
+    forEachLine(glslpPath, [&](QStringView line) {
+        if (!line.contains(u"parameters"))
             return true;
-        const QRegularExpressionMatch match = kParametersLine.match(line);
+        const QRegularExpressionMatch match = kParametersLine.match(line.toString());
         if (match.hasMatch())
             ids = match.captured(1).split(u';', Qt::SkipEmptyParts);
         return !match.hasMatch();

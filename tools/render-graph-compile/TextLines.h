@@ -2,22 +2,48 @@
 
 #include <QFile>
 #include <QString>
-#include <QTextStream>
+#include <QStringDecoder>
 
-// Calls `bool visit(const QString &line)` for each line of the text file, without its line end,
-// until it returns false. Decodes UTF-8, or what a byte-order mark names. Holds one line at a time.
-// A file that cannot be opened has no lines.
+#include <array>
+
+// Calls `bool visit(QStringView line)` for each line of the text, without its line end, until it
+// returns false. Decodes UTF-8, or what a byte-order mark names, and drops every CR. Holds one line
+// and one buffer at a time. A read that fails ends the text: what came before it is visited, the
+// line that it cuts off too.
+template<typename Visitor>
+void forEachLine(QIODevice &device, Visitor visit)
+{
+    QStringDecoder decode;
+    QString text; // decoded and not yet visited
+    std::array<char, 16384> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    // Only a read tells where the text ends: atEnd() believes the size that the device states.
+    for (qint64 size = 0; (size = device.read(buffer.data(), buffer.size())) > 0;) {
+        const QByteArrayView bytes(buffer.data(), size);
+        if (!decode.isValid())
+            decode = QStringDecoder(
+                    QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8));
+        QString decoded = decode(bytes);
+        decoded.remove(u'\r');
+
+        qsizetype begin = 0;
+        qsizetype end = text.size(); // an unfinished line holds no LF
+        text += decoded;
+        for (; (end = text.indexOf(u'\n', end)) >= 0; begin = ++end) {
+            if (!visit(QStringView(text).sliced(begin, end - begin)))
+                return;
+        }
+        text.remove(0, begin);
+    }
+    if (!text.isEmpty())
+        visit(QStringView(text));
+}
+
+// The same for a file. One that cannot be opened has no lines, nor has one without a size, such as
+// a pipe.
 template<typename Visitor>
 void forEachLine(const QString &path, Visitor visit)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return;
-    QTextStream stream(&file);
-    QString line;
-    while (!stream.atEnd()) {
-        stream.readLineInto(&line);
-        if (!visit(line))
-            return;
-    }
+    if (file.open(QIODevice::ReadOnly) && !file.atEnd())
+        forEachLine(file, visit);
 }
