@@ -400,9 +400,8 @@ void TestFaults::fullDisk()
     QVERIFY(QDir(u"disk"_s).isEmpty());
 }
 
-// Each of these can be opened, and gives no text: it has none, says that its size is 0, fails to be
-// read (with EIO), or ends before the size that it states. All but the last two would be empty to
-// `cat` too.
+// Each of these can be opened, and gives no directive: it is empty, says that its size is 0, fails
+// to be read (with EIO), or ends before the size that it states, where a reader may wait for ever.
 void TestFaults::componentWithoutContent_data()
 {
     QTest::addColumn<QString>("target");
