@@ -375,7 +375,7 @@ void TestFaults::fullDisk()
     QProcess probe;
     const QStringList own = ::geteuid() == 0 ? QStringList({u"-m"_s}) : QStringList({u"-rm"_s});
     QDir().mkdir(u"disk"_s);
-    const QString mount = u"mount -t tmpfs -o size=64k tmpfs disk"_s;
+    const QString mount = u"mount -t tmpfs -o size=256k tmpfs disk"_s;
     probe.start(u"unshare"_s, own + QStringList({u"sh"_s, u"-c"_s, mount}));
     probe.waitForFinished(-1);
     if (probe.error() == QProcess::FailedToStart || probe.exitCode() != 0)
@@ -384,8 +384,8 @@ void TestFaults::fullDisk()
     QProcess process;
     in(noFault)(process);
     const QString script = mount
-            + uR"sh( && "$@" && cp disk/m.h first.h && mount -o remount,size=256k disk && "$@" && )sh"_s
-            + u"cp disk/m.h second.h"_s;
+            + u" && head -c 192K /dev/zero > disk/other && \"$@\" && cp disk/m.h first.h"_s
+            + u" && rm disk/other && \"$@\" && cp disk/m.h second.h"_s;
     process.start(u"unshare"_s,
                   own
                           + QStringList({u"sh"_s, u"-c"_s, script, u"sh"_s, toolPath(),
