@@ -3,24 +3,61 @@
 #include <sys/prctl.h>
 
 #include <linux/capability.h>
+#include <unistd.h>
+
+#include <vector>
 
 using namespace Qt::StringLiterals;
+
+QString toolPath()
+{
+    return QStringLiteral(RENDER_GRAPH_COMPILE);
+}
 
 Run run(const QStringList &arguments, const Prepare &prepare)
 {
     QProcess process;
     if (prepare)
         prepare(process);
-    process.start(QStringLiteral(RENDER_GRAPH_COMPILE), arguments);
-    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit)
-        return {-1, process.readAllStandardOutput(),
-                process.readAllStandardError() + process.errorString().toUtf8()};
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    start(process, arguments);
+    return finish(process);
 }
 
 Run compile(const QString &shadersDir, const QString &out, const Prepare &prepare)
 {
     return run({u"--shaders-dir"_s, shadersDir, u"--out"_s, out}, prepare);
+}
+
+void start(QProcess &process, const QStringList &arguments)
+{
+    process.start(toolPath(), arguments);
+}
+
+Run finish(QProcess &process)
+{
+    if (process.state() != QProcess::NotRunning)
+        process.waitForFinished(-1);
+    Run result = {.exitStatus = -1,
+                  .out = process.readAllStandardOutput(),
+                  .err = process.readAllStandardError(),
+                  .signal = 0};
+    if (process.error() == QProcess::FailedToStart)
+        result.err += process.errorString().toUtf8();
+    else if (process.exitStatus() == QProcess::CrashExit)
+        result.signal = process.exitCode();
+    else
+        result.exitStatus = process.exitCode();
+    return result;
+}
+
+void executeTool(const QByteArrayList &arguments)
+{
+    std::vector<char *> words;
+    for (const QByteArray &argument : arguments)
+        words.push_back(const_cast<char *>(argument.constData()));
+    words.push_back(nullptr);
+    ::execv(RENDER_GRAPH_COMPILE, words.data());
+    ::_exit(127);
 }
 
 void obeyPermissions(QProcess &process)

@@ -24,13 +24,23 @@ struct Run
     int exitStatus = -1; // of a normal exit only
     QByteArray out;
     QByteArray err;
+    int signal = 0; // that ended the run
 };
 
 using Prepare = std::function<void(QProcess &)>;
 
+QString toolPath();
+
 Run run(const QStringList &arguments, const Prepare &prepare = {});
 
 Run compile(const QString &shadersDir, const QString &out, const Prepare &prepare = {});
+
+// The two halves of run(), for a test that has something to do in between.
+void start(QProcess &process, const QStringList &arguments);
+Run finish(QProcess &process);
+
+// In the child, with exactly these bytes as its arguments, the name included.
+void executeTool(const QByteArrayList &arguments);
 
 // Root may open anything. The child gives that up, so that permissions mean what they say.
 void obeyPermissions(QProcess &process);
