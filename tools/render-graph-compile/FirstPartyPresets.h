@@ -678,9 +678,10 @@ template<Rules::ShownName name, std::size_t index>
 constexpr bool keepsTheRules()
 {
     constexpr const PresetDecl &preset = kPresets[index];
-    static_assert(Rules::nameIsPlain(preset),
-                  "a preset's name consists of letters, digits, '-' and '_', and begins with one of "
-                  "the first two");
+    static_assert(
+            Rules::nameIsPlain(preset),
+            "a preset's name consists of letters, digits, '-' and '_', and begins with one of "
+            "the first two");
     static_assert(Rules::hasPasses(preset), "a preset has at least one pass");
     if constexpr (Rules::isConstant<[] { return Rules::countsMatchArrays(kPresets[index]); }>)
         static_assert(Rules::countsMatchArrays(preset),
@@ -695,21 +696,21 @@ constexpr bool keepsTheRules()
                       "an extentAlias is published by one pass of a preset only");
         static_assert(Rules::scaleInputsArePublishedEarlier(preset),
                       "a scaleInputAlias names the extentAlias of an earlier pass");
-        static_assert(
-                Rules::absoluteSizesAreOnAbsolutePasses(preset),
-                "absoluteWidth and absoluteHeight belong to kScaleAbsolute passes, and only to them");
-        static_assert(
-                Rules::constantBlackIdsAreBound(preset),
-                "constantBlackWhenZero names a parameter that some pass of the preset binds");
+        static_assert(Rules::absoluteSizesAreOnAbsolutePasses(preset),
+                      "absoluteWidth and absoluteHeight belong to kScaleAbsolute passes, and only "
+                      "to them");
+        static_assert(Rules::constantBlackIdsAreBound(preset),
+                      "constantBlackWhenZero names a parameter that some pass of the preset binds");
         static_assert(Rules::overrideIdsAreBound(preset),
                       "a value override's id is bound by some pass of its preset");
         static_assert(Rules::overrideIdsAreUnique(preset),
                       "a value override's id stands once in its list");
         static_assert(Rules::overrideValuesAreInRange(preset),
                       "a value override lies within its parameter's bounds");
-        static_assert(Rules::valuesAreInRange(preset),
-                      "a value is one that its field may take: scaleType, constantBlackAlpha, and a "
-                      "parameter's default within its bounds");
+        static_assert(
+                Rules::valuesAreInRange(preset),
+                "a value is one that its field may take: scaleType, constantBlackAlpha, and a "
+                "parameter's default within its bounds");
     }
     return true;
 }

@@ -115,7 +115,8 @@ struct ShownName
 
 // Whether the compiler can evaluate `expression`.
 template<auto expression>
-inline constexpr bool isConstant = requires {
+inline constexpr bool isConstant = requires
+{
     typename std::bool_constant<(expression(), true)>;
 };
 
@@ -192,14 +193,14 @@ constexpr bool countsMatchArrays(const PresetDecl &preset)
 constexpr bool lastRowsCanBeRead(const PresetDecl &preset)
 {
     const auto canBeRead = [](const auto &rows) {
+        if (rows.empty())
+            return true;
         [[maybe_unused]] const auto last = rows.back();
         return true;
     };
-    const auto passes = passesOf(preset);
-    const auto overrides = valueOverridesOf(preset);
-    return canBeRead(passes) && (overrides.empty() || canBeRead(overrides))
-            && std::ranges::all_of(passes, [canBeRead](const PassDecl &pass) {
-                   return paramsOf(pass).empty() || canBeRead(paramsOf(pass));
+    return canBeRead(passesOf(preset)) && canBeRead(valueOverridesOf(preset))
+            && std::ranges::all_of(passesOf(preset), [canBeRead](const PassDecl &pass) {
+                   return canBeRead(paramsOf(pass));
                });
 }
 
