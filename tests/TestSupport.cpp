@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include <algorithm>
+
 void writeFile(const QString &path, const QByteArray &content)
 {
     QDir().mkpath(QFileInfo(path).path());
@@ -14,6 +16,25 @@ QByteArray readFile(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         qFatal("cannot read %s", qPrintable(path));
     return file.readAll();
+}
+
+QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected)
+{
+    if (actual == expected)
+        return {};
+    const QList<QByteArray> actualLines = actual.split('\n');
+    const QList<QByteArray> expectedLines = expected.split('\n');
+    qsizetype index = 0;
+    while (index < std::min(actualLines.size(), expectedLines.size())
+           && actualLines[index] == expectedLines[index])
+        ++index;
+    const auto shown = [index](const QList<QByteArray> &lines) {
+        constexpr int kCount = 3;
+        const QList<QByteArray> rest = lines.mid(index, kCount);
+        return rest.isEmpty() ? QByteArray("  (nothing more)") : "  " + rest.join("\n  ");
+    };
+    return "first difference in line " + QByteArray::number(index + 1) + "\nexpected:\n"
+            + shown(expectedLines) + "\nactual:\n" + shown(actualLines);
 }
 
 QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian)

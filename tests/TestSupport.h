@@ -37,6 +37,9 @@ void writeFile(const QString &path, const QByteArray &content);
 
 QByteArray readFile(const QString &path);
 
+// The first lines in which the texts differ, for a reader: empty if they are the same.
+QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected);
+
 // The text in UTF-16, behind a byte-order mark.
 QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian = false);
 

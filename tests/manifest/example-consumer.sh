@@ -20,21 +20,31 @@ prints() {
     cmp wanted log || fail "consumer $*: other text"
 }
 
-prints 0 list <<'END'
-  preset        passes  parameters  animated
-  crt-pvm           19          39  yes
-  crt-bvm           19          39  yes
-  crt-arcade        19          39  yes
-  crt-pc            19          39  yes
-  crt-bw            19          39  yes
-  crt-consumer      20          45  yes
-  gba-lcd            4           9  no
-  gameboy-lcd        4          13  no
-  dmg-lcd            6          13  no
-  no-pixels          8           3  no
-  rewind             3           5  yes
-  stock              2           0  no
+# The presets that are known here are listed as they are; the columns are as wide as the longest name.
+table=$SOURCE_DIR/tests/presets/tables/presets.csv
+width=$(sed 1d "$table" | cut -d ';' -f 1 | wc -L)
+"$consumer" list >log
+[ "$(wc -l <log)" = "$(wc -l <"$table")" ] || fail 'consumer list: not one line for each preset'
+while read -r preset passes parameters animated; do
+    row=$(printf "  %-${width}s  %6s  %10s  %s" "$preset" "$passes" "$parameters" "$animated")
+    grep -qFx "$row" log || fail "consumer list: no line '$row'"
+done <<'END'
+preset passes parameters animated
+crt-pvm 19 39 yes
+crt-bvm 19 39 yes
+crt-arcade 19 39 yes
+crt-pc 19 39 yes
+crt-bw 19 39 yes
+crt-consumer 20 45 yes
+gba-lcd 4 9 no
+gameboy-lcd 4 13 no
+dmg-lcd 6 13 no
+no-pixels 8 3 no
+rewind 3 5 yes
+stock 2 0 no
 END
+sed '1d; s/^ *//; s/ .*//' log >listed
+sed '1d; s/;.*//' "$table" | cmp - listed || fail 'consumer list: not the presets in their order'
 prints 0 show stock <<'END'
 stock
   resource:            :/shaders/stock.glsl

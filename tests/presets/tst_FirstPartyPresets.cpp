@@ -1,64 +1,31 @@
 #include <FirstPartyPresets.h>
 
+#include "PresetTables.h"
 #include "TestSupport.h"
 
 #include <QHash>
-
-#include <cstdlib>
-#include <functional>
+#include <QSet>
 
 using namespace Qt::StringLiterals;
 using namespace FirstPartyPresetSource;
 
 namespace {
 
-// The rows of a hand-kept table below tests/presets/tables, each by column name.
-class Row
-{
-public:
-    Row(const QList<QByteArray> &columns, const QList<QByteArray> &cells)
-        : m_columns(columns),
-          m_cells(cells)
-    {
-    }
-    QByteArray text(const char *column) const
-    {
-        return m_cells.at(m_columns.indexOf(column));
-    }
-    int integer(const char *column) const
-    {
-        return text(column).toInt();
-    }
-    float real(const char *column) const
-    {
-        return std::strtof(text(column).constData(), nullptr);
-    }
-    bool flag(const char *column) const
-    {
-        return text(column) == "yes" || text(column) == "true";
-    }
+using Row = PresetTableRow;
 
-private:
-    QList<QByteArray> m_columns;
-    QList<QByteArray> m_cells;
-};
-
-QList<Row> table(const char *name)
+const PresetDecl &presetAt(std::size_t index)
 {
-    const QString path =
-            QStringLiteral(SOURCE_DIR "/tests/presets/tables/%1.csv").arg(QLatin1StringView(name));
-    QList<QByteArray> lines = readFile(path).split('\n');
-    const QList<QByteArray> columns = lines.takeFirst().split(';');
-    QList<Row> rows;
-    for (const QByteArray &line : std::as_const(lines)) {
-        if (line.isEmpty())
-            continue;
-        const QList<QByteArray> cells = line.split(';');
-        if (cells.size() != columns.size())
-            qFatal("%s: %s", qPrintable(path), line.constData());
-        rows.append(Row(columns, cells));
-    }
-    return rows;
+    if (index >= std::size(kPresets))
+        qFatal("presets.csv has more rows than kPresets");
+    return kPresets[index];
+}
+
+const PresetDecl &presetNamed(std::string_view name)
+{
+    const auto *const found = std::ranges::find(kPresets, name, &PresetDecl::name);
+    if (found == std::end(kPresets))
+        qFatal("no such preset");
+    return *found;
 }
 
 template<typename T>
@@ -68,36 +35,11 @@ struct Array
     int count;
 };
 
-// clang-format off
-#define ARRAY(name) {#name, {name, std::size(name)}}
-
-const QHash<QByteArray, Array<ParamDecl>> kParamArrays = {
-    ARRAY(kCrtDriveParams), ARRAY(kCrtOpticsParams), ARRAY(kCrtPersistenceParams),
-    ARRAY(kCrtBeamParams), ARRAY(kCrtTileParams), ARRAY(kCrtScreenParams),
-    ARRAY(kConsumerPass0Params), ARRAY(kGbaColorParams), ARRAY(kLcdGhostParams),
-    ARRAY(kLcdSubpixelParams), ARRAY(kGameboyLcdPass0Params), ARRAY(kDmgLcdPass0Params),
-    ARRAY(kDmgCrosstalkParams), ARRAY(kDmgOcclusionParams), ARRAY(kDmgLcdPass3Params),
-    ARRAY(kSfxStrengthParams), ARRAY(kSfxCornerParams), ARRAY(kRewindPass0Params),
-    ARRAY(kRewindPass1Params), {"", {nullptr, 0}},
-};
-
-const QHash<QByteArray, Array<PassDecl>> kPassArrays = {
-    ARRAY(kCrtPasses), ARRAY(kConsumerPasses), ARRAY(kGbaLcdPasses), ARRAY(kGameboyLcdPasses),
-    ARRAY(kDmgLcdPasses), ARRAY(kNoPixelsPasses), ARRAY(kRewindPasses), ARRAY(kStockPasses),
-};
-
-const QHash<QByteArray, Array<ValueOverride>> kOverrideArrays = {
-    ARRAY(kPvmValueOverrides), ARRAY(kBvmValueOverrides), ARRAY(kArcadeValueOverrides),
-    ARRAY(kPcValueOverrides), ARRAY(kBwValueOverrides), ARRAY(kConsumerValueOverrides),
-    ARRAY(kGbaLcdValueOverrides), ARRAY(kGameboyLcdValueOverrides), ARRAY(kDmgLcdValueOverrides),
-    {"", {nullptr, 0}},
-};
-
-#undef ARRAY
-// clang-format on
+template<typename T>
+using Arrays = QHash<QByteArray, Array<T>>;
 
 template<typename T>
-int rowCount(const QHash<QByteArray, Array<T>> &arrays)
+int rowCount(const Arrays<T> &arrays)
 {
     int count = 0;
     for (const Array<T> &array : arrays)
@@ -107,13 +49,62 @@ int rowCount(const QHash<QByteArray, Array<T>> &arrays)
 
 // The next row of the array that a table names: a table lists each array's rows in order.
 template<typename T>
-T nextRow(const QHash<QByteArray, Array<T>> &arrays, const QByteArray &name,
-          QHash<QByteArray, int> &taken)
+T nextRow(const Arrays<T> &arrays, const QByteArray &name, QHash<QByteArray, int> &taken)
 {
     const int index = taken[name]++;
     if (!arrays.contains(name) || index >= arrays[name].count)
         qFatal("%s has no row %d", name.constData(), index);
     return arrays[name].rows[index];
+}
+
+// The arrays that the presets reach, under the names that the tables give them: a name stands for
+// the array where it comes first, and every other mention must mean the same one.
+Arrays<PassDecl> passArrays()
+{
+    Arrays<PassDecl> arrays;
+    std::size_t index = 0;
+    for (const Row &row : presetTable("presets")) {
+        const PresetDecl &preset = presetAt(index++);
+        if (!arrays.contains(row.text("passes")))
+            arrays.insert(row.text("passes"), {preset.passes, preset.passCount});
+    }
+    return arrays;
+}
+
+Arrays<ValueOverride> overrideArrays()
+{
+    Arrays<ValueOverride> arrays;
+    std::size_t index = 0;
+    for (const Row &row : presetTable("presets")) {
+        const PresetDecl &preset = presetAt(index++);
+        if (!arrays.contains(row.text("valueOverrides")))
+            arrays.insert(row.text("valueOverrides"),
+                          {preset.valueOverrides, preset.valueOverrideCount});
+    }
+    return arrays;
+}
+
+Arrays<ParamDecl> paramArrays()
+{
+    const Arrays<PassDecl> passes = passArrays();
+    Arrays<ParamDecl> arrays;
+    QHash<QByteArray, int> taken;
+    for (const Row &row : presetTable("passes")) {
+        const PassDecl pass = nextRow(passes, row.text("array"), taken);
+        if (!arrays.contains(row.text("params")))
+            arrays.insert(row.text("params"), {pass.params, pass.paramCount});
+    }
+    return arrays;
+}
+
+// Two names of one array are a mistake in the tables.
+template<typename T>
+bool namesAreOfDifferentArrays(const Arrays<T> &arrays)
+{
+    QSet<const T *> distinct;
+    for (const Array<T> &array : arrays)
+        distinct.insert(array.rows);
+    return distinct.size() == arrays.size();
 }
 
 using Rule = bool (*)(const PresetDecl &);
@@ -146,46 +137,55 @@ private Q_SLOTS:
     void overridesMatchTheTable();
     void componentMayStandTwiceInOnePreset();
     void feedbackIsDeclaredInTwoWays();
-    void onlyOneConstantBlackIsTransparent();
-    void onlyStockIsGlslAndOnlyTwoShipForGl();
+    void constantBlackMayBeTransparent();
+    void stockAndRewindShipForGl();
     void oneIdMayBeBoundByMorePasses();
     void presetWithoutOverridesHasNoArray();
     void emptyRangesForCountsOfZeroOrLess();
     void rules_data();
     void rules();
+    void presetCountsMatchArrays_data();
+    void presetCountsMatchArrays();
+    void names_data();
+    void names();
     void rulesHoldForAGoodPreset();
     void identifiersMayNotCollide();
 };
 
 void TestFirstPartyPresets::presetsMatchTheTable()
 {
-    const QList<Row> rows = table("presets");
-    QCOMPARE(rows.size(), 12);
-    QCOMPARE(std::size(kPresets), std::size_t(12));
+    const QList<Row> rows = presetTable("presets");
+    QCOMPARE(std::size(kPresets), std::size_t(rows.size()));
+    const Arrays<PassDecl> passes = passArrays();
+    const Arrays<ValueOverride> overrides = overrideArrays();
+    QVERIFY(namesAreOfDifferentArrays(passes));
+    QVERIFY(namesAreOfDifferentArrays(overrides));
     for (int i = 0; i < rows.size(); ++i) {
         const Row &row = rows.at(i);
         const PresetDecl &preset = kPresets[i];
         QCOMPARE(preset.name, row.text("name"));
         QCOMPARE(preset.feedbackPassIndex, row.integer("feedbackPassIndex"));
-        QCOMPARE(preset.passes, kPassArrays.value(row.text("passes")).rows);
+        QCOMPARE(preset.passes, passes.value(row.text("passes")).rows);
         QCOMPARE(preset.passCount, row.integer("passCount"));
-        QCOMPARE(preset.passCount, kPassArrays.value(row.text("passes")).count);
+        QCOMPARE(preset.passCount, passes.value(row.text("passes")).count);
         QCOMPARE(preset.presetExtension, row.text("presetExtension"));
         QCOMPARE(preset.vulkanOnly, row.flag("vulkanOnly"));
-        QCOMPARE(preset.valueOverrides, kOverrideArrays.value(row.text("valueOverrides")).rows);
+        QCOMPARE(preset.valueOverrides, overrides.value(row.text("valueOverrides")).rows);
         QCOMPARE(preset.valueOverrideCount, row.integer("valueOverrideCount"));
-        QCOMPARE(preset.valueOverrideCount,
-                 kOverrideArrays.value(row.text("valueOverrides")).count);
+        QCOMPARE(preset.valueOverrideCount, overrides.value(row.text("valueOverrides")).count);
     }
 }
 
 void TestFirstPartyPresets::passesMatchTheTable()
 {
-    const QList<Row> rows = table("passes");
-    QCOMPARE(rows.size(), rowCount(kPassArrays));
+    const QList<Row> rows = presetTable("passes");
+    const Arrays<PassDecl> passes = passArrays();
+    const Arrays<ParamDecl> params = paramArrays();
+    QCOMPARE(rows.size(), rowCount(passes));
+    QVERIFY(namesAreOfDifferentArrays(params));
     QHash<QByteArray, int> taken;
     for (const Row &row : rows) {
-        const PassDecl pass = nextRow(kPassArrays, row.text("array"), taken);
+        const PassDecl pass = nextRow(passes, row.text("array"), taken);
         QCOMPARE(taken.value(row.text("array")) - 1, row.integer("index"));
         QCOMPARE(pass.component, row.text("component"));
         QCOMPARE(pass.extentAlias, row.text("extentAlias"));
@@ -197,9 +197,9 @@ void TestFirstPartyPresets::passesMatchTheTable()
         QCOMPARE(pass.absoluteHeight, row.integer("absoluteHeight"));
         QCOMPARE(pass.reserved, row.integer("reserved"));
         QCOMPARE(pass.wrapMode, row.integer("wrapMode"));
-        QCOMPARE(pass.params, kParamArrays.value(row.text("params")).rows);
+        QCOMPARE(pass.params, params.value(row.text("params")).rows);
         QCOMPARE(pass.paramCount, row.integer("paramCount"));
-        QCOMPARE(pass.paramCount, kParamArrays.value(row.text("params")).count);
+        QCOMPARE(pass.paramCount, params.value(row.text("params")).count);
         QCOMPARE(pass.mipmap, row.flag("mipmap"));
         QCOMPARE(pass.cacheByParameters, row.flag("cacheByParameters"));
         QCOMPARE(pass.constantBlackWhenZero, row.text("constantBlackWhenZero"));
@@ -212,11 +212,12 @@ void TestFirstPartyPresets::passesMatchTheTable()
 
 void TestFirstPartyPresets::paramsMatchTheTable()
 {
-    const QList<Row> rows = table("params");
-    QCOMPARE(rows.size(), rowCount(kParamArrays));
+    const QList<Row> rows = presetTable("params");
+    const Arrays<ParamDecl> params = paramArrays();
+    QCOMPARE(rows.size(), rowCount(params));
     QHash<QByteArray, int> taken;
     for (const Row &row : rows) {
-        const ParamDecl param = nextRow(kParamArrays, row.text("array"), taken);
+        const ParamDecl param = nextRow(params, row.text("array"), taken);
         QCOMPARE(param.id, row.text("id"));
         QCOMPARE(param.description, row.text("description"));
         // Not QCOMPARE's fuzzy comparison: the manifest shows every bit.
@@ -229,11 +230,12 @@ void TestFirstPartyPresets::paramsMatchTheTable()
 
 void TestFirstPartyPresets::overridesMatchTheTable()
 {
-    const QList<Row> rows = table("overrides");
-    QCOMPARE(rows.size(), rowCount(kOverrideArrays));
+    const QList<Row> rows = presetTable("overrides");
+    const Arrays<ValueOverride> overrides = overrideArrays();
+    QCOMPARE(rows.size(), rowCount(overrides));
     QHash<QByteArray, int> taken;
     for (const Row &row : rows) {
-        const ValueOverride value = nextRow(kOverrideArrays, row.text("array"), taken);
+        const ValueOverride value = nextRow(overrides, row.text("array"), taken);
         QCOMPARE(value.id, row.text("id"));
         QVERIFY2(value.value == row.real("value"), value.id);
     }
@@ -249,37 +251,33 @@ void TestFirstPartyPresets::componentMayStandTwiceInOnePreset()
 
 void TestFirstPartyPresets::feedbackIsDeclaredInTwoWays()
 {
-    QList<QByteArray> byIndex;
-    QList<QByteArray> byFlag;
-    for (const PresetDecl &preset : kPresets) {
-        if (preset.feedbackPassIndex >= 0)
-            byIndex.append(passesOf(preset)[std::size_t(preset.feedbackPassIndex)].component);
-        for (const PassDecl &pass : passesOf(preset)) {
-            if (pass.feedback && !byFlag.contains(pass.component))
-                byFlag.append(pass.component);
-        }
+    for (const char *const name : {"gba-lcd", "gameboy-lcd", "dmg-lcd"}) {
+        const PresetDecl &preset = presetNamed(name);
+        QCOMPARE(preset.feedbackPassIndex, 1);
+        QVERIFY(QByteArray(preset.passes[1].component).endsWith("-ghost"));
+        QVERIFY(!preset.passes[1].feedback);
     }
-    QCOMPARE(byIndex, QList<QByteArray>({"gba-ghost", "gba-ghost", "dmg-ghost"}));
-    QCOMPARE(byFlag, QList<QByteArray>({"crt-persistence"}));
+    const PresetDecl &crt = presetNamed("crt-pvm");
+    QCOMPARE(crt.feedbackPassIndex, -1);
+    for (const PassDecl &pass : passesOf(crt))
+        QCOMPARE(pass.feedback, QByteArray(pass.component) == "crt-persistence");
 }
 
-void TestFirstPartyPresets::onlyOneConstantBlackIsTransparent()
+void TestFirstPartyPresets::constantBlackMayBeTransparent()
 {
-    for (const PresetDecl &preset : kPresets) {
-        for (const PassDecl &pass : passesOf(preset)) {
-            const bool isWide = QByteArray(pass.component) == "crt-halation-wide-down";
-            QCOMPARE(pass.constantBlackAlpha, isWide ? 0.0F : 1.0F);
-        }
+    for (const PassDecl &pass : passesOf(presetNamed("crt-pvm"))) {
+        const bool isWide = QByteArray(pass.component) == "crt-halation-wide-down";
+        QCOMPARE(pass.constantBlackAlpha, isWide ? 0.0F : 1.0F);
     }
 }
 
-void TestFirstPartyPresets::onlyStockIsGlslAndOnlyTwoShipForGl()
+void TestFirstPartyPresets::stockAndRewindShipForGl()
 {
-    for (const PresetDecl &preset : kPresets) {
-        const QByteArray name = preset.name;
-        QCOMPARE(preset.presetExtension, name == "stock" ? "glsl" : "glslp");
-        QCOMPARE(preset.vulkanOnly, name != "stock" && name != "rewind");
-    }
+    QCOMPARE(presetNamed("stock").presetExtension, "glsl");
+    QCOMPARE(presetNamed("rewind").presetExtension, "glslp");
+    QVERIFY(!presetNamed("stock").vulkanOnly);
+    QVERIFY(!presetNamed("rewind").vulkanOnly);
+    QVERIFY(presetNamed("no-pixels").vulkanOnly);
 }
 
 void TestFirstPartyPresets::oneIdMayBeBoundByMorePasses()
@@ -296,20 +294,18 @@ void TestFirstPartyPresets::oneIdMayBeBoundByMorePasses()
         }
         return indices;
     };
-    QCOMPARE(binders(kPresets[6], "LCD_COLOR_PROFILE"), QList<int>({0, 2}));
-    QCOMPARE(binders(kPresets[7], "LCD_COLOR_PROFILE"), QList<int>({0, 2}));
-    QCOMPARE(binders(kPresets[8], "dmg_shadow_offset"), QList<int>({3, 4}));
-    QCOMPARE(binders(kPresets[0], "overscan"), QList<int>({8, 17}));
-    QCOMPARE(binders(kPresets[0], "crt_white"), QList<int>({4, 12}));
+    QCOMPARE(binders(presetNamed("gba-lcd"), "LCD_COLOR_PROFILE"), QList<int>({0, 2}));
+    QCOMPARE(binders(presetNamed("gameboy-lcd"), "LCD_COLOR_PROFILE"), QList<int>({0, 2}));
+    QCOMPARE(binders(presetNamed("dmg-lcd"), "dmg_shadow_offset"), QList<int>({3, 4}));
+    QCOMPARE(binders(presetNamed("crt-pvm"), "overscan"), QList<int>({8, 17}));
+    QCOMPARE(binders(presetNamed("crt-pvm"), "crt_white"), QList<int>({4, 12}));
 }
 
 void TestFirstPartyPresets::presetWithoutOverridesHasNoArray()
 {
     for (const char *const name : {"no-pixels", "rewind", "stock"}) {
-        const auto *const preset =
-                std::ranges::find(kPresets, std::string_view(name), &PresetDecl::name);
-        QVERIFY(preset->valueOverrides == nullptr);
-        QCOMPARE(preset->valueOverrideCount, 0);
+        QVERIFY(presetNamed(name).valueOverrides == nullptr);
+        QCOMPARE(presetNamed(name).valueOverrideCount, 0);
     }
 }
 
@@ -340,6 +336,9 @@ void TestFirstPartyPresets::rules_data()
     QTest::newRow("array without count")
             << Rule(Rules::countsMatchArrays) << withPass({.component = "x", .params = kParams})
             << none << -1;
+    QTest::newRow("negative count with an array")
+            << Rule(Rules::countsMatchArrays)
+            << withPass({.component = "x", .params = kParams, .paramCount = -1}) << none << -1;
     QTest::newRow("feedback index n") << Rule(Rules::feedbackPassIsInRange) << good << none << 3;
     QTest::newRow("feedback index -2") << Rule(Rules::feedbackPassIsInRange) << good << none << -2;
     QTest::newRow("alias twice") << Rule(Rules::aliasesAreUnique)
@@ -348,6 +347,9 @@ void TestFirstPartyPresets::rules_data()
     QTest::newRow("scale input published nowhere")
             << Rule(Rules::scaleInputsArePublishedEarlier)
             << withPass({.component = "x", .scaleInputAlias = "FOUR"}) << none << -1;
+    QTest::newRow("scale input of the first pass")
+            << Rule(Rules::scaleInputsArePublishedEarlier)
+            << QList<PassDecl>({{.component = "x", .scaleInputAlias = "FOUR"}}) << none << -1;
     QTest::newRow("scale input published by itself")
             << Rule(Rules::scaleInputsArePublishedEarlier)
             << withPass({.component = "x", .extentAlias = "FOUR", .scaleInputAlias = "FOUR"})
@@ -358,6 +360,13 @@ void TestFirstPartyPresets::rules_data()
     QTest::newRow("absolute pass without a size")
             << Rule(Rules::absoluteSizesAreOnAbsolutePasses)
             << withPass({.component = "x", .scaleType = kScaleAbsolute}) << none << -1;
+    QTest::newRow("absolute pass with a negative height")
+            << Rule(Rules::absoluteSizesAreOnAbsolutePasses)
+            << withPass({.component = "x",
+                         .scaleType = kScaleAbsolute,
+                         .absoluteWidth = 8,
+                         .absoluteHeight = -1})
+            << none << -1;
     QTest::newRow("constant black on an unbound id")
             << Rule(Rules::constantBlackIdsAreBound)
             << withPass({.component = "x", .constantBlackWhenZero = "b"}) << none << -1;
@@ -365,11 +374,21 @@ void TestFirstPartyPresets::rules_data()
                                                << QList<ValueOverride>({{"b", 1.0F}}) << -1;
     QTest::newRow("override twice") << Rule(Rules::overrideIdsAreUnique) << good
                                     << QList<ValueOverride>({{"a", 1.0F}, {"a", 1.0F}}) << -1;
+    QTest::newRow("override below the minimum") << Rule(Rules::overrideValuesAreInRange) << good
+                                                << QList<ValueOverride>({{"a", -0.1F}}) << -1;
+    QTest::newRow("override above the maximum") << Rule(Rules::overrideValuesAreInRange) << good
+                                                << QList<ValueOverride>({{"a", 1.1F}}) << -1;
+    QTest::newRow("scale type -1") << Rule(Rules::valuesAreInRange)
+                                   << withPass({.component = "x", .scaleType = -1}) << none << -1;
     QTest::newRow("scale type 3") << Rule(Rules::valuesAreInRange)
                                   << withPass({.component = "x", .scaleType = 3}) << none << -1;
     QTest::newRow("constant black alpha 0.5")
             << Rule(Rules::valuesAreInRange)
             << withPass({.component = "x", .constantBlackAlpha = 0.5F}) << none << -1;
+    static constexpr ParamDecl kWithoutStep[] = {{"b", "B", 0.5F, 0.0F, 1.0F, 0.0F}};
+    QTest::newRow("step 0") << Rule(Rules::valuesAreInRange)
+                            << withPass({.component = "x", .params = kWithoutStep, .paramCount = 1})
+                            << none << -1;
     static constexpr ParamDecl kOutOfRange[] = {{"b", "B", 2.0F, 0.0F, 1.0F, 0.1F}};
     QTest::newRow("default above max")
             << Rule(Rules::valuesAreInRange)
@@ -393,6 +412,59 @@ void TestFirstPartyPresets::rules()
     QVERIFY(!rule(preset));
 }
 
+// The counts of a preset's own arrays, which rules() keeps right.
+void TestFirstPartyPresets::presetCountsMatchArrays_data()
+{
+    QTest::addColumn<bool>("hasPasses");
+    QTest::addColumn<int>("passCount");
+    QTest::addColumn<bool>("hasOverrides");
+    QTest::addColumn<int>("overrideCount");
+    QTest::addColumn<bool>("isRight");
+    QTest::newRow("both arrays") << true << 3 << true << 1 << true;
+    QTest::newRow("no overrides") << true << 3 << false << 0 << true;
+    QTest::newRow("passes, negative count") << true << -1 << false << 0 << false;
+    QTest::newRow("passes, count 0") << true << 0 << false << 0 << false;
+    QTest::newRow("no passes, count 1") << false << 1 << false << 0 << false;
+    QTest::newRow("overrides, negative count") << true << 3 << true << -1 << false;
+    QTest::newRow("overrides, count 0") << true << 3 << true << 0 << false;
+    QTest::newRow("no overrides, count 1") << true << 3 << false << 1 << false;
+    QTest::newRow("no overrides, negative count") << true << 3 << false << -1 << false;
+}
+
+void TestFirstPartyPresets::presetCountsMatchArrays()
+{
+    QFETCH(bool, hasPasses);
+    QFETCH(int, passCount);
+    QFETCH(bool, hasOverrides);
+    QFETCH(int, overrideCount);
+    QFETCH(bool, isRight);
+    const PresetDecl preset = {.name = "p",
+                               .passes = hasPasses ? kGoodPasses : nullptr,
+                               .passCount = passCount,
+                               .valueOverrides = hasOverrides ? kGoodOverrides : nullptr,
+                               .valueOverrideCount = overrideCount};
+    QCOMPARE(Rules::countsMatchArrays(preset), isRight);
+}
+
+void TestFirstPartyPresets::names_data()
+{
+    QTest::addColumn<bool>("isPlain");
+    for (const char *const name : {"a", "crt-pvm", "A_b-C", "2x", "Z9", "z0"})
+        QTest::addRow("%s", name) << true;
+    for (const char *const name : {"", "a b", "a.b", "a/b", "-a", "_a", "a\"", "@", "a[", "a`",
+                                   "a{", "a:", "a\n", "a\xe4", "a\xc3\xa4"})
+        QTest::newRow(name) << false;
+}
+
+void TestFirstPartyPresets::names()
+{
+    QFETCH(bool, isPlain);
+    const PresetDecl preset = {.name = QTest::currentDataTag(),
+                               .passes = kGoodPasses,
+                               .passCount = std::size(kGoodPasses)};
+    QCOMPARE(Rules::nameIsPlain(preset), isPlain);
+}
+
 void TestFirstPartyPresets::rulesHoldForAGoodPreset()
 {
     const PresetDecl preset = {.name = "p",
@@ -410,6 +482,9 @@ void TestFirstPartyPresets::rulesHoldForAGoodPreset()
             {"absoluteSizesAreOnAbsolutePasses", Rules::absoluteSizesAreOnAbsolutePasses},
             {"constantBlackIdsAreBound", Rules::constantBlackIdsAreBound},
             {"overrideIdsAreBound", Rules::overrideIdsAreBound},
+            {"nameIsPlain", Rules::nameIsPlain},
+            {"lastRowsCanBeRead", Rules::lastRowsCanBeRead},
+            {"overrideValuesAreInRange", Rules::overrideValuesAreInRange},
             {"overrideIdsAreUnique", Rules::overrideIdsAreUnique},
             {"valuesAreInRange", Rules::valuesAreInRange},
     };

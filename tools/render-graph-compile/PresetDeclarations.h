@@ -1,14 +1,17 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <span>
 #include <string_view>
 #include <type_traits>
 
 // The records in which shader presets are declared. All of it is constant data: strings are static
 // and ASCII, "" where there is none; arrays are static, null with count 0 where there is none.
-// The scalar defaults are what a row leaves out most often.
+// The scalar defaults are the plain case: a pass that renders once at the size of its input, picks
+// the nearest texel and asks for nothing special.
 namespace FirstPartyPresetSource {
 
 // One parameter that a pass binds, with what the user interface shows for it.
@@ -96,14 +99,39 @@ constexpr std::span<const ValueOverride> valueOverridesOf(const PresetDecl &pres
     return Detail::rows(preset.valueOverrides, preset.valueOverrideCount);
 }
 
-// What well-formed presets keep: rules over one preset, and two ways to put them to a whole list
-// of presets, for use in static_assert.
+// What well-formed presets keep, for use in static_assert.
 namespace Rules {
 
-template<typename Rule>
-constexpr bool all(std::span<const PresetDecl> presets, Rule rule)
+// A preset's name as a template argument, so that the compiler shows it beside a broken rule; a
+// longer one is cut off.
+struct ShownName
 {
-    return std::ranges::all_of(presets, rule);
+    char text[32] = {};
+    consteval ShownName(const char *name)
+    {
+        std::ranges::copy(std::string_view(name).substr(0, std::size(text) - 1), text);
+    }
+};
+
+// Whether the compiler can evaluate `expression`.
+template<auto expression>
+inline constexpr bool isConstant = requires
+{
+    typename std::bool_constant<(expression(), true)>;
+};
+
+constexpr bool isAsciiLetterOrDigit(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+// The name goes into file names and into the manifest's identifiers.
+constexpr bool nameIsPlain(const PresetDecl &preset)
+{
+    const std::string_view name = preset.name;
+    return !name.empty() && isAsciiLetterOrDigit(name.front())
+            && std::ranges::all_of(
+                    name, [](char c) { return isAsciiLetterOrDigit(c) || c == '-' || c == '_'; });
 }
 
 // The manifest's identifiers carry the preset name with '_' for '-'.
@@ -145,21 +173,34 @@ constexpr bool hasPasses(const PresetDecl &preset)
     return preset.passCount >= 1;
 }
 
-// At compile time GCC's sanitizers leave an object's address uncomparable with null; null itself is
-// not affected.
-constexpr bool isNull(const void *pointer)
+constexpr bool isCountOf(const void *array, std::int32_t count)
 {
-    if (std::is_constant_evaluated())
-        return __builtin_constant_p(pointer == nullptr) && pointer == nullptr;
-    return pointer == nullptr;
+    return array == nullptr ? count == 0 : count > 0;
 }
 
+// Under GCC's sanitizers no constant expression: an object's address is none that could be compared
+// with null there.
 constexpr bool countsMatchArrays(const PresetDecl &preset)
 {
-    return isNull(preset.valueOverrides) == (preset.valueOverrideCount == 0)
-            && preset.valueOverrideCount >= 0
+    return isCountOf(preset.passes, preset.passCount)
+            && isCountOf(preset.valueOverrides, preset.valueOverrideCount)
             && std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
-                   return isNull(pass.params) == (pass.paramCount == 0) && pass.paramCount >= 0;
+                   return isCountOf(pass.params, pass.paramCount);
+               });
+}
+
+// No constant expression if a count is greater than its array.
+constexpr bool lastRowsCanBeRead(const PresetDecl &preset)
+{
+    const auto canBeRead = [](const auto &rows) {
+        if (rows.empty())
+            return true;
+        [[maybe_unused]] const auto last = rows.back();
+        return true;
+    };
+    return canBeRead(passesOf(preset)) && canBeRead(valueOverridesOf(preset))
+            && std::ranges::all_of(passesOf(preset), [canBeRead](const PassDecl &pass) {
+                   return canBeRead(paramsOf(pass));
                });
 }
 
@@ -211,6 +252,18 @@ constexpr bool overrideIdsAreBound(const PresetDecl &preset)
 {
     return std::ranges::all_of(valueOverridesOf(preset), [&preset](const ValueOverride &row) {
         return bindsParam(preset, row.id);
+    });
+}
+
+constexpr bool overrideValuesAreInRange(const PresetDecl &preset)
+{
+    return std::ranges::all_of(valueOverridesOf(preset), [&preset](const ValueOverride &row) {
+        return std::ranges::all_of(passesOf(preset), [&row](const PassDecl &pass) {
+            return std::ranges::all_of(paramsOf(pass), [&row](const ParamDecl &param) {
+                return std::string_view(param.id) != row.id
+                        || (param.min <= row.value && row.value <= param.max);
+            });
+        });
     });
 }
 
