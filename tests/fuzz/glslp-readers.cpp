@@ -258,7 +258,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         rule = "1|";
     else
         rule = "0|render-graph-compile: preset 'preset' ownParams union {" + joined(ids)
-                + "} does not match its .glslp parameters= list {" + joined(file.ids) + "}\n";
+                + "} does not match its .glslp parameters= list {"
+                // A NUL ends what printf shows.
+                + joined(file.ids).constData() + "}\n";
 
     QList<PresetParamMeta> out(3);
     Capture capture;
