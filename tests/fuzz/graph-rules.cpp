@@ -20,7 +20,7 @@ Graph soundGraph(int passCount)
         pass.fragmentSpirvResource = QStringLiteral("f");
         pass.vertexSpirvResource = QStringLiteral("v");
         pass.isFinalPass = index == passCount - 1;
-        pass.sampledInputs.append({index == 0 ? -2 : index - 1});
+        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{index == 0 ? -2 : index - 1});
         graph.passes.append(pass);
     }
     return graph;
@@ -54,10 +54,10 @@ void change(Graph &graph, Bytes &bytes)
         pass.sampledInputs.clear();
         break;
     case 7:
-        pass.sampledInputs.append({bytes.below(11) - 4});
+        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{bytes.below(11) - 4});
         break;
     case 8:
-        pass.sampledInputs.append({static_cast<int>(bytes.word())});
+        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{static_cast<int>(bytes.word())});
         break;
     case 9:
         pass.sampledInputs = QList<Graph::ResourceRef>(7 + bytes.below(3));

@@ -238,7 +238,7 @@ VulkanRenderGraph::Pass passFrom(Bytes &bytes)
     pass.isFeedbackReader = bytes.flag();
     pass.isFinalPass = bytes.flag();
     for (int count = bytes.below(4); count > 0; --count)
-        pass.sampledInputs.append({integer(bytes)});
+        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{integer(bytes)});
     for (int count = bytes.below(4); count > 0; --count) {
         const QString id = textOf(bytes);
         pass.params.append({id, bytes.word()});

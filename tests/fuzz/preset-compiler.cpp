@@ -234,14 +234,14 @@ private:
             pass.scaleInputPassIndex = *from;
         }
         if (!decl.cacheByParameters)
-            pass.sampledInputs.append({i > 0 ? i - 1 : -2});
+            pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{i > 0 ? i - 1 : -2});
         const int declared = m_input.preset.feedbackPassIndex;
         if (decl.feedback || i == declared) {
             pass.isFeedbackTarget = true;
             pass.isFeedbackReader = true;
             if (graph.feedbackPassIndex < 0)
                 graph.feedbackPassIndex = i;
-            pass.sampledInputs.append({-1});
+            pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{-1});
         }
 
         if (!component.isSlang && !component.isFrag)
@@ -257,7 +257,7 @@ private:
                 for (const Graph::ResourceRef &input : std::as_const(pass.sampledInputs))
                     isThere = isThere || input.passIndex == *from;
                 if (!isThere)
-                    pass.sampledInputs.append({*from});
+                    pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{*from});
             }
             ids = PlainSource::directives(component.text, "param");
             ids.removeAll(QStringLiteral("mask_hdr_ready"));
