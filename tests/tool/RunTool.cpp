@@ -1,5 +1,7 @@
 #include "RunTool.h"
 
+#include "PresetTables.h"
+
 #include <sys/prctl.h>
 
 #include <linux/capability.h>
@@ -87,4 +89,21 @@ void replaceText(const QString &path, const QByteArray &before, const QByteArray
     if (!text.contains(before))
         qFatal("%s does not contain %s", qPrintable(path), before.constData());
     writeFile(path, text.replace(before, after));
+}
+
+QByteArray retired(const QByteArray &end, const QString &shadersDir)
+{
+    QByteArray lines;
+    for (const PresetTableRow &preset : presetTable("presets")) {
+        const QByteArray name = preset.text("name");
+        if (name == end)
+            return lines;
+        if (preset.text("presetExtension") == "glslp"
+            && !QFile::exists(shadersDir + u'/' + QString::fromLatin1(name) + u".glslp"_s)) {
+            lines += "render-graph-compile: preset '" + name
+                    + "' has no .glslp source on disk (retired) -- skipping drift check, using "
+                    + preset.text("valueOverrideCount") + " hand-authored value override(s)\n";
+        }
+    }
+    return lines;
 }

@@ -52,3 +52,8 @@ void copyExampleShaders(const QString &to);
 QString component(const char *name);
 
 void replaceText(const QString &path, const QByteArray &before, const QByteArray &after);
+
+// What is said of the presets that have no .glslp file in `shadersDir`: of those that come before
+// `end`, or of all.
+QByteArray retired(const QByteArray &end = {},
+                   const QString &shadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR));

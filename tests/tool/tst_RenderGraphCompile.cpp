@@ -1,4 +1,3 @@
-#include "PresetTables.h"
 #include "RunTool.h"
 
 #include <QLibraryInfo>
@@ -16,25 +15,6 @@ namespace {
 const QString kExampleShaders = QStringLiteral(EXAMPLE_SHADERS_DIR);
 const QString kGolden = QStringLiteral(SOURCE_DIR "/tests/manifest/golden/RenderGraphManifest.h");
 const QByteArray kUsage = "usage: render-graph-compile --shaders-dir <path> --out <path>\n";
-
-// What is said of the presets that have no .glslp file in `shadersDir`: of those that come before
-// `end`, or of all.
-QByteArray retired(const QByteArray &end = {}, const QString &shadersDir = kExampleShaders)
-{
-    QByteArray lines;
-    for (const PresetTableRow &preset : presetTable("presets")) {
-        const QByteArray name = preset.text("name");
-        if (name == end)
-            return lines;
-        if (preset.text("presetExtension") == "glslp"
-            && !QFile::exists(shadersDir + u'/' + QString::fromLatin1(name) + u".glslp"_s)) {
-            lines += "render-graph-compile: preset '" + name
-                    + "' has no .glslp source on disk (retired) -- skipping drift check, using "
-                    + preset.text("valueOverrideCount") + " hand-authored value override(s)\n";
-        }
-    }
-    return lines;
-}
 
 QByteArray differenceFromGolden(const QString &manifest)
 {

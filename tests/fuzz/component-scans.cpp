@@ -1,0 +1,50 @@
+// The scans of one component's source, against PlainSource.
+#include "Fuzz.h"
+#include "PlainSource.h"
+
+#include <ComponentSource.h>
+
+namespace {
+
+QByteArray texts(const QStringList &list)
+{
+    QByteArray text;
+    for (const QString &line : list)
+        text += QByteArray(reinterpret_cast<const char *>(line.utf16()), line.size() * 2).toHex()
+                + "  " + line.toUtf8() + '\n';
+    return text;
+}
+
+template<typename Numbers>
+QByteArray numbers(const Numbers &values)
+{
+    QByteArray text;
+    for (const int value : std::set<int>(values.begin(), values.end()))
+        text += QByteArray::number(value) + ' ';
+    return text;
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    if (!PlainText::isWellDefined(bytes))
+        return 0;
+    static const QString path = fuzzDirectory() + QStringLiteral("/component.slang");
+    putFile(path, bytes);
+    expectSame("strippedCodeLines", bytes, texts(strippedCodeLines(path)),
+               texts(PlainSource::codeLines(bytes)));
+    expectSame("usedParamSlotIndices", bytes, numbers(usedParamSlotIndices(path)),
+               numbers(PlainSource::usedSlots(bytes)));
+    expectSame("declaredAliasInputs", bytes, texts(declaredAliasInputs(path)),
+               texts(PlainSource::directives(bytes, "input")));
+    expectSame("declaredParameterIds", bytes, texts(declaredParameterIds(path)),
+               texts(PlainSource::directives(bytes, "param")));
+    expectSame("sourceUsesFrameCount", bytes, numbers(QList<int>{sourceUsesFrameCount(path)}),
+               numbers(QList<int>{PlainSource::usesFrameCount(bytes)}));
+    expectSame("sourceReadsHdrOutputActive", bytes,
+               numbers(QList<int>{sourceReadsHdrOutputActive(path)}),
+               numbers(QList<int>{PlainSource::readsHdrOutputActive(bytes)}));
+    return 0;
+}
