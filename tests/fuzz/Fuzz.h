@@ -53,7 +53,7 @@ public:
 
     QByteArray take(int count)
     {
-        const QByteArray bytes = m_bytes.mid(m_position, count);
+        QByteArray bytes = m_bytes.mid(m_position, count);
         m_position += bytes.size();
         return bytes;
     }

@@ -158,8 +158,8 @@ inline bool hasLoneSurrogate(const QString &line)
 class Cursor
 {
 public:
-    explicit Cursor(const QString &line, qsizetype position = 0)
-        : m_line(line),
+    explicit Cursor(QString line, qsizetype position = 0)
+        : m_line(std::move(line)),
           m_position(position)
     {
     }

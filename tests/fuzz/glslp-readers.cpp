@@ -244,7 +244,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
             if (ids.contains(id))
                 continue;
             ids.append(id);
-            const float initial = values.count(id) > 0 ? values[id] : param.defaultValue;
+            const float initial = values.contains(id) ? values[id] : param.defaultValue;
             rows += row(id, QString::fromLatin1(param.description), initial, param);
         }
     }

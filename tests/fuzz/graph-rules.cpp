@@ -9,7 +9,7 @@ using Graph = VulkanRenderGraph;
 
 QString idOf(Bytes &bytes)
 {
-    return QString(QChar(static_cast<char16_t>(u'a' + bytes.below(4))));
+    return {QChar(static_cast<char16_t>(u'a' + bytes.below(4)))};
 }
 
 Graph soundGraph(int passCount)

@@ -716,7 +716,7 @@ constexpr bool keepsTheRules()
 }
 
 template<std::size_t... indices>
-constexpr bool allKeepTheRules(std::index_sequence<indices...>)
+constexpr bool allKeepTheRules(std::index_sequence<indices...> /*of all presets*/)
 {
     return (keepsTheRules<kPresets[indices].name, indices>() && ...);
 }
