@@ -29,6 +29,7 @@ struct Shape
 };
 
 constexpr Shape kShapes[] = {
+        {"shortest-lines", "x;\n", 1},
         {"short-lines", "vec3 c = f(uv);\n", 1},
         {"one-line", "vec3 c = f(uv); ", 1},
         {"directives", "//! param p%1\n", std::numeric_limits<int>::max()},
