@@ -1,0 +1,8 @@
+// What any program with Qt costs before it does anything.
+#include <QCoreApplication>
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    return 0;
+}
