@@ -68,7 +68,7 @@ QByteArray sourceFrom(Bytes &bytes)
             text += QByteArray("//! param ") + oneOf(kNames, bytes) + '\n';
             break;
         case 3: // as many as there are names, or one less
-            for (std::size_t i = static_cast<std::size_t>(bytes.below(10)); i < kNames.size(); ++i)
+            for (auto i = static_cast<std::size_t>(bytes.below(10)); i < kNames.size(); ++i)
                 text += QByteArray("\n//! param ") + kNames.at(i) + '\n';
             break;
         case 4:

@@ -227,7 +227,7 @@ QString writePreset(QTextStream &out, const EmittedPreset &preset)
 
 QString cEscape(const QString &s)
 {
-    return QString(s).replace(u'\\', "\\\\"_L1).replace(u'"', "\\\""_L1);
+    return QString(s).replace(u'\\', R"(\\)"_L1).replace(u'"', R"(\")"_L1);
 }
 
 QString floatLiteral(float v)
