@@ -53,18 +53,20 @@ Run finish(QProcess &process)
     return result;
 }
 
-void executeTool(const QByteArrayList &arguments)
+std::function<void()> executeTool(const QByteArrayList &arguments)
 {
     std::vector<char *> words;
     for (const QByteArray &argument : arguments)
         words.push_back(const_cast<char *>(argument.constData()));
     words.push_back(nullptr);
-    // After vfork() the stack is the parent's: what the frames that execv() never leaves forbid to
-    // touch would stay forbidden there.
-    if constexpr (kIsSanitized)
-        __asan_handle_no_return();
-    ::execv(RENDER_GRAPH_COMPILE, words.data());
-    ::_exit(127);
+    // Until execv() the child may share the parent's memory: it changes nothing there, and leaves
+    // none of its stack forbidden to touch.
+    return [arguments, words] {
+        if constexpr (kIsSanitized)
+            __asan_handle_no_return();
+        ::execv(RENDER_GRAPH_COMPILE, words.data());
+        ::_exit(127);
+    };
 }
 
 void obeyPermissions(QProcess &process)

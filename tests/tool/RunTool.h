@@ -39,8 +39,8 @@ Run compile(const QString &shadersDir, const QString &out, const Prepare &prepar
 void start(QProcess &process, const QStringList &arguments);
 Run finish(QProcess &process);
 
-// In the child, with exactly these bytes as its arguments, the name included.
-void executeTool(const QByteArrayList &arguments);
+// What runs the tool in a child, with exactly these bytes as its arguments, the name included.
+std::function<void()> executeTool(const QByteArrayList &arguments);
 
 // Root may open anything. The child gives that up, so that permissions mean what they say.
 void obeyPermissions(QProcess &process);
