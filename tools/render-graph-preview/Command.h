@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QCommandLineOption>
+#include <QCommandLineParser>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+// What a command is given: its options, parsed, and its own arguments.
+struct CommandLine
+{
+    const QCommandLineParser &parser;
+    QString shadersDir;
+    QString out;
+    QStringList arguments;
+};
+
+// One of the program's commands. `run` returns false if it failed, and says in `error` what is
+// wrong: one line or more, without the program's name.
+struct Command
+{
+    const char *name;
+    const char *arguments; // as --help shows them, "" for none
+    const char *description;
+    const char *out; // what --out names, "" for a command without
+    int fewestArguments;
+    int mostArguments;
+    QList<QCommandLineOption> (*options)();
+    bool (*run)(const CommandLine &line, QString &error);
+};
+
+extern const Command kPictureCommand;
+extern const Command kGraphCommand;
+extern const Command kProfileCommand;
+extern const Command kListCommand;

@@ -1,0 +1,118 @@
+#include "Command.h"
+#include "Drawing.h"
+#include "GraphPicture.h"
+
+#include <QDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize kThumbnailSize = {160, 120};
+
+QList<QCommandLineOption> options()
+{
+    return drawingOptions()
+            + QList<QCommandLineOption>{
+                    {u"all"_s, u"Writes <preset>.svg for every preset."_s},
+                    {u"thumbnails"_s,
+                     u"Puts each pass's output into its box. Draws the preset, as --size does: the boxes then tell the sizes in pixels."_s},
+            };
+}
+
+QByteArray thumbnail(const QImage &image)
+{
+    const bool isLarge =
+            image.width() > kThumbnailSize.width() || image.height() > kThumbnailSize.height();
+    return pngOf(
+            isLarge ? image.scaled(kThumbnailSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                    : image);
+}
+
+// Draws the preset's frames, and takes what its last one was.
+bool addDrawn(Drawing &drawing, bool withThumbnails, GraphPictureExtras &extras, QString &error)
+{
+    if (!drawing.open(error))
+        return false;
+    const int frames = drawing.frames();
+    for (int frame = 0; frame < frames; ++frame) {
+        if (!drawing.drawFrame(frame, error))
+            return false;
+    }
+    extras.passes = drawing.renderer().passes();
+    if (!withThumbnails)
+        return true;
+    extras.thumbnails.insert(VulkanRenderGraph::ResourceRef::SourceImage,
+                             thumbnail(drawing.sourceFrame(frames - 1)));
+    for (int pass = 0; pass < extras.passes.size(); ++pass) {
+        const std::optional<QImage> image = drawing.image(pass, error);
+        if (!image)
+            return false;
+        extras.thumbnails.insert(pass, thumbnail(*image));
+    }
+    return true;
+}
+
+bool writeGraph(const CommandLine &line, const QString &preset, const QString &out, QString &error)
+{
+    const bool isSvg = out.endsWith(".svg"_L1);
+    const bool withThumbnails = line.parser.isSet(u"thumbnails"_s);
+    if (!isSvg && !out.endsWith(".dot"_L1)) {
+        error = u"--out %1: the name ends in .svg or in .dot"_s.arg(out);
+        return false;
+    }
+    if (!isSvg && withThumbnails) {
+        error = u"--thumbnails: a .dot file holds no pictures; write an .svg file"_s;
+        return false;
+    }
+    const auto request = DrawingRequest::parse(line.parser, error);
+    if (!request)
+        return false;
+    std::optional<Drawing> drawing = Drawing::load(line.shadersDir, preset, *request, error);
+    if (!drawing)
+        return false;
+    GraphPictureExtras extras = {.values = drawing->values(), .passes = {}, .thumbnails = {}};
+    if ((withThumbnails || line.parser.isSet(u"size"_s))
+        && !addDrawn(*drawing, withThumbnails, extras, error))
+        return false;
+    const QByteArray dot = graphDot(preset, drawing->preset().graph, extras);
+    if (!isSvg)
+        return saveFile(dot, out, error);
+    const std::optional<QByteArray> svg = graphSvg(dot, extras.thumbnails, error);
+    return svg && saveFile(*svg, out, error);
+}
+
+bool graph(const CommandLine &line, QString &error)
+{
+    const bool isAll = line.parser.isSet(u"all"_s);
+    if (isAll != line.arguments.isEmpty()) {
+        error = u"name one preset, or all of them by --all"_s;
+        return false;
+    }
+    if (!isAll)
+        return writeGraph(line, line.arguments.first(), line.out, error);
+    if (!QDir().mkpath(line.out)) {
+        error = u"cannot make the directory '%1'"_s.arg(line.out);
+        return false;
+    }
+    for (const QString &preset : presetNames()) {
+        if (!writeGraph(line, preset, QDir(line.out).filePath(preset + u".svg"_s), error))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+const Command kGraphCommand = {
+        .name = "graph",
+        .arguments = "[<preset>]",
+        .description =
+                "Draws a preset's passes as boxes. Arrows are sampled pictures, numbered by "
+                "binding; a dashed one is a pass's own previous output, a dotted one says whose "
+                "size a pass takes.",
+        .out = "A file that ends in .svg, drawn by Graphviz, or in .dot; with --all a directory.",
+        .fewestArguments = 0,
+        .mostArguments = 1,
+        .options = options,
+        .run = graph};

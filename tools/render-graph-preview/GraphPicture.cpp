@@ -1,0 +1,172 @@
+#include "GraphPicture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Pass = VulkanRenderGraph::Pass;
+using ResourceRef = VulkanRenderGraph::ResourceRef;
+using ScaleSource = VulkanRenderGraph::ScaleSource;
+
+// By VulkanRenderGraph::Format.
+constexpr const char *kFormatNames[] = {"R11G11B10F", "RGBA16F", "RGBA8", "RGBA32F"};
+
+constexpr const char *kPlain = "#f7f7f4";
+constexpr const char *kCached = "#d9ecd3";
+constexpr const char *kBlackable = "#dcdce4";
+constexpr const char *kFinal = "#fbe6b8";
+
+QString nodeName(int index)
+{
+    return index == ResourceRef::SourceImage ? u"source"_s : u"pass%1"_s.arg(index);
+}
+
+QString thumbnailName(int index)
+{
+    return nodeName(index) + u".png"_s;
+}
+
+QString number(float value)
+{
+    return QString::number(double(value), 'g', 6);
+}
+
+QString sizeRule(const Pass &pass)
+{
+    if (pass.scaleSource == ScaleSource::Absolute) {
+        const auto side = [](int pixels) {
+            return pixels > 0 ? QString::number(pixels) : u"source"_s;
+        };
+        return side(pass.absoluteWidth) + u" × "_s + side(pass.absoluteHeight);
+    }
+    const QString from = pass.scaleSource == ScaleSource::Viewport ? u"viewport"_s
+            : pass.scaleInputPassIndex >= 0 ? u"pass %1"_s.arg(pass.scaleInputPassIndex)
+                                            : u"input"_s;
+    if (pass.scaleX == 1.0F && pass.scaleY == 1.0F)
+        return u"size of "_s + from;
+    return u"%1 × %2 of %3"_s.arg(number(pass.scaleX), number(pass.scaleY), from);
+}
+
+QString row(const QString &text, bool isLeft = false)
+{
+    return (isLeft ? u"<TR><TD ALIGN=\"LEFT\">%1</TD></TR>"_s : u"<TR><TD>%1</TD></TR>"_s)
+            .arg(text);
+}
+
+QString thumbnailRow(int index, const GraphPictureExtras &extras)
+{
+    return extras.thumbnails.contains(index) ? row(u"<IMG SRC=\"%1\"/>"_s.arg(thumbnailName(index)))
+                                             : QString();
+}
+
+// Each box is one table: what the pass is, its marks, its parameters by slot, its output.
+QString box(int index, const Pass &pass, const GraphPictureExtras &extras)
+{
+    const char *color = kPlain;
+    const bool isDrawn = index < extras.passes.size();
+    const QString size = isDrawn ? u"%1 × %2"_s.arg(extras.passes.at(index).size.width())
+                                           .arg(extras.passes.at(index).size.height())
+                                 : sizeRule(pass);
+    QString rows = row(u"<B>%1 %2</B>"_s.arg(index).arg(pass.debugName.toHtmlEscaped()))
+            + row(size + u" · "_s
+                  + QLatin1StringView(kFormatNames[static_cast<std::size_t>(pass.format)]));
+    if (pass.cacheByParameters) {
+        color = kCached;
+        rows += row(u"<I>cached by parameters</I>"_s);
+    }
+    if (!pass.constantBlackWhenZero.isEmpty()) {
+        color = kBlackable;
+        const bool isBlack =
+                isDrawn && extras.passes.at(index).kind == PassResult::Kind::ConstantBlack;
+        rows += row(u"<I>black while %1 is 0%2%3</I>"_s.arg(
+                pass.constantBlackWhenZero.toHtmlEscaped(),
+                pass.shareConstantBlack ? u", shared"_s : QString(),
+                isBlack ? u": now"_s : QString()));
+    }
+    if (pass.isFinalPass) {
+        color = kFinal;
+        rows += row(u"<I>final</I>"_s);
+    }
+    for (const VulkanRenderGraph::PushConstantParam &param : pass.params) {
+        const auto value = extras.values.constFind(param.id);
+        rows += row(
+                u"%1 %2%3"_s.arg(param.floatOffset)
+                        .arg(param.id.toHtmlEscaped(),
+                             value == extras.values.cend() ? QString() : u" = "_s + number(*value)),
+                true);
+    }
+    return u"<TABLE BORDER=\"%1\" CELLBORDER=\"0\" CELLSPACING=\"0\" CELLPADDING=\"2\" BGCOLOR=\"%2\">%3</TABLE>"_s
+            .arg(pass.isFinalPass ? 3 : 1)
+            .arg(QLatin1StringView(color), rows + thumbnailRow(index, extras));
+}
+
+} // namespace
+
+QByteArray graphDot(const QString &title, const VulkanRenderGraph &graph,
+                    const GraphPictureExtras &extras)
+{
+    QString text = u"digraph \"%1\" {\n"_s.arg(title);
+    text += u"  graph [label=\"%1\" labelloc=t fontname=\"Helvetica\" fontsize=18];\n"
+            "  node [shape=plain fontname=\"Helvetica\" fontsize=11];\n"
+            "  edge [fontname=\"Helvetica\" fontsize=10];\n"_s.arg(title);
+    text += u"  source [label=<<TABLE BORDER=\"1\" STYLE=\"ROUNDED\" CELLBORDER=\"0\">%1%2</TABLE>>];\n"_s
+                    .arg(row(u"<B>source</B>"_s), thumbnailRow(ResourceRef::SourceImage, extras));
+    for (int i = 0; i < graph.passes.size(); ++i)
+        text += u"  %1 [label=<%2>];\n"_s.arg(nodeName(i), box(i, graph.passes.at(i), extras));
+    for (int i = 0; i < graph.passes.size(); ++i) {
+        const Pass &pass = graph.passes.at(i);
+        for (int binding = 0; binding < pass.sampledInputs.size(); ++binding) {
+            const int from = pass.sampledInputs.at(binding).passIndex;
+            const bool isHistory = from == ResourceRef::Feedback;
+            text += u"  %1 -> %2 [label=\" %3\"%4];\n"_s.arg(
+                    nodeName(isHistory ? i : from), nodeName(i), QString::number(binding),
+                    isHistory ? u" style=dashed"_s : QString());
+        }
+        if (pass.scaleInputPassIndex >= 0)
+            text += u"  %1 -> %2 [style=dotted arrowhead=empty constraint=false];\n"_s.arg(
+                    nodeName(pass.scaleInputPassIndex), nodeName(i));
+        if (pass.isFinalPass)
+            text += u"  { rank=max; %1 }\n"_s.arg(nodeName(i));
+    }
+    return (text + u"}\n"_s).toUtf8();
+}
+
+std::optional<QByteArray> graphSvg(const QByteArray &dot, const QMap<int, QByteArray> &thumbnails,
+                                   QString &error)
+{
+    const QString program = QStandardPaths::findExecutable(u"dot"_s);
+    if (program.isEmpty()) {
+        error = u"no program 'dot' here to draw an SVG with; install Graphviz (Debian: graphviz), or write a .dot file"_s;
+        return {};
+    }
+    const QTemporaryDir directory;
+    for (auto it = thumbnails.cbegin(); it != thumbnails.cend(); ++it) {
+        QFile file(directory.filePath(thumbnailName(it.key())));
+        if (!file.open(QIODevice::WriteOnly) || file.write(it.value()) != it->size()) {
+            error = u"cannot write '%1': %2"_s.arg(file.fileName(), file.errorString());
+            return {};
+        }
+    }
+    QProcess process;
+    process.setWorkingDirectory(directory.path());
+    process.start(program, {u"-Tsvg"_s});
+    process.write(dot);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit
+        || process.exitCode() != 0) {
+        error = u"'%1' failed: %2"_s.arg(
+                program, QString::fromUtf8(process.readAllStandardError()).simplified());
+        return {};
+    }
+    QByteArray svg = process.readAllStandardOutput();
+    for (auto it = thumbnails.cbegin(); it != thumbnails.cend(); ++it)
+        svg.replace('"' + thumbnailName(it.key()).toUtf8() + '"',
+                    "\"data:image/png;base64," + it->toBase64() + '"');
+    return svg;
+}

@@ -1,0 +1,47 @@
+#include "Command.h"
+#include "GraphRenderer.h"
+#include "PresetOnDisk.h"
+#include "TestPictures.h"
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void print(const char *heading, const QStringList &lines)
+{
+    std::printf("%s:\n", heading);
+    for (const QString &line : lines)
+        std::printf("  %s\n", qUtf8Printable(line));
+}
+
+bool list(const CommandLine & /*line*/, QString &error)
+{
+    print("presets", presetNames());
+    print("test pictures", testPictureNames());
+    // What needs no device is told before the error.
+    std::fflush(stdout);
+    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
+    if (devices.isEmpty())
+        return false;
+    QStringList lines;
+    for (const GraphRenderer::DeviceInfo &device : devices)
+        lines.append(u"%1 %2%3"_s.arg(lines.size())
+                             .arg(device.name, device.isSoftware ? u" (software)"_s : QString()));
+    print("devices", lines);
+    return true;
+}
+
+} // namespace
+
+const Command kListCommand = {
+        .name = "list",
+        .arguments = "",
+        .description = "Names the presets, the test pictures and the devices.",
+        .out = "",
+        .fewestArguments = 0,
+        .mostArguments = 0,
+        .options = [] { return QList<QCommandLineOption>(); },
+        .run = list,
+};

@@ -1,0 +1,108 @@
+#include "Command.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const Command *kCommands[] = {&kPictureCommand, &kGraphCommand, &kProfileCommand,
+                                        &kListCommand};
+
+// Where the example shaders lie beside the program: put there by an installation, and in a build
+// tree a link to the source tree's.
+QString defaultShadersDir()
+{
+    const QString path = QCoreApplication::applicationDirPath() + u"/" SHADERS_FROM_BIN ""_s;
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
+}
+
+int fail(const QString &error)
+{
+    for (const QString &line : error.split(u'\n', Qt::SkipEmptyParts))
+        std::fprintf(stderr, "render-graph-preview: %s\n", qUtf8Printable(line));
+    return 1;
+}
+
+QString commandList()
+{
+    QString text = u"Shows what shader presets draw.\n\nCommands, each with a --help of its own:"_s;
+    for (const Command *command : kCommands)
+        text += u"\n  "_s
+                + u"%1 %2"_s
+                          .arg(QLatin1StringView(command->name),
+                               QLatin1StringView(command->arguments))
+                          .trimmed();
+    return text;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"render-graph-preview"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(VERSION));
+
+    QCommandLineParser parser;
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption shadersDir(
+            u"shaders-dir"_s, u"The shaders directory. Default: %1."_s.arg(defaultShadersDir()),
+            u"path"_s, defaultShadersDir());
+    parser.addOption(shadersDir);
+    parser.addPositionalArgument(u"command"_s, u"What to do."_s);
+
+    // What the options before the command are is known; the command says which ones follow.
+    parser.parse(QCoreApplication::arguments());
+    const QString name = parser.positionalArguments().value(0);
+    const auto *const *found = std::ranges::find(kCommands, name, [](const Command *command) {
+        return QLatin1StringView(command->name);
+    });
+    if (found == std::end(kCommands)) {
+        parser.setApplicationDescription(commandList());
+        if (parser.isSet(help))
+            parser.showHelp();
+        if (parser.isSet(version))
+            parser.showVersion();
+        return fail(name.isEmpty() ? u"no command is given; --help tells the commands"_s
+                                   : u"'%1' is no command; --help tells the commands"_s.arg(name));
+    }
+
+    const Command &command = **found;
+    parser.clearPositionalArguments();
+    parser.setApplicationDescription(QLatin1StringView(command.description));
+    parser.addPositionalArgument(name, QString(),
+                                 u"%1 %2"_s.arg(name, QLatin1StringView(command.arguments)));
+    const QCommandLineOption out(u"out"_s, QLatin1StringView(command.out), u"path"_s);
+    const bool writes = *command.out != '\0';
+    if (writes)
+        parser.addOption(out);
+    parser.addOptions(command.options());
+    if (!parser.parse(QCoreApplication::arguments()))
+        return fail(parser.errorText());
+    if (parser.isSet(help))
+        parser.showHelp();
+    if (parser.isSet(version))
+        parser.showVersion();
+    const QStringList arguments = parser.positionalArguments().mid(1);
+    if (arguments.size() < command.fewestArguments || arguments.size() > command.mostArguments)
+        return fail(u"usage: render-graph-preview %1 %2 (see --help)"_s.arg(
+                name, QLatin1StringView(command.arguments)));
+
+    const QString path = writes ? parser.value(out) : QString();
+    if (writes && path.isEmpty())
+        return fail(u"--out is missing: name what to write"_s);
+
+    QString error;
+    return command.run({parser, parser.value(shadersDir), path, arguments}, error) ? 0
+                                                                                   : fail(error);
+}
