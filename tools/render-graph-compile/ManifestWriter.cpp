@@ -1,12 +1,13 @@
 #include "ManifestWriter.h"
 
+#include "Diagnostics.h"
+
 #include <QFile>
 #include <QStringList>
 #include <QTextStream>
 
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -246,8 +247,7 @@ bool writeManifest(const QString &outPath, const QList<EmittedPreset> &presets)
 {
     QFile file(outPath);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
-        std::fprintf(stderr, "render-graph-compile: failed to open '%s' for writing\n",
-                     qPrintable(outPath));
+        report(Diagnostic::Error, "failed to open '%s' for writing", qPrintable(outPath));
         return false;
     }
 

@@ -1,6 +1,7 @@
 #include "PresetCompiler.h"
 
 #include "ComponentSource.h"
+#include "Diagnostics.h"
 
 #include <QFile>
 #include <QHash>
@@ -8,7 +9,6 @@
 #include <QStringList>
 
 #include <algorithm>
-#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -136,10 +136,8 @@ public:
         m_graph.passes.append(hdrColorBoostPass(m_decl.passCount - 1));
 
         if (!m_graph.isValid()) {
-            std::fprintf(
-                    stderr,
-                    "render-graph-compile: preset '%s' produced an invalid VulkanRenderGraph\n",
-                    m_decl.name);
+            report(Diagnostic::Error, "preset '%s' produced an invalid VulkanRenderGraph",
+                   m_decl.name);
             return false;
         }
         return true;
@@ -156,20 +154,17 @@ private:
         const QString slangPath = slangComponentPath(m_shadersDir, pass.debugName);
         const bool isSlang = QFile::exists(slangPath);
         if (!isSlang && !QFile::exists(fragComponentPath(m_shadersDir, pass.debugName))) {
-            std::fprintf(stderr,
-                         "render-graph-compile: preset '%s' pass %d ('%s') has no "
-                         "shaders/vulkan/components source\n",
-                         m_decl.name, index, decl.component);
+            report(Diagnostic::Error,
+                   "preset '%s' pass %d ('%s') has no shaders/vulkan/components source",
+                   m_decl.name, index, decl.component);
             return false;
         }
 
         if (isSlang && !addAliasInputs(index, decl, slangPath, pass))
             return false;
         if (pass.sampledInputs.size() > VulkanRenderGraph::MaxSampledInputsPerPass) {
-            std::fprintf(stderr,
-                         "render-graph-compile: preset '%s' pass %d ('%s') exceeds "
-                         "MaxSampledInputsPerPass\n",
-                         m_decl.name, index, decl.component);
+            report(Diagnostic::Error, "preset '%s' pass %d ('%s') exceeds MaxSampledInputsPerPass",
+                   m_decl.name, index, decl.component);
             return false;
         }
 
@@ -180,10 +175,8 @@ private:
                          pass))
             return false;
         if (pass.params.size() > VulkanRenderGraph::MaxParamFloatsPerPass) {
-            std::fprintf(stderr,
-                         "render-graph-compile: preset '%s' pass %d ('%s') exceeds "
-                         "MaxParamFloatsPerPass\n",
-                         m_decl.name, index, decl.component);
+            report(Diagnostic::Error, "preset '%s' pass %d ('%s') exceeds MaxParamFloatsPerPass",
+                   m_decl.name, index, decl.component);
             return false;
         }
         if (isSlang && !readsOnlyDeclaredSlots(index, slangPath, pass))
@@ -204,8 +197,7 @@ private:
             return true;
         const auto found = m_passOfAlias.constFind(alias);
         if (found == m_passOfAlias.cend()) {
-            std::fprintf(stderr, "render-graph-compile: unresolved extent alias %s\n",
-                         decl.scaleInputAlias);
+            report(Diagnostic::Error, "unresolved extent alias %s", decl.scaleInputAlias);
             return false;
         }
         pass.scaleInputPassIndex = *found;
@@ -234,11 +226,10 @@ private:
         for (const QString &alias : aliases) {
             const auto found = m_passOfAlias.constFind(alias);
             if (found == m_passOfAlias.cend()) {
-                std::fprintf(stderr,
-                             "render-graph-compile: preset '%s' pass %d ('%s') declares //! input "
-                             "%s but no earlier pass carries that alias (%s)\n",
-                             m_decl.name, index, decl.component, qPrintable(alias),
-                             qPrintable(path));
+                report(Diagnostic::Error,
+                       "preset '%s' pass %d ('%s') declares //! input %s but no earlier pass "
+                       "carries that alias (%s)",
+                       m_decl.name, index, decl.component, qPrintable(alias), qPrintable(path));
                 return false;
             }
             if (!contains(pass.sampledInputs, *found))
@@ -261,10 +252,8 @@ private:
         ids.sort();
         for (const QString &id : std::as_const(ids)) {
             if (!m_boundIds.contains(id)) {
-                std::fprintf(stderr,
-                             "render-graph-compile: %s pass %d declares parameter '%s' without "
-                             "metadata\n",
-                             m_decl.name, index, qPrintable(id));
+                report(Diagnostic::Error, "%s pass %d declares parameter '%s' without metadata",
+                       m_decl.name, index, qPrintable(id));
                 return false;
             }
             pass.params.append({id, static_cast<unsigned int>(pass.params.size())});
@@ -283,11 +272,11 @@ private:
         }
         if (!offender)
             return true;
-        std::fprintf(stderr,
-                     "render-graph-compile: preset '%s' pass %d: code reads pc.params[%d] but its "
-                     "own //! param directives only declare %d slot(s) (%s)\n",
-                     m_decl.name, index, *offender, static_cast<int>(pass.params.size()),
-                     qPrintable(path));
+        report(Diagnostic::Error,
+               "preset '%s' pass %d: code reads pc.params[%d] but its own //! param directives "
+               "only declare %d slot(s) (%s)",
+               m_decl.name, index, *offender, static_cast<int>(pass.params.size()),
+               qPrintable(path));
         return false;
     }
 

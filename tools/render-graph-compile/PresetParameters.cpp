@@ -1,5 +1,6 @@
 #include "PresetParameters.h"
 
+#include "Diagnostics.h"
 #include "TextLines.h"
 
 #include <QDir>
@@ -7,8 +8,6 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QStringList>
-
-#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -92,10 +91,9 @@ bool matchesDeclaredList(const PresetDecl &decl, const QList<PresetParamMeta> &p
     declaredIds.sort();
     if (ownIds == declaredIds)
         return true;
-    std::fprintf(stderr,
-                 "render-graph-compile: preset '%s' ownParams union {%s} does not match its .glslp "
-                 "parameters= list {%s}\n",
-                 decl.name, qPrintable(ownIds.join(u';')), qPrintable(declaredIds.join(u';')));
+    report(Diagnostic::Error,
+           "preset '%s' ownParams union {%s} does not match its .glslp parameters= list {%s}",
+           decl.name, qPrintable(ownIds.join(u';')), qPrintable(declaredIds.join(u';')));
     return false;
 }
 
@@ -113,9 +111,10 @@ bool collectPresetParameters(const QString &shadersDir, const PresetDecl &decl,
     const QString glslpPath =
             QDir(shadersDir).filePath("%1.glslp"_L1.arg(QString::fromLatin1(decl.name)));
     if (!QFile::exists(glslpPath)) {
-        std::printf("render-graph-compile: preset '%s' has no .glslp source on disk (retired) -- "
-                    "skipping drift check, using %d hand-authored value override(s)\n",
-                    decl.name, decl.valueOverrideCount);
+        report(Diagnostic::Note,
+               "preset '%s' has no .glslp source on disk (retired) -- skipping drift check, using "
+               "%d hand-authored value override(s)",
+               decl.name, decl.valueOverrideCount);
         collect(decl, declaredValueOverrides(decl), out);
         return true;
     }

@@ -1,0 +1,146 @@
+#include "GlslCompiler.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <glslang/Public/ResourceLimits.h>
+#include <glslang/Public/ShaderLang.h>
+#include <glslang/SPIRV/GlslangToSpv.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::size_t kMostNestedIncludes = 32; // a file that includes itself would never end
+
+struct GlslangProcess
+{
+    GlslangProcess()
+    {
+        glslang::InitializeProcess();
+    }
+    ~GlslangProcess()
+    {
+        glslang::FinalizeProcess();
+    }
+    Q_DISABLE_COPY_MOVE(GlslangProcess)
+};
+
+std::optional<std::string> contentOf(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray content = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return std::nullopt;
+    return content.toStdString();
+}
+
+class Includer : public glslang::TShader::Includer
+{
+public:
+    explicit Includer(QStringList &files) : m_files(files) { }
+
+    IncludeResult *includeLocal(const char *header, const char *includer,
+                                std::size_t depth) override
+    {
+        if (depth > kMostNestedIncludes)
+            return nullptr;
+        m_directories.resize(qsizetype(depth - 1));
+        m_directories.append(QFileInfo(QFile::decodeName(includer)).path());
+        for (auto directory = m_directories.crbegin(); directory != m_directories.crend();
+             ++directory) {
+            const QString path =
+                    QDir::cleanPath(QDir(*directory).filePath(QFile::decodeName(header)));
+            m_files.append(path);
+            if (const std::optional<std::string> content = contentOf(path)) {
+                auto *const kept = new std::string(*content);
+                return new IncludeResult(QFile::encodeName(path).toStdString(), kept->data(),
+                                         kept->size(), kept);
+            }
+        }
+        return nullptr;
+    }
+
+    void releaseInclude(IncludeResult *result) override
+    {
+        if (result == nullptr)
+            return;
+        delete static_cast<std::string *>(result->userData);
+        delete result;
+    }
+
+private:
+    QStringList &m_files;
+    QStringList m_directories; // of the files that are being included, the outermost first
+};
+
+// The compiler's errors without its own prefix and closing count. What it says of no line in
+// particular gets the file's name.
+QString errorsOf(const QString &path, const char *log)
+{
+    QStringList errors;
+    const QStringList lines = QString::fromLocal8Bit(log).split(u'\n', Qt::SkipEmptyParts);
+    for (const QString &line : lines) {
+        if (!line.startsWith("ERROR: "_L1) || line.contains(" compilation errors. "_L1))
+            continue;
+        const QString text = line.sliced(7);
+        errors.append(text.contains(u':') ? text : path + ": "_L1 + text);
+    }
+    return errors.isEmpty() ? path + ": does not compile"_L1 : errors.join(u'\n');
+}
+
+} // namespace
+
+CompiledShader compileGlsl(const QString &path, ShaderStage stage)
+{
+    static const GlslangProcess process;
+
+    CompiledShader result;
+    result.files.append(path);
+    const std::optional<std::string> source = contentOf(path);
+    if (!source) {
+        result.error = path + ": cannot be read"_L1;
+        return result;
+    }
+
+    const EShLanguage language = stage == ShaderStage::Vertex ? EShLangVertex : EShLangFragment;
+    const QByteArray name = QFile::encodeName(path);
+    const char *const text = source->data();
+    const int size = int(source->size());
+    const char *const nameText = name.constData();
+    glslang::TShader shader(language);
+    shader.setStringsWithLengthsAndNames(&text, &size, &nameText, 1);
+    shader.setEnvInput(glslang::EShSourceGlsl, language, glslang::EShClientVulkan, 100);
+    shader.setEnvClient(glslang::EShClientVulkan, glslang::EShTargetVulkan_1_0);
+    shader.setEnvTarget(glslang::EShTargetSpv, glslang::EShTargetSpv_1_0);
+    const auto messages = EShMessages(EShMsgSpvRules | EShMsgVulkanRules);
+    Includer includer(result.files);
+    const bool isParsed = shader.parse(GetDefaultResources(), 100, false, messages, includer);
+    result.files.removeDuplicates();
+    if (!isParsed) {
+        result.error = errorsOf(path, shader.getInfoLog());
+        return result;
+    }
+
+    glslang::TProgram program;
+    program.addShader(&shader);
+    if (!program.link(messages) || !program.mapIO()) {
+        result.error = errorsOf(path, program.getInfoLog());
+        return result;
+    }
+    std::vector<unsigned int> words;
+    spv::SpvBuildLogger logger;
+    glslang::SpvOptions options;
+    glslang::GlslangToSpv(*program.getIntermediate(language), words, &logger, &options);
+    result.spirv = QByteArray(reinterpret_cast<const char *>(words.data()),
+                              qsizetype(words.size() * sizeof(words.front())));
+    return result;
+}

@@ -1,0 +1,103 @@
+#include "PresetOnDisk.h"
+
+#include "GlslCompiler.h"
+
+#include <ComponentSource.h>
+#include <Diagnostics.h>
+#include <FirstPartyPresets.h>
+#include <PresetCompiler.h>
+
+#include <QDir>
+#include <QFile>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using FirstPartyPresetSource::kPresets;
+using FirstPartyPresetSource::PassDecl;
+using FirstPartyPresetSource::PresetDecl;
+
+// What the preset's compiler looks at.
+QStringList filesOf(const QString &shadersDir, const PresetDecl &decl)
+{
+    QStringList files;
+    for (const PassDecl &pass : passesOf(decl))
+        files.append(slangComponentPath(shadersDir, QString::fromLatin1(pass.component)));
+    if (qstrcmp(decl.presetExtension, "glslp") == 0)
+        files.append(QDir(shadersDir)
+                             .filePath("%1.%2"_L1.arg(QString::fromLatin1(decl.name),
+                                                      QString::fromLatin1(decl.presetExtension))));
+    return files;
+}
+
+bool compileGraph(const QString &shadersDir, const PresetDecl &decl, PresetOnDisk &preset)
+{
+    const DiagnosticCollector diagnostics;
+    const bool isCompiled = compilePreset(shadersDir, decl, preset.graph)
+            && collectPresetParameters(shadersDir, decl, preset.parameters);
+    preset.error = diagnostics.errors().join(u'\n');
+    return isCompiled;
+}
+
+// Goes on at an error, so that whoever broke two components sees both.
+void compileModules(const QString &shadersDir, PresetOnDisk &preset)
+{
+    QStringList errors;
+    const auto compile = [&](const QString &resource, const QString &path, ShaderStage stage) {
+        if (preset.modules.contains(resource))
+            return;
+        const CompiledShader shader = compileGlsl(path, stage);
+        preset.modules.insert(resource, shader.spirv);
+        preset.files.append(shader.files);
+        if (!shader.error.isEmpty())
+            errors.append(shader.error);
+    };
+    for (const VulkanRenderGraph::Pass &pass : std::as_const(preset.graph.passes)) {
+        compile(pass.vertexSpirvResource, QDir(shadersDir).filePath(u"vulkan/fullscreen.vert"_s),
+                ShaderStage::Vertex);
+        const QString slangPath = slangComponentPath(shadersDir, pass.debugName);
+        const bool isSlang = QFile::exists(slangPath);
+        compile(pass.fragmentSpirvResource,
+                isSlang ? slangPath : fragComponentPath(shadersDir, pass.debugName),
+                ShaderStage::Fragment);
+    }
+    preset.error = errors.join(u'\n');
+}
+
+} // namespace
+
+QStringList presetNames()
+{
+    QStringList names;
+    for (const PresetDecl &decl : kPresets)
+        names.append(QString::fromLatin1(decl.name));
+    return names;
+}
+
+PresetOnDisk loadPreset(const QString &shadersDir, const QString &name)
+{
+    PresetOnDisk preset;
+    preset.name = name;
+    const auto *const decl = std::ranges::find_if(
+            kPresets, [&name](const PresetDecl &row) { return name == QLatin1String(row.name); });
+    if (decl == std::end(kPresets)) {
+        preset.error = "no preset '%1'; there are %2"_L1.arg(name, presetNames().join(", "_L1));
+        return preset;
+    }
+    preset.files = filesOf(shadersDir, *decl);
+    if (compileGraph(shadersDir, *decl, preset))
+        compileModules(shadersDir, preset);
+    preset.files.removeDuplicates();
+    return preset;
+}
+
+QHash<QString, float> initialValues(const QList<PresetParamMeta> &parameters)
+{
+    QHash<QString, float> values;
+    for (const PresetParamMeta &parameter : parameters)
+        values.insert(parameter.id, parameter.initialValue);
+    return values;
+}
