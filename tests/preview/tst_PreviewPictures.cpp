@@ -1,0 +1,228 @@
+#include "PictureFile.h"
+#include "PixelText.h"
+#include "TestPictures.h"
+
+#include "../TestSupport.h"
+
+#include <QColorSpace>
+#include <QSet>
+
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+// Where pictures come from and go to.
+
+namespace {
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+
+Picture onePixel(float red, float green, float blue)
+{
+    return Picture({1, 1}, {red, green, blue, 0.5F});
+}
+
+} // namespace
+
+class TestPreviewPictures : public TestInEmptyDirectory
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void textIsDrawnFromTheFace();
+    void testPictures_data();
+    void testPictures();
+    void testPictureNamesAreThese();
+    void noOtherName();
+    void sourceFiles_data();
+    void sourceFiles();
+    void unreadableSources_data();
+    void unreadableSources();
+    void standardRangeIsRounded();
+    void highRangeIsLinear();
+    void savedPictureReadsBack();
+    void savingLeavesNoHalfFile();
+};
+
+void TestPreviewPictures::textIsDrawnFromTheFace()
+{
+    QImage image(24, 7, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    drawPixelText(image, {0, 0}, u"aZ 7"_s, qRgb(255, 255, 255));
+    QByteArray rows;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            rows += image.pixel(x, y) == qRgb(255, 255, 255) ? '#' : '.';
+        rows += '\n';
+    }
+    QCOMPARE(rows,
+             ".###..#####.......#####.\n"
+             "#...#.....#...........#.\n"
+             "#...#....#...........#..\n"
+             "#####...#...........#...\n"
+             "#...#..#...........#....\n"
+             "#...#.#............#....\n"
+             "#...#.#####........#....\n");
+    QCOMPARE(pixelTextWidth(u"aZ 7"_s, 2), 48);
+    drawPixelText(image, {20, 5}, u"WWW"_s, qRgb(255, 0, 0), 3); // reaches out of the picture
+    QCOMPARE(image.pixel(20, 5), qRgb(255, 0, 0));
+}
+
+void TestPreviewPictures::testPictureNamesAreThese()
+{
+    QCOMPARE(testPictureNames(),
+             QStringList({u"scene-320x240"_s, u"scene-256x224"_s, u"scene-160x144"_s,
+                          u"scene-240x160"_s, u"scene-640x480"_s, u"card-320x240"_s,
+                          u"card-256x224"_s, u"card-160x144"_s, u"card-240x160"_s,
+                          u"card-640x480"_s, u"photo-320x240"_s, u"photo-256x224"_s,
+                          u"photo-160x144"_s, u"photo-240x160"_s, u"photo-640x480"_s}));
+}
+
+void TestPreviewPictures::testPictures_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<bool>("moves");
+    QTest::addColumn<int>("colors"); // at least
+    for (const QString &name : testPictureNames()) {
+        const QStringList sides = name.section(u'-', 1).split(u'x');
+        QTest::newRow(qPrintable(name))
+                << QSize(sides.at(0).toInt(), sides.at(1).toInt()) << name.startsWith("scene"_L1)
+                << (name.startsWith("photo"_L1) ? 2000 : 20);
+    }
+}
+
+void TestPreviewPictures::testPictures()
+{
+    QFETCH(QSize, size);
+    QFETCH(bool, moves);
+    QFETCH(int, colors);
+    const QString name = QString::fromLatin1(QTest::currentDataTag());
+    const QImage image = testPicture(name);
+    QCOMPARE(image.size(), size);
+    QCOMPARE(testPicture(name, 1) != image, moves);
+    QSet<QRgb> found;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            found.insert(image.pixel(x, y));
+    }
+    QVERIFY2(found.size() >= colors, QByteArray::number(found.size()).constData());
+}
+
+void TestPreviewPictures::noOtherName()
+{
+    QVERIFY(testPicture(u"scene-320x241"_s).isNull());
+    QVERIFY(testPicture(QString()).isNull());
+    const QImage card = testPicture(u"card-320x240"_s);
+    QCOMPARE(card.pixel(60, 20), qRgb(255, 255, 0)); // the second bar
+    QCOMPARE(card.pixel(160, 0), qRgb(255, 255, 255)); // the frame
+}
+
+void TestPreviewPictures::sourceFiles_data()
+{
+    QTest::addColumn<QRgb>("written");
+    QTest::addColumn<QRgb>("read");
+    QTest::addColumn<bool>("isLinear");
+    QTest::newRow("opaque") << qRgba(10, 128, 255, 255) << qRgb(10, 128, 255) << false;
+    QTest::newRow("half") << qRgba(100, 200, 0, 128) << qRgb(50, 100, 0) << false;
+    QTest::newRow("transparent") << qRgba(100, 200, 0, 0) << qRgb(0, 0, 0) << false;
+    QTest::newRow("linear light") << qRgba(55, 55, 55, 255) << qRgb(128, 128, 128) << true;
+}
+
+void TestPreviewPictures::sourceFiles()
+{
+    QFETCH(QRgb, written);
+    QFETCH(QRgb, read);
+    QFETCH(bool, isLinear);
+    QImage image(3, 2, QImage::Format_ARGB32);
+    image.fill(written);
+    if (isLinear)
+        image.setColorSpace(QColorSpace::SRgbLinear);
+    QVERIFY(image.save(u"in.png"_s));
+
+    QString error;
+    const std::optional<SourcePicture> source = SourcePicture::open(u"in.png"_s, error);
+    QCOMPARE(error, QString());
+    QVERIFY(source);
+    QVERIFY(!source->moves());
+    QCOMPARE(source->frame(5).size(), QSize(3, 2));
+    QCOMPARE(source->frame(5).pixel(2, 1), read);
+    QCOMPARE(pictureOf(source->frame(0)).at(0, 0),
+             Pixel({float(qRed(read)) / 255.0F, float(qGreen(read)) / 255.0F,
+                    float(qBlue(read)) / 255.0F, 1.0F}));
+}
+
+void TestPreviewPictures::unreadableSources_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::newRow("none.png")
+            << u"cannot read source picture 'none.png': File not found; 'list' names the test pictures"_s;
+    QTest::newRow("text.png")
+            << u"cannot read source picture 'text.png': Unsupported image format; 'list' names the test pictures"_s;
+    QTest::newRow("cut.png")
+            << u"cannot read source picture 'cut.png': Unable to read image data; 'list' names the test pictures"_s;
+    QTest::newRow("huge.png")
+            << u"source picture 'huge.png' is 4097x1, and the largest is 4096x4096: make it smaller"_s;
+}
+
+void TestPreviewPictures::unreadableSources()
+{
+    QFETCH(QString, message);
+    writeFile(u"text.png"_s, "no picture");
+    QVERIFY(QImage(4097, 1, QImage::Format_RGB32).save(u"huge.png"_s));
+    QVERIFY(testPicture(u"photo-160x144"_s).save(u"cut.png"_s));
+    QVERIFY(QFile::resize(u"cut.png"_s, 60));
+    QString error;
+    QVERIFY(!SourcePicture::open(QString::fromLatin1(QTest::currentDataTag()), error));
+    QCOMPARE(error, message);
+}
+
+void TestPreviewPictures::standardRangeIsRounded()
+{
+    const QImage image = imageOf(onePixel(0.5F, 1.5F, -1.0F));
+    QCOMPARE(image.pixel(0, 0), qRgb(128, 255, 0));
+    QCOMPARE(image.colorSpace(), QColorSpace(QColorSpace::SRgb));
+    QCOMPARE(imageOf(onePixel(kNan, 1.0F, 0.49F / 255.0F)).pixel(0, 0), qRgb(0, 255, 0));
+}
+
+void TestPreviewPictures::highRangeIsLinear()
+{
+    const QImage image = imageOf(onePixel(1.0F, 4.0F, 5.0F), 4.0F);
+    const auto *pixel = reinterpret_cast<const QRgba64 *>(image.constScanLine(0));
+    QCOMPARE(pixel->red(), quint16(16384));
+    QCOMPARE(pixel->green(), quint16(65535));
+    QCOMPARE(pixel->blue(), quint16(65535));
+    QCOMPARE(image.colorSpace(), QColorSpace(QColorSpace::SRgbLinear));
+    QCOMPARE(image.text(u"Headroom"_s), u"4"_s);
+}
+
+void TestPreviewPictures::savedPictureReadsBack()
+{
+    QString error;
+    QVERIFY(savePng(imageOf(onePixel(0.25F, 0.5F, 0.75F)), u"a.png"_s, error));
+    QVERIFY(savePng(imageOf(onePixel(0.25F, 0.5F, 2.0F), 2.0F), u"b.png"_s, error));
+    QCOMPARE(QImage(u"a.png"_s).pixel(0, 0), qRgb(64, 128, 191));
+    QCOMPARE(QImage(u"a.png"_s).depth(), 32);
+    const QImage wide(u"b.png"_s);
+    QCOMPARE(wide.depth(), 64);
+    QCOMPARE(wide.pixelColor(0, 0).rgba64(), qRgba64(8192, 16384, 65535, 65535));
+    QCOMPARE(wide.text(u"Headroom"_s), u"2"_s);
+}
+
+void TestPreviewPictures::savingLeavesNoHalfFile()
+{
+    writeFile(u"kept"_s, "before");
+    QString error;
+    QVERIFY(!saveFile("after", u"kept/below"_s, error));
+    QCOMPARE(error, u"cannot write 'kept/below': Not a directory"_s);
+    QVERIFY(QDir().mkdir(u"taken"_s));
+    QVERIFY(!saveFile("after", u"taken"_s, error));
+    QCOMPARE(error, u"cannot write 'taken': Filename refers to a directory"_s);
+    QCOMPARE(readFile(u"kept"_s), "before");
+    QVERIFY(saveFile("after", u"kept"_s, error));
+    QCOMPARE(readFile(u"kept"_s), "after");
+    QCOMPARE(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+             QStringList({u"kept"_s, u"taken"_s}));
+}
+
+QTEST_GUILESS_MAIN(TestPreviewPictures)
+#include "tst_PreviewPictures.moc"
