@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
@@ -82,17 +83,19 @@ private:
     QStringList m_directories; // of the files that are being included, the outermost first
 };
 
-// The compiler's errors without its own prefix and closing count. What it says of no line in
+// The compiler's errors without its own prefix and closing remarks. What it says of no line in
 // particular gets the file's name.
 QString errorsOf(const QString &path, const char *log)
 {
+    static const QRegularExpression kPlace(u"^.+:\\d+: "_s);
     QStringList errors;
     const QStringList lines = QString::fromLocal8Bit(log).split(u'\n', Qt::SkipEmptyParts);
     for (const QString &line : lines) {
-        if (!line.startsWith("ERROR: "_L1) || line.contains(" compilation errors. "_L1))
+        if (!line.startsWith("ERROR: "_L1) || line.contains(" compilation errors. "_L1)
+            || line.contains("compilation terminated"_L1))
             continue;
-        const QString text = line.sliced(7);
-        errors.append(text.contains(u':') ? text : path + ": "_L1 + text);
+        const QString text = line.sliced(7).simplified();
+        errors.append(kPlace.match(text).hasMatch() ? text : path + ": "_L1 + text);
     }
     return errors.isEmpty() ? path + ": does not compile"_L1 : errors.join(u'\n');
 }

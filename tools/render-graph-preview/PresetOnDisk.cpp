@@ -11,6 +11,8 @@
 #include <QFile>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -53,17 +55,17 @@ void compileModules(const QString &shadersDir, PresetOnDisk &preset)
         preset.modules.insert(resource, shader.spirv);
         preset.files.append(shader.files);
         if (!shader.error.isEmpty())
-            errors.append(shader.error);
+            errors.append(shader.error.split(u'\n'));
     };
     for (const VulkanRenderGraph::Pass &pass : std::as_const(preset.graph.passes)) {
         compile(pass.vertexSpirvResource, QDir(shadersDir).filePath(u"vulkan/fullscreen.vert"_s),
                 ShaderStage::Vertex);
         const QString slangPath = slangComponentPath(shadersDir, pass.debugName);
-        const bool isSlang = QFile::exists(slangPath);
-        compile(pass.fragmentSpirvResource,
-                isSlang ? slangPath : fragComponentPath(shadersDir, pass.debugName),
-                ShaderStage::Fragment);
+        const QString fragPath = fragComponentPath(shadersDir, pass.debugName);
+        const bool isFrag = !QFile::exists(slangPath) && QFile::exists(fragPath);
+        compile(pass.fragmentSpirvResource, isFrag ? fragPath : slangPath, ShaderStage::Fragment);
     }
+    errors.removeDuplicates(); // of a file that several components include
     preset.error = errors.join(u'\n');
 }
 

@@ -1,0 +1,209 @@
+#include <ManifestWriter.h>
+#include <PresetOnDisk.h>
+#include <VulkanRenderGraphCatalog.h>
+
+#include "TestSupport.h"
+
+#include <QDirIterator>
+#include <QSet>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
+
+// The example shaders, below the working directory.
+void copyShaders()
+{
+    QDirIterator files(kShadersDir, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        writeFile(u"shaders"_s + path.mid(kShadersDir.size()), readFile(path));
+    }
+}
+
+} // namespace
+
+class TestPresetOnDisk : public TestInEmptyDirectory
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void namesFollowTheManifest();
+    void presetsAreTheManifests();
+    void modulesAreTheBuilds();
+    void initialValuesAreTheTunedOnes();
+    void nothingIsPrinted();
+    void filesAreThoseThatWereRead();
+    void errors_data();
+    void errors();
+};
+
+void TestPresetOnDisk::namesFollowTheManifest()
+{
+    QCOMPARE(presetNames(), VulkanRenderGraphCatalog::presetNames());
+}
+
+// Written down as the tool does it, all presets give the golden manifest. What a preset on disk
+// does not hold comes from the catalog.
+void TestPresetOnDisk::presetsAreTheManifests()
+{
+    QList<EmittedPreset> presets;
+    const QStringList names = presetNames();
+    for (const QString &name : names) {
+        const PresetOnDisk preset = loadPreset(kShadersDir, name);
+        QCOMPARE(preset.error, QString());
+        QCOMPARE(preset.name, name);
+        const auto entry = VulkanRenderGraphCatalog::preset(name);
+        QVERIFY(entry);
+        presets.append({.name = name,
+                        .graph = preset.graph,
+                        .presetParams = preset.parameters,
+                        .vulkanOnly = entry->vulkanOnly,
+                        .usesFrameCount = entry->usesFrameCount});
+    }
+    QVERIFY(writeManifest(u"manifest.h"_s, presets));
+    QCOMPARE(firstDifference(readFile(u"manifest.h"_s),
+                             readFile(QStringLiteral(
+                                     SOURCE_DIR "/tests/manifest/golden/RenderGraphManifest.h"))),
+             "");
+}
+
+// Byte for byte, and each of the build's is some preset's.
+void TestPresetOnDisk::modulesAreTheBuilds()
+{
+    QSet<QString> seen;
+    const QStringList names = presetNames();
+    for (const QString &name : names) {
+        const PresetOnDisk preset = loadPreset(kShadersDir, name);
+        for (const VulkanRenderGraph::Pass &pass : preset.graph.passes) {
+            QVERIFY(preset.modules.contains(pass.vertexSpirvResource));
+            QVERIFY(preset.modules.contains(pass.fragmentSpirvResource));
+        }
+        for (auto module = preset.modules.cbegin(); module != preset.modules.cend(); ++module) {
+            const QString file = module.key().section(u'/', -1);
+            QCOMPARE(module.key(), ":/shaders/vulkan/spirv/"_L1 + file);
+            QVERIFY2(module.value() == readFile(QStringLiteral(SPIRV_DIR "/") + file),
+                     qPrintable(file));
+            seen.insert(file);
+        }
+    }
+    const QStringList built = QDir(QStringLiteral(SPIRV_DIR)).entryList({u"*.spv"_s}, QDir::Files);
+    QCOMPARE(seen, QSet<QString>(built.cbegin(), built.cend()));
+}
+
+void TestPresetOnDisk::initialValuesAreTheTunedOnes()
+{
+    const QHash<QString, float> values =
+            initialValues(loadPreset(kShadersDir, u"dmg-lcd"_s).parameters);
+    QCOMPARE(values.size(), 13);
+    QCOMPARE(values.value(u"ghost_rise"_s), 0.2573F); // its default is 0.5
+}
+
+void TestPresetOnDisk::nothingIsPrinted()
+{
+    QByteArray errors;
+    const QByteArray notes = captured(stdout, [&errors] {
+        errors = captured(stderr, [] {
+            loadPreset(kShadersDir, u"dmg-lcd"_s);
+            loadPreset(u"nowhere"_s, u"dmg-lcd"_s);
+        });
+    });
+    QCOMPARE(notes, "");
+    QCOMPARE(errors, "");
+}
+
+void TestPresetOnDisk::filesAreThoseThatWereRead()
+{
+    const PresetOnDisk preset = loadPreset(kShadersDir, u"dmg-lcd"_s);
+    QStringList files;
+    for (const QString &file : preset.files)
+        files.append(QDir(kShadersDir).relativeFilePath(file));
+    QCOMPARE(files,
+             QStringList({
+                     u"vulkan/components/dmg-color.slang"_s, // not there: the .frag is taken
+                     u"vulkan/components/dmg-ghost.slang"_s,
+                     u"vulkan/components/dmg-crosstalk.slang"_s,
+                     u"vulkan/components/dmg-occlusion.slang"_s,
+                     u"vulkan/components/crt-dmg-grid.slang"_s,
+                     u"dmg-lcd.glslp"_s, // not there either
+                     u"vulkan/fullscreen.vert"_s,
+                     u"vulkan/components/dmg-color.frag"_s,
+                     u"vulkan/include/component.glsl"_s,
+                     u"vulkan/include/color.glsl"_s,
+                     u"vulkan/include/lcd.glsl"_s,
+                     u"vulkan/include/noise.glsl"_s,
+                     u"vulkan/components/hdr-color-boost.slang"_s,
+             }));
+}
+
+void TestPresetOnDisk::errors_data()
+{
+    QTest::addColumn<QString>("preset");
+    QTest::addColumn<QString>("file"); // below shaders, replaced
+    QTest::addColumn<QByteArray>("content"); // null: the file is removed
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("no preset of that name")
+            << u"crt"_s << QString() << QByteArray()
+            << u"no preset 'crt'; there are crt-pvm, crt-bvm, crt-arcade, crt-pc, crt-bw, "
+               "crt-consumer, gba-lcd, gameboy-lcd, dmg-lcd, no-pixels, rewind, stock"_s;
+    const auto row = [](const char *name, const char *file, const QByteArray &content,
+                        const char *expected) {
+        QTest::newRow(name) << u"stock"_s << QString::fromLatin1(file) << content
+                            << QString::fromLatin1(expected);
+    };
+    const QByteArray start = "#version 450\n#extension GL_GOOGLE_include_directive : require\n";
+    row("no component", "vulkan/components/stock.frag", {},
+        "preset 'stock' pass 0 ('stock') has no shaders/vulkan/components source");
+    row("no final pass", "vulkan/components/hdr-color-boost.slang", {},
+        "shaders/vulkan/components/hdr-color-boost.slang: cannot be read");
+    row("no vertex shader", "vulkan/fullscreen.vert", {},
+        "shaders/vulkan/fullscreen.vert: cannot be read");
+    row("reserved word", "vulkan/components/stock.frag", start + "void main()\n{\n    half;\n}\n",
+        "shaders/vulkan/components/stock.frag:5: 'half' : Reserved word.");
+    row("undeclared name", "vulkan/components/stock.frag",
+        start + "void main()\n{\n    nothing = 1;\n}\n",
+        "shaders/vulkan/components/stock.frag:5: 'nothing' : undeclared identifier");
+    row("no main", "vulkan/components/stock.frag", start + "float f() { return 1.0; }\n",
+        "shaders/vulkan/components/stock.frag: Linking fragment stage: Missing entry point: Each "
+        "stage requires one entry point");
+    row("empty", "vulkan/components/stock.frag", "",
+        "shaders/vulkan/components/stock.frag: #version: ES shaders for SPIR-V require version 310 "
+        "or higher");
+    row("file that two components include", "vulkan/include/component.glsl", "\n\nbroken\n",
+        "shaders/vulkan/include/component.glsl:3: '' : syntax error, unexpected IDENTIFIER");
+    row("two components", "vulkan/include/component.glsl", {},
+        "shaders/vulkan/components/stock.frag:3: '#include' : Could not process include directive "
+        "for header name: ../include/component.glsl\n"
+        "shaders/vulkan/components/hdr-color-boost.slang:3: '#include' : Could not process include "
+        "directive for header name: ../include/component.glsl");
+    row("file that includes itself", "vulkan/include/component.glsl",
+        "#include \"component.glsl\"\n",
+        "shaders/vulkan/include/component.glsl:1: '#include' : Could not process include directive "
+        "for header name: component.glsl\n"
+        "shaders/vulkan/components/stock.frag:11: 'fragColor' : undeclared identifier\n"
+        "shaders/vulkan/components/hdr-color-boost.slang:32: 'texCoord' : undeclared identifier\n"
+        "shaders/vulkan/components/hdr-color-boost.slang:32: 'texture' : no matching overloaded "
+        "function found\n"
+        "shaders/vulkan/components/hdr-color-boost.slang:32: '=' : cannot convert from ' const "
+        "float' to ' temp highp 4-component vector of float'");
+}
+
+void TestPresetOnDisk::errors()
+{
+    QFETCH(QString, preset);
+    QFETCH(QString, file);
+    QFETCH(QByteArray, content);
+    QFETCH(QString, expected);
+    copyShaders();
+    if (content.isNull())
+        QFile::remove(u"shaders/"_s + file);
+    else
+        writeFile(u"shaders/"_s + file, content);
+    QCOMPARE(loadPreset(u"shaders"_s, preset).error, expected);
+}
+
+QTEST_APPLESS_MAIN(TestPresetOnDisk)
+#include "tst_PresetOnDisk.moc"
