@@ -28,19 +28,20 @@ std::optional<QSize> parseSize(const QString &text, QString &error)
     return {};
 }
 
-} // namespace
-
-std::optional<double> parseNumber(const QString &what, const QString &text, double least,
+// A number within its range, which the error names; `given` is where it stands.
+std::optional<double> parseNumber(const QString &given, const QString &text, double least,
                                   double most, QString &error)
 {
     bool isNumber = false;
     const double value = text.toDouble(&isNumber);
     if (isNumber && value >= least && value <= most)
         return value; // NaN is in no range
-    error = u"%1 %2: the value is a number from %3 to %4"_s.arg(
-            what, text, QString::number(least, 'g', 9), QString::number(most, 'g', 9));
+    error = u"%1: the value is a number from %2 to %3"_s.arg(given, QString::number(least, 'g', 9),
+                                                             QString::number(most, 'g', 9));
     return {};
 }
+
+} // namespace
 
 QList<QCommandLineOption> drawingOptions()
 {
@@ -89,8 +90,8 @@ std::optional<DrawingRequest> DrawingRequest::parse(const QCommandLineParser &pa
         request.frames = frames;
     }
     if (parser.isSet(u"hdr"_s)) {
-        const auto headroom =
-                parseNumber(u"--hdr"_s, parser.value(u"hdr"_s), 1.0, kLargestHeadroom, error);
+        const QString text = parser.value(u"hdr"_s);
+        const auto headroom = parseNumber(u"--hdr "_s + text, text, 1.0, kLargestHeadroom, error);
         if (!headroom)
             return {};
         request.headroom = float(*headroom);
@@ -135,7 +136,8 @@ bool Drawing::setValue(const QString &id, const QString &number, QString &error)
     const auto asWritten = [](float end) {
         return QString::number(double(end), 'g', 7).toDouble();
     };
-    const auto value = parseNumber(id, number, asWritten(param->min), asWritten(param->max), error);
+    const auto value = parseNumber(id + u'=' + number, number, asWritten(param->min),
+                                   asWritten(param->max), error);
     if (value)
         m_state.params.insert(id, float(*value));
     return value.has_value();
@@ -152,7 +154,7 @@ bool Drawing::open(QString &error)
 
 bool Drawing::drawFrame(int number, QString &error)
 {
-    if ((number == 0 || m_source->moves())
+    if ((number == 0 || (m_source->moves() && !m_request.isStill))
         && !m_renderer->setSource(pictureOf(m_source->frame(number)), error))
         return false;
     m_state.frameCount = std::uint32_t(number);

@@ -26,12 +26,9 @@ struct DrawingRequest
     QSize size;
     QList<std::pair<QString, QString>> values; // id and number, as given
     std::optional<int> frames;
+    bool isStill = false; // the source does not move; no option says so
     std::optional<float> headroom;
 };
-
-// A number within its range, which the error names.
-std::optional<double> parseNumber(const QString &what, const QString &text, double least,
-                                  double most, QString &error);
 
 // A preset with a source and values, and once it is opened, on a device.
 class Drawing

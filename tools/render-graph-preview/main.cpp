@@ -84,8 +84,10 @@ int main(int argc, char *argv[])
     const Command &command = **found;
     parser.clearPositionalArguments();
     parser.setApplicationDescription(QLatin1StringView(command.description));
-    parser.addPositionalArgument(name, QString(),
-                                 u"%1 %2"_s.arg(name, QLatin1StringView(command.arguments)));
+    parser.addPositionalArgument(name, u"This command."_s);
+    if (command.mostArguments > 0)
+        parser.addPositionalArgument(u"preset"_s, u"A preset's name (see 'list')."_s,
+                                     QLatin1StringView(command.arguments));
     const QCommandLineOption out(u"out"_s, QLatin1StringView(command.out), u"path"_s);
     const bool writes = *command.out != '\0';
     if (writes)
