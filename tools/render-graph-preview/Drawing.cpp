@@ -11,8 +11,9 @@ constexpr int kLargestSide = 16384;
 constexpr int kMostFrames = 1000000;
 constexpr double kLargestHeadroom = 100.0;
 
-// A phosphor's and a liquid crystal's memory of a moving picture is below a half of 1/255 by then.
-constexpr int kFramesToSettle = 60;
+// The slowest tuned history keeps 1 - 0.1948 of what it was: of full white 30 times less than half
+// of 1/255.
+constexpr int kFramesToSettle = 30;
 
 std::optional<QSize> parseSize(const QString &text, QString &error)
 {
