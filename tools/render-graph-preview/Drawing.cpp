@@ -44,6 +44,16 @@ std::optional<double> parseNumber(const QString &given, const QString &text, dou
 
 } // namespace
 
+QList<GraphRenderer::DeviceInfo> drawingDevices(QString &error)
+{
+    QString reason;
+    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(reason);
+    if (devices.isEmpty())
+        error = u"no Vulkan device to draw on (%1); install a driver (Debian: mesa-vulkan-drivers)"_s
+                        .arg(reason);
+    return devices;
+}
+
 QList<QCommandLineOption> drawingOptions()
 {
     return {
@@ -147,7 +157,7 @@ bool Drawing::setValue(const QString &id, const QString &number, QString &error)
 bool Drawing::open(QString &error)
 {
     m_source = SourcePicture::open(m_request.source, error);
-    if (!m_source)
+    if (!m_source || drawingDevices(error).isEmpty())
         return false;
     m_renderer = GraphRenderer::create(m_request.device, error);
     return m_renderer && m_renderer->setGraph(m_preset.graph, m_preset.modules, error);

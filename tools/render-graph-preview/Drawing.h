@@ -12,6 +12,9 @@
 #include <memory>
 #include <optional>
 
+// GraphRenderer's, and if there are none, an error that says what to do.
+QList<GraphRenderer::DeviceInfo> drawingDevices(QString &error);
+
 // The options that say what is drawn, shared by the commands that draw.
 QList<QCommandLineOption> drawingOptions();
 

@@ -1,6 +1,5 @@
 #include "Command.h"
-#include "GraphRenderer.h"
-#include "PresetOnDisk.h"
+#include "Drawing.h"
 #include "TestPictures.h"
 
 #include <cstdio>
@@ -22,7 +21,7 @@ bool list(const CommandLine & /*line*/, QString &error)
     print("test pictures", testPictureNames());
     // What needs no device is told before the error.
     std::fflush(stdout);
-    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
+    const QList<GraphRenderer::DeviceInfo> devices = drawingDevices(error);
     if (devices.isEmpty())
         return false;
     QStringList lines;

@@ -4,7 +4,6 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QLoggingCategory>
 
 #include <algorithm>
 #include <cstdio>
@@ -52,9 +51,6 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(u"render-graph-preview"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(VERSION));
-
-    // An error is one line, and ours: Qt's decoders tell theirs beside it.
-    QLoggingCategory::setFilterRules(u"qt.gui.imageio*=false"_s);
 
     QCommandLineParser parser;
     const QCommandLineOption help = parser.addHelpOption();
