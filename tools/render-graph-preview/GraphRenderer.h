@@ -57,8 +57,8 @@ public:
         bool isSoftware = false;
     };
 
-    // The devices that can draw, best first as Vulkan lists them: their index is their number.
-    // None, and an error, where there is no Vulkan or no such device.
+    // The devices that can draw, as Vulkan lists them: their index is their number. None, and an
+    // error, where there is no Vulkan or no such device.
     static QList<DeviceInfo> devices(QString &error);
 
     // `device` is a number, a part of a name (in any case), or empty for the first one.
@@ -92,9 +92,8 @@ public:
     qint64 memoryHeld() const;
 
 private:
-    explicit GraphRenderer(int device);
+    class State;
+    explicit GraphRenderer(std::unique_ptr<State> state);
 
-    class Device;
-    class Graph;
-    std::unique_ptr<Device> m_device;
+    std::unique_ptr<State> m_state;
 };
