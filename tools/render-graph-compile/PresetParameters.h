@@ -15,6 +15,8 @@ struct PresetParamMeta
     float min = 0.0F;
     float max = 1.0F;
     float step = 0.1F;
+
+    bool operator==(const PresetParamMeta &) const = default;
 };
 
 // Fills `out` with each parameter that the preset's passes declare, once, in order of first
