@@ -2,9 +2,12 @@
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <memory>
 
 // What a command is given: its options, parsed, and its own arguments.
 struct CommandLine
@@ -27,9 +30,14 @@ struct Command
     int mostArguments;
     QList<QCommandLineOption> (*options)();
     bool (*run)(const CommandLine &line, QString &error);
+    // The application object for a command that cannot do with a QCoreApplication: made before it
+    // runs, null and an error if that cannot be.
+    std::unique_ptr<QCoreApplication> (*application)(int &argc, char **argv,
+                                                     QString &error) = nullptr;
 };
 
 extern const Command kPictureCommand;
 extern const Command kGraphCommand;
 extern const Command kProfileCommand;
 extern const Command kListCommand;
+extern const Command kWindowCommand; // where HAVE_WINDOW is defined

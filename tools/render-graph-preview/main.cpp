@@ -8,13 +8,17 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr const Command *kCommands[] = {&kPictureCommand, &kGraphCommand, &kProfileCommand,
-                                        &kListCommand};
+constexpr const Command *kCommands[] = {
+#ifdef HAVE_WINDOW
+        &kWindowCommand,
+#endif
+        &kPictureCommand, &kGraphCommand, &kProfileCommand, &kListCommand};
 
 // Where the example shaders lie beside the program: put there by an installation, and in a build
 // tree a link to the source tree's.
@@ -48,7 +52,7 @@ QString commandList()
 
 int main(int argc, char *argv[])
 {
-    const QCoreApplication application(argc, argv);
+    auto application = std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setApplicationName(u"render-graph-preview"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(VERSION));
 
@@ -105,6 +109,12 @@ int main(int argc, char *argv[])
         return fail(u"--out is missing: name what to write"_s);
 
     QString error;
+    if (command.application != nullptr) {
+        application.reset();
+        application = command.application(argc, argv, error);
+        if (!application)
+            return fail(error);
+    }
     return command.run({parser, parser.value(shadersDir), path, arguments}, error) ? 0
                                                                                    : fail(error);
 }

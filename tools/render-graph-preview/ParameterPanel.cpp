@@ -1,0 +1,199 @@
+#include "ParameterPanel.h"
+
+#include <QDoubleSpinBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPainter>
+#include <QScrollArea>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QStyleOptionSlider>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int kDecimals = 6;
+
+// The slider counts steps from the least value.
+class ParameterSlider : public QSlider
+{
+public:
+    explicit ParameterSlider(const PresetParamMeta &parameter)
+        : QSlider(Qt::Horizontal),
+          m_parameter(parameter)
+    {
+        setRange(0, int(std::lround((parameter.max - parameter.min) / parameter.step)));
+        setPageStep(std::max(1, maximum() / 10));
+        setMinimumWidth(120);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QSlider::paintEvent(event);
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(palette().color(QPalette::WindowText));
+        drawMark(painter, m_parameter.defaultValue);
+        painter.setBrush(palette().color(QPalette::WindowText));
+        drawMark(painter, m_parameter.initialValue);
+    }
+
+private:
+    void drawMark(QPainter &painter, float value) const
+    {
+        QStyleOptionSlider option;
+        initStyleOption(&option);
+        const int handle = style()->pixelMetric(QStyle::PM_SliderLength, &option, this);
+        const double share = (value - m_parameter.min) / (m_parameter.max - m_parameter.min);
+        const QPointF tip(0.5 * handle + share * (width() - handle), height() - 6.0);
+        painter.drawConvexPolygon(
+                QPolygonF({tip, tip + QPointF(-3.0, 5.0), tip + QPointF(3.0, 5.0)}));
+    }
+
+    PresetParamMeta m_parameter;
+};
+
+class NumberField : public QDoubleSpinBox
+{
+public:
+    explicit NumberField(const PresetParamMeta &parameter)
+    {
+        setLocale(QLocale::c());
+        setDecimals(kDecimals);
+        setRange(double(parameter.min), double(parameter.max));
+        setSingleStep(double(parameter.step));
+        setKeyboardTracking(false);
+        setMinimumWidth(fontMetrics().horizontalAdvance(u"00.000000"_s) + 36);
+    }
+
+    QString textFromValue(double value) const override
+    {
+        return numberText(float(value));
+    }
+};
+
+} // namespace
+
+class ParameterPanel::Row : public QWidget
+{
+public:
+    Row(PresetParamMeta shown, Session &session)
+        : parameter(std::move(shown)),
+          m_slider(new ParameterSlider(parameter)),
+          m_number(new NumberField(parameter)),
+          m_reset(new QToolButton)
+    {
+        auto *const label = new QLabel(u"%1 <small>(%2)</small>"_s.arg(
+                parameter.description.toHtmlEscaped(), parameter.id));
+        label->setWordWrap(true);
+        setToolTip(u"%1 to %2 by %3, default %4, tuned %5"_s.arg(
+                numberText(parameter.min), numberText(parameter.max), numberText(parameter.step),
+                numberText(parameter.defaultValue), numberText(parameter.initialValue)));
+        m_slider->setObjectName(parameter.id + ".slider"_L1);
+        m_slider->setAccessibleName(parameter.description);
+        m_number->setObjectName(parameter.id + ".number"_L1);
+        m_number->setAccessibleName(parameter.description);
+        m_reset->setObjectName(parameter.id + ".reset"_L1);
+        m_reset->setAccessibleName(u"Reset %1"_s.arg(parameter.description));
+        m_reset->setText(u"\u21ba"_s);
+        m_reset->setFocusPolicy(Qt::StrongFocus);
+
+        auto *const layout = new QGridLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(label, 0, 0, 1, 3);
+        layout->addWidget(m_slider, 1, 0);
+        layout->addWidget(m_number, 1, 1);
+        layout->addWidget(m_reset, 1, 2);
+
+        connect(m_slider, &QSlider::valueChanged, this, [this, &session](int step) {
+            const double value = double(parameter.min) + step * double(parameter.step);
+            // As it is written: 0.3, not 0.300000012.
+            session.setValue(
+                    parameter.id,
+                    std::min(QString::number(value, 'f', kDecimals).toFloat(), parameter.max));
+        });
+        connect(m_number, &QDoubleSpinBox::valueChanged, this,
+                [this, &session](double value) { session.setValue(parameter.id, float(value)); });
+        connect(m_reset, &QToolButton::clicked, this,
+                [this, &session] { session.setValue(parameter.id, parameter.initialValue); });
+    }
+
+    void showValue(float value)
+    {
+        const QSignalBlocker sliderBlocker(m_slider);
+        const QSignalBlocker numberBlocker(m_number);
+        m_slider->setValue(int(std::lround((value - parameter.min) / parameter.step)));
+        m_number->setValue(double(value));
+        m_reset->setEnabled(value != parameter.initialValue);
+    }
+
+    const PresetParamMeta parameter;
+
+private:
+    ParameterSlider *m_slider;
+    NumberField *m_number;
+    QToolButton *m_reset;
+};
+
+ParameterPanel::ParameterPanel(Session &session, QWidget *parent)
+    : QWidget(parent),
+      m_session(session),
+      m_filter(new QLineEdit)
+{
+    m_filter->setPlaceholderText(u"Filter parameters (Ctrl+F)"_s);
+    m_filter->setClearButtonEnabled(true);
+    m_filter->setObjectName(u"filter"_s);
+    auto *const rows = new QWidget;
+    m_layout = new QVBoxLayout(rows);
+    m_layout->addStretch();
+    auto *const scroll = new QScrollArea;
+    scroll->setWidgetResizable(true);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    scroll->setWidget(rows);
+
+    auto *const layout = new QVBoxLayout(this);
+    layout->addWidget(m_filter);
+    layout->addWidget(scroll);
+    connect(m_filter, &QLineEdit::textChanged, this, &ParameterPanel::applyFilter);
+    connect(&m_session, &Session::parametersChanged, this, &ParameterPanel::showParameters);
+    connect(&m_session, &Session::valuesChanged, this, &ParameterPanel::showValues);
+}
+
+void ParameterPanel::showParameters()
+{
+    // The same as before stay, so that saving a component takes nobody's focus away.
+    const auto isSame = [](const Row *row, const PresetParamMeta &parameter) {
+        return row->parameter == parameter;
+    };
+    if (!std::ranges::equal(m_rows, m_session.parameters(), isSame)) {
+        qDeleteAll(std::exchange(m_rows, {}));
+        for (const PresetParamMeta &parameter : m_session.parameters()) {
+            m_rows.append(new Row(parameter, m_session));
+            m_layout->insertWidget(m_layout->count() - 1, m_rows.last());
+        }
+        applyFilter();
+    }
+    showValues();
+}
+
+void ParameterPanel::showValues()
+{
+    for (Row *const row : std::as_const(m_rows))
+        row->showValue(m_session.value(row->parameter));
+}
+
+void ParameterPanel::applyFilter()
+{
+    for (Row *const row : std::as_const(m_rows))
+        row->setVisible((row->parameter.id + u' ' + row->parameter.description)
+                                .contains(m_filter->text(), Qt::CaseInsensitive));
+}

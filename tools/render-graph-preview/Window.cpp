@@ -1,0 +1,344 @@
+#include "Window.h"
+
+#include "ParameterPanel.h"
+#include "PictureFile.h"
+#include "PictureView.h"
+#include "TestPictures.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QDoubleSpinBox>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize kThumbnail = {128, 96};
+
+struct Size
+{
+    const char *name;
+    QSize size; // empty: the view's
+};
+
+constexpr Size kSizes[] = {{"as the view", {}},         {"640x480", {640, 480}},
+                           {"960x720", {960, 720}},     {"1440x1080", {1440, 1080}},
+                           {"1920x1440", {1920, 1440}}, {"3840x2160", {3840, 2160}}};
+constexpr const char *kZooms[] = {"fit", "1:1", "2:1", "3:1", "4:1", "6:1", "8:1"};
+constexpr const char *kComparisons[] = {"nothing", "source", "tuned values"};
+constexpr double kSpeeds[] = {60.0, 30.0, 10.0, 2.0};
+constexpr const char *kFormats[] = {"R11G11B10F", "RGBA16F", "RGBA8", "RGBA32F"};
+
+QString timeText(const PassResult &pass)
+{
+    switch (pass.kind) {
+    case PassResult::Kind::Cached:
+        return u"cached"_s;
+    case PassResult::Kind::ConstantBlack:
+        return u"black"_s;
+    case PassResult::Kind::Drawn:
+        break;
+    }
+    return pass.milliseconds ? u"%1 ms"_s.arg(*pass.milliseconds, 0, 'f', 2) : u"drawn"_s;
+}
+
+} // namespace
+
+Window::Window(const QString &shadersDir, const QString &device, const QString &preset)
+    : m_session(shadersDir, device),
+      m_parameters(new ParameterPanel(m_session)),
+      m_picture(new PictureView),
+      m_pictureArea(new QScrollArea),
+      m_strip(new QListWidget),
+      m_message(new QLabel),
+      m_times(new QLabel),
+      m_pixel(new QLabel)
+{
+    setAcceptDrops(true);
+    m_message->setObjectName(u"message"_s);
+    m_message->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_message->setWordWrap(true);
+    m_message->setMargin(6);
+    m_message->setStyleSheet(u"background: #7a1f1f; color: white"_s);
+    m_message->hide();
+    m_pictureArea->setWidgetResizable(true);
+    m_pictureArea->setFocusPolicy(Qt::NoFocus);
+    m_pictureArea->setWidget(m_picture);
+    m_pictureArea->viewport()->installEventFilter(this);
+    m_strip->setObjectName(u"strip"_s);
+    m_strip->setViewMode(QListView::IconMode);
+    m_strip->setFlow(QListView::LeftToRight);
+    m_strip->setWrapping(false);
+    m_strip->setMovement(QListView::Static);
+    m_strip->setIconSize(kThumbnail);
+    m_strip->setGridSize(kThumbnail + QSize(32, 4 * fontMetrics().height()));
+    m_strip->setFixedHeight(m_strip->gridSize().height() + fontMetrics().height());
+    m_strip->setAccessibleName(u"Outputs of all passes"_s);
+
+    auto *const central = new QWidget;
+    auto *const layout = new QVBoxLayout(central);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_message);
+    layout->addWidget(m_pictureArea, 1);
+    layout->addWidget(m_strip);
+    setCentralWidget(central);
+    auto *const dock = new QDockWidget(u"Parameters"_s);
+    dock->setObjectName(u"parameters"_s);
+    dock->setFeatures(QDockWidget::DockWidgetMovable | QDockWidget::DockWidgetFloatable);
+    dock->setWidget(m_parameters);
+    addDockWidget(Qt::RightDockWidgetArea, dock);
+    resizeDocks({dock}, {400}, Qt::Horizontal);
+    // What does not fit must not widen the window.
+    m_times->setObjectName(u"times"_s);
+    m_times->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar()->addWidget(m_times, 1);
+    m_pixel->setObjectName(u"pixel"_s);
+    statusBar()->addPermanentWidget(m_pixel);
+
+    makeToolBars();
+    makeActions();
+    connect(m_picture, &PictureView::pointedAt, this, &Window::showPixel);
+    connect(m_strip, &QListWidget::currentRowChanged, this, &Window::updateView);
+    connect(&m_session, &Session::frameDrawn, this, &Window::showFrame);
+    connect(&m_session, &Session::thumbnailDrawn, this, [this](int pass, const QImage &image) {
+        if (QListWidgetItem *const item = m_strip->item(pass))
+            item->setIcon(QPixmap::fromImage(image));
+    });
+    connect(&m_session, &Session::messageChanged, this, [this](const QString &message) {
+        m_message->setText(message);
+        m_message->setVisible(!message.isEmpty());
+    });
+    m_presets->setCurrentText(preset);
+    m_session.setPreset(preset);
+    setWindowTitle(u"render-graph-preview"_s);
+    resize(1280, 860);
+    updateView();
+}
+
+void Window::makeToolBars()
+{
+    QToolBar *const bar = addToolBar(u"View"_s);
+    bar->setMovable(false);
+    const auto add = [bar](const QString &title, QWidget *widget) {
+        auto *const label = new QLabel(title);
+        label->setBuddy(widget);
+        label->setMargin(4);
+        bar->addWidget(label);
+        bar->addWidget(widget);
+    };
+    const auto addChoice = [&add](const QString &title, const char *name) {
+        auto *const box = new QComboBox;
+        box->setObjectName(QLatin1StringView(name));
+        add(title, box);
+        return box;
+    };
+
+    m_presets = addChoice(u"&Preset"_s, "preset");
+    m_presets->addItems(presetNames());
+    connect(m_presets, &QComboBox::currentTextChanged, &m_session, &Session::setPreset);
+    m_sources = addChoice(u"&Source"_s, "source");
+    for (const QString &name : testPictureNames())
+        m_sources->addItem(name, name);
+    m_sizes = addChoice(u"Si&ze"_s, "size");
+    for (const Size &size : kSizes)
+        m_sizes->addItem(QLatin1StringView(size.name), size.size);
+    QComboBox *const zooms = addChoice(u"Zoo&m"_s, "zoom");
+    for (const char *const zoom : kZooms)
+        zooms->addItem(QLatin1StringView(zoom));
+    connect(zooms, &QComboBox::currentTextChanged, m_picture,
+            [this](const QString &zoom) { m_picture->setZoom(zoom.section(u':', 0, 0).toInt()); });
+    m_comparisons = addChoice(u"&Compare with"_s, "comparison");
+    for (const char *const comparison : kComparisons)
+        m_comparisons->addItem(QLatin1StringView(comparison));
+    m_headroom = new QDoubleSpinBox;
+    m_headroom->setObjectName(u"headroom"_s);
+    m_headroom->setRange(0.0, 16.0);
+    m_headroom->setSingleStep(0.5);
+    m_headroom->setDecimals(1);
+    m_headroom->setSpecialValueText(u"off"_s);
+    m_headroom->setToolTip(u"The display's peak over its reference white"_s);
+    add(u"&HDR headroom"_s, m_headroom);
+    QComboBox *const speeds = addChoice(u"Spee&d"_s, "speed");
+    for (const double speed : kSpeeds)
+        speeds->addItem(u"%1 fps"_s.arg(speed), speed);
+    connect(speeds, &QComboBox::currentIndexChanged, this,
+            [this, speeds] { m_session.setSpeed(speeds->currentData().toDouble()); });
+    for (QComboBox *const box : {m_sources, m_sizes, m_comparisons})
+        connect(box, &QComboBox::currentIndexChanged, this, &Window::updateView);
+    connect(m_headroom, &QDoubleSpinBox::valueChanged, this, &Window::updateView);
+}
+
+void Window::makeActions()
+{
+    const auto add = [](QMenu *menu, const QString &text, const QKeySequence &keys) {
+        QAction *const action = menu->addAction(text);
+        action->setShortcut(keys);
+        return action;
+    };
+    QMenu *const file = menuBar()->addMenu(u"&File"_s);
+    connect(add(file, u"&Open source picture..."_s, QKeySequence::Open), &QAction::triggered, this,
+            [this] {
+                const QString path = QFileDialog::getOpenFileName(this, u"Source picture"_s);
+                if (!path.isEmpty())
+                    openSource(path);
+            });
+    connect(add(file, u"&Save picture..."_s, QKeySequence::Save), &QAction::triggered, this,
+            &Window::savePicture);
+    connect(add(file, u"&Quit"_s, QKeySequence::Quit), &QAction::triggered, this, &Window::close);
+
+    QMenu *const frames = menuBar()->addMenu(u"F&rames"_s);
+    QAction *const run = add(frames, u"&Run"_s, Qt::Key_F5);
+    run->setCheckable(true);
+    connect(run, &QAction::toggled, &m_session, &Session::setRunning);
+    connect(&m_session, &Session::runningChanged, run, &QAction::setChecked);
+    QAction *const step = add(frames, u"S&tep"_s, Qt::Key_F6);
+    connect(step, &QAction::triggered, &m_session, &Session::step);
+
+    QMenu *const parameters = menuBar()->addMenu(u"P&arameters"_s);
+    QAction *const copy =
+            add(parameters, u"&Copy as overrides"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_C);
+    copy->setObjectName(u"copyOverrides"_s);
+    connect(copy, &QAction::triggered, this,
+            [this] { QApplication::clipboard()->setText(m_session.overrides()); });
+    QAction *const reset = add(parameters, u"&Reset all"_s, Qt::CTRL | Qt::Key_R);
+    reset->setObjectName(u"resetAll"_s);
+    connect(reset, &QAction::triggered, &m_session, &Session::resetAll);
+    connect(add(parameters, u"&Filter"_s, QKeySequence::Find), &QAction::triggered,
+            m_parameters->filter(), [this] { m_parameters->filter()->setFocus(); });
+
+    QToolBar *const bar = addToolBar(u"Actions"_s);
+    bar->setMovable(false);
+    bar->addActions({run, step});
+    auto *const values = new QToolBar;
+    values->addActions({copy, reset});
+    m_parameters->layout()->addWidget(values);
+    for (QToolBar *const buttons : {bar, values}) {
+        for (QAction *const action : buttons->actions())
+            buttons->widgetForAction(action)->setFocusPolicy(Qt::StrongFocus);
+    }
+}
+
+void Window::openSource(const QString &path)
+{
+    int index = m_sources->findData(path);
+    if (index < 0) {
+        index = m_sources->count();
+        m_sources->addItem(QFileInfo(path).fileName(), path);
+    }
+    m_sources->setCurrentIndex(index);
+}
+
+void Window::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void Window::dropEvent(QDropEvent *event)
+{
+    openSource(event->mimeData()->urls().value(0).toLocalFile());
+}
+
+void Window::savePicture()
+{
+    const std::shared_ptr<const DrawnFrame> frame = m_session.frame();
+    if (!frame)
+        return;
+    const QString path = QFileDialog::getSaveFileName(
+            this, u"Save picture"_s, m_session.preset() + ".png"_L1, u"PNG (*.png)"_s);
+    const std::optional<float> headroom =
+            frame->isToneMapped ? m_session.view().headroom : std::nullopt;
+    QString error;
+    if (!path.isEmpty() && !savePng(imageOf(frame->picture, headroom), path, error))
+        statusBar()->showMessage(error, 10000);
+}
+
+bool Window::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize && m_sizes->currentIndex() == 0)
+        updateView();
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void Window::updateView()
+{
+    ViewSettings view = m_session.view();
+    view.source = m_sources->currentData().toString();
+    const QSize size = m_sizes->currentData().toSize();
+    view.keepsShape = size.isEmpty();
+    view.viewport = size.isEmpty()
+            ? (QSizeF(m_pictureArea->maximumViewportSize()) * devicePixelRatioF()).toSize()
+            : size;
+    view.comparison = ViewSettings::Comparison(m_comparisons->currentIndex());
+    // Below 1 a display would be darker than its own white.
+    view.headroom.reset();
+    if (m_headroom->value() > 0.0)
+        view.headroom = std::max(1.0F, float(m_headroom->value()));
+    const int row = m_strip->currentRow();
+    view.pass = row == m_strip->count() - 1 ? -1 : row;
+    m_session.setView(view);
+}
+
+void Window::showFrame()
+{
+    const DrawnFrame &frame = *m_session.frame();
+    m_picture->setFrame(m_session.frame(), m_comparisons->currentText());
+
+    const bool isAnother = frame.components != m_components;
+    if (isAnother) {
+        m_components = frame.components;
+        const QSignalBlocker blocker(m_strip);
+        m_strip->clear();
+        m_strip->addItems(m_components);
+        m_strip->setCurrentRow(m_strip->count() - 1);
+    }
+    QStringList times;
+    for (int i = 0; i < m_strip->count(); ++i) {
+        const PassResult &pass = frame.passes.at(i);
+        const QString time = timeText(pass);
+        m_strip->item(i)->setText(
+                u"%1 %2\n%3x%4 %5\n%6"_s.arg(i)
+                        .arg(m_components.at(i))
+                        .arg(pass.size.width())
+                        .arg(pass.size.height())
+                        .arg(QLatin1StringView(kFormats[int(pass.format)]), time));
+        times.append(u"%1: %2"_s.arg(i).arg(time));
+    }
+    m_times->setText(u"%1 | frame %2, %3 ms | %4"_s.arg(frame.device)
+                             .arg(frame.number)
+                             .arg(frame.milliseconds, 0, 'f', 1)
+                             .arg(times.join(u"  "_s)));
+    m_times->setToolTip(times.join(u'\n'));
+    showPixel(m_pointedAt);
+    if (isAnother)
+        m_strip->scrollToItem(m_strip->currentItem());
+    if (isAnother && m_session.view().pass >= 0)
+        updateView();
+}
+
+void Window::showPixel(QPoint pixel)
+{
+    const std::shared_ptr<const DrawnFrame> frame = m_session.frame();
+    m_pointedAt = pixel;
+    if (!frame || !frame->image.rect().contains(pixel))
+        return m_pixel->clear();
+    QStringList channels;
+    for (const float channel : frame->picture.at(pixel.x(), pixel.y()))
+        channels.append(QString::number(double(channel), 'f', 4));
+    m_pixel->setText(u"(%1, %2): %3"_s.arg(pixel.x()).arg(pixel.y()).arg(channels.join(u"  "_s)));
+}
