@@ -386,14 +386,14 @@ void TestFaults::fullDisk()
     QVERIFY(QDir(u"disk"_s).isEmpty());
 }
 
-// Each of these can be opened, and gives no directive: it is empty, says that its size is 0, fails
-// to be read (with EIO), or ends before the size that it states, where a reader may wait for ever.
+// Each of these can be opened, and gives no directive: it is empty, says that its size is 0, cannot
+// be read (with EINVAL), or ends before the size that it states, where a reader may wait for ever.
 void TestFaults::componentWithoutContent_data()
 {
     QTest::addColumn<QString>("target");
     QTest::newRow("a device") << u"/dev/null"_s;
     QTest::newRow("a size of 0") << u"/proc/version"_s;
-    QTest::newRow("an I/O error") << u"/proc/self/mem"_s;
+    QTest::newRow("a read error") << u"/sys/class/net/lo/speed"_s;
     QTest::newRow("ends before its size") << u"/sys/devices/system/cpu/online"_s;
 }
 
