@@ -1,0 +1,53 @@
+# Compiles one module for render_graph_modules(). SETTINGS, a file, sets SOURCE, MODULE and DEPFILE, and the
+# commands COMPILE, which ends before the name of the depfile, and OPTIMIZE, if there is one.
+cmake_policy(VERSION 3.21)
+include("${SETTINGS}")
+
+cmake_path(GET MODULE FILENAME name)
+cmake_path(GET MODULE PARENT_PATH spirv_dir)
+file(MAKE_DIRECTORY "${spirv_dir}")
+set(part "${MODULE}.part")
+
+# A compiler that finds its disk full may not say so.
+function(run)
+    execute_process(COMMAND ${ARGN} RESULT_VARIABLE result)
+    set(magic)
+    if(result EQUAL 0)
+        file(READ "${part}" magic LIMIT 4 HEX)
+        file(SIZE "${part}" size)
+        math(EXPR rest "${size} % 4")
+    endif()
+    if(NOT magic MATCHES "^(03022307|07230203)$" OR NOT rest EQUAL 0)
+        file(REMOVE "${part}")
+        list(GET ARGN 0 program)
+        if(result MATCHES "^[1-9][0-9]*$")
+            message(FATAL_ERROR "${name} was not compiled: '${program}' says why above.")
+        elseif(NOT result EQUAL 0)
+            message(FATAL_ERROR "${name} was not compiled: '${program}' does not run: ${result}.")
+        endif()
+        message(FATAL_ERROR "${name} was not compiled: what '${program}' wrote is no SPIR-V. Is the disk full?")
+    endif()
+endfunction()
+run(${COMPILE} "${DEPFILE}" -o "${part}" "${SOURCE}")
+if(OPTIMIZE)
+    run(${OPTIMIZE} "${part}" -o "${part}")
+endif()
+
+# glslang escapes a space in a path and glslc does not, so a full path is what follows a space and begins
+# as one does.
+file(READ "${DEPFILE}" paths)
+string(REGEX REPLACE "^[^\n]*[.]part: *" "" paths "${paths}")
+string(REPLACE "\\ " " " paths "${paths}")
+string(STRIP "${paths}" paths)
+string(REGEX REPLACE " +(/|[A-Za-z]:[/\\])" ";\\1" paths "${paths}")
+set(rule "${MODULE}:")
+string(REGEX REPLACE "([# ])" "\\\\\\1" rule "${rule}")
+foreach(path IN LISTS paths)
+    string(REPLACE "\\" "/" path "${path}")
+    string(REPLACE "$" "$$" path "${path}")
+    string(REGEX REPLACE "([# ])" "\\\\\\1" path "${path}")
+    string(APPEND rule " ${path}")
+endforeach()
+file(WRITE "${DEPFILE}" "${rule}\n")
+
+file(RENAME "${part}" "${MODULE}")
