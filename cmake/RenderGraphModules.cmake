@@ -21,7 +21,7 @@ function(render_graph_modules)
     endif()
 
     set(work_dir "${CMAKE_CURRENT_BINARY_DIR}/render-graph/${target}_modules")
-    set(config_dir "${work_dir}")
+    set(config_dir "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_modules.dir/render-graph")
     get_property(is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
     if(is_multi_config)
         string(APPEND config_dir "/$<CONFIG>")
