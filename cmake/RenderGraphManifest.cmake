@@ -41,7 +41,7 @@ function(render_graph_manifest)
 
     # A file that went, or that came with an old time stamp, shows in the listing alone.
     _render_graph_glob_pattern(pattern "${shaders_dir}")
-    file(GLOB inputs LIST_DIRECTORIES false CONFIGURE_DEPENDS
+    file(GLOB inputs CONFIGURE_DEPENDS
         "${pattern}/*.glslp"
         "${pattern}/vulkan/components/*.slang"
         "${pattern}/vulkan/components/*.frag"
@@ -51,11 +51,11 @@ function(render_graph_manifest)
     list(SORT inputs)
     list(JOIN inputs "\n" listed)
     file(GENERATE OUTPUT "${listing}" CONTENT "${listed}\n")
-    # What the tool cannot find either, such as a dangling link, is its own to report.
-    set(existing ${inputs})
+    # A link that leads nowhere has no rule, and the time stamp of a directory says nothing here.
+    set(existing "")
     foreach(input IN LISTS inputs)
-        if(NOT EXISTS "${input}")
-            list(REMOVE_ITEM existing "${input}")
+        if(NOT IS_DIRECTORY "${input}" AND (EXISTS "${input}" OR NOT IS_SYMLINK "${input}"))
+            list(APPEND existing "${input}")
         endif()
     endforeach()
 
@@ -67,30 +67,39 @@ function(render_graph_manifest)
         set(utf8 "")
     endif()
 
+    set(step "${CMAKE_COMMAND}" "-DHEADER=${header}" "-DLATEST=${latest}")
+    set(script -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/RenderGraphManifestStep.cmake")
     add_custom_command(
         OUTPUT "${latest}"
-        BYPRODUCTS "${header}"
-        COMMAND "${CMAKE_COMMAND}" -E env ${utf8} "${CMAKE_COMMAND}"
-            "-DTOOL=${tool}" "-DSHADERS_DIR=${shaders_dir}" "-DHEADER=${header}" "-DLATEST=${latest}"
-            -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/RenderGraphManifestStep.cmake"
+        COMMAND "${CMAKE_COMMAND}" -E env ${utf8} ${step}
+            "-DTOOL=${tool}" "-DSHADERS_DIR=${shaders_dir}" ${script}
         DEPENDS "${listing}" "${tool_dependency}" ${existing} ${arg_DEPENDS}
         COMMENT "Generating ${arg_HEADER} for ${target}"
         VERBATIM
     )
 
-    # Ninja runs the step again when the byproduct is gone. Make does not know byproducts.
-    set(restore COMMAND "${CMAKE_COMMAND}" -E copy_if_different "${latest}" "${header}")
+    # A command of its own: Ninja takes one that leaves an output as it was to be as new as its newest
+    # input, and would miss every change until the date of an input that is dated in the future. Make
+    # compiles again what depends on a command that ran; it gets no rule for the header.
     if(CMAKE_GENERATOR MATCHES "^Ninja")
-        set(restore "")
+        add_custom_command(
+            OUTPUT "${header}"
+            COMMAND ${step} ${script}
+            DEPENDS "${latest}"
+            COMMENT "Updating ${arg_HEADER} for ${target}"
+            VERBATIM
+        )
+        add_custom_target(${target}_header DEPENDS "${header}")
+    else()
+        add_custom_target(${target}_header COMMAND ${step} ${script} DEPENDS "${latest}" VERBATIM)
     endif()
-    add_custom_target(${target}_header ${restore} DEPENDS "${latest}" VERBATIM)
 
     # A target-level dependency, since a generated file is known in its own directory only. The sources
     # are there for IDEs, and make a target of the library that can be built alone.
     add_library(${target} INTERFACE EXCLUDE_FROM_ALL)
     add_dependencies(${target} ${target}_header)
     target_sources(${target} PRIVATE "${header}" ${existing})
-    set_source_files_properties("${header}" PROPERTIES GENERATED ON)
+    set_source_files_properties("${header}" ${existing} PROPERTIES GENERATED ON) # or about to be
     source_group("Generated Files" FILES "${header}")
     source_group(TREE "${shaders_dir}" PREFIX Shaders FILES ${existing})
     set_target_properties(${target} PROPERTIES

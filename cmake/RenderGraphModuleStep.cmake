@@ -33,21 +33,19 @@ if(OPTIMIZE)
     run(${OPTIMIZE} "${part}" -o "${part}")
 endif()
 
-# glslang escapes a space in a path and glslc does not, so a full path is what follows a space and begins
-# as one does.
+# glslang escapes spaces and brackets, glslc nothing: a full path follows a space and begins as one does.
 file(READ "${DEPFILE}" paths)
+string(REPLACE "\\" "" paths "${paths}")
 string(REGEX REPLACE "^[^\n]*[.]part: *" "" paths "${paths}")
-string(REPLACE "\\ " " " paths "${paths}")
 string(STRIP "${paths}" paths)
-string(REGEX REPLACE " +(/|[A-Za-z]:[/\\])" ";\\1" paths "${paths}")
-set(rule "${MODULE}:")
-string(REGEX REPLACE "([# ])" "\\\\\\1" rule "${rule}")
-foreach(path IN LISTS paths)
-    string(REPLACE "\\" "/" path "${path}")
+string(REGEX REPLACE " +(/|[A-Za-z]:/)" ";\\1" paths "${paths}")
+set(rule "")
+foreach(path IN LISTS MODULE paths)
     string(REPLACE "$" "$$" path "${path}")
     string(REGEX REPLACE "([# ])" "\\\\\\1" path "${path}")
     string(APPEND rule " ${path}")
 endforeach()
+string(REGEX REPLACE "^ (.*[.]spv) " "\\1: " rule "${rule}")
 file(WRITE "${DEPFILE}" "${rule}\n")
 
 file(RENAME "${part}" "${MODULE}")

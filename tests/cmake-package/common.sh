@@ -9,6 +9,11 @@ fail() {
     exit 1
 }
 
+skip() {
+    echo "SKIPPED: $1" >&2
+    exit 77
+}
+
 # A fresh install in "$prefix", moved there from where it was installed.
 fresh_install() {
     rm -rf "$WORK_DIR"
