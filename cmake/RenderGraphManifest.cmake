@@ -35,6 +35,11 @@ function(render_graph_manifest)
             "render_graph_manifest(${target}): SHADERS_DIR is no directory: '${shaders_dir}'. "
             "A relative one counts from the directory of the CMakeLists.txt.")
     endif()
+    if(NOT target MATCHES "^[A-Za-z0-9_.+-]+$")
+        message(FATAL_ERROR
+            "render_graph_manifest: '${target}' cannot be the name of a library. "
+            "It consists of letters, digits and any of _.+-")
+    endif()
     if(TARGET "${target}")
         message(FATAL_ERROR
             "render_graph_manifest(${target}): there is a target '${target}' already. "
@@ -45,6 +50,10 @@ function(render_graph_manifest)
     set(work_dir "${CMAKE_CURRENT_BINARY_DIR}/render-graph/${target}")
     set(header "${work_dir}/include/${arg_HEADER}")
     set(latest "${work_dir}/latest.h")
+    get_property(is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
+    if(is_multi_config AND tool MATCHES "TARGET_FILE")
+        set(latest "${work_dir}/latest-$<CONFIG>.h") # each configuration has a tool of its own
+    endif()
     set(listing "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_inputs.txt")
 
     # A file that went, or that came with an old time stamp, shows in the listing alone.
@@ -56,6 +65,12 @@ function(render_graph_manifest)
     )
     list(JOIN inputs "\n" listed)
     file(GENERATE OUTPUT "${listing}" CONTENT "${listed}\n")
+    add_custom_command( # should it be deleted
+        OUTPUT "${listing}"
+        COMMAND "${CMAKE_COMMAND}" -E touch "${listing}"
+        COMMENT "Listing what ${target} is made of"
+        VERBATIM
+    )
     # A link that leads nowhere has no rule, and the time stamp of a directory says nothing here.
     set(existing "")
     foreach(input IN LISTS inputs)
@@ -103,6 +118,8 @@ function(render_graph_manifest)
     add_library(${target} INTERFACE)
     add_dependencies(${target} ${target}_header)
     target_include_directories(${target} INTERFACE "$<BUILD_INTERFACE:${work_dir}/include>")
+    # As an expression, since a project may have no C++ at all.
+    target_compile_features(${target} INTERFACE "$<BUILD_INTERFACE:cxx_std_17>")
 endfunction()
 
 # The command that runs the tool, and what the build step depends on for it.
@@ -110,8 +127,10 @@ function(_render_graph_compile_command command_variable dependency_variable)
     set(target RenderGraphCompile::render-graph-compile)
 
     if(RenderGraphCompile_EXECUTABLE)
+        # Another rule may be the one that makes it.
+        get_source_file_property(is_generated "${RenderGraphCompile_EXECUTABLE}" GENERATED)
         if(NOT IS_ABSOLUTE "${RenderGraphCompile_EXECUTABLE}"
-                OR NOT EXISTS "${RenderGraphCompile_EXECUTABLE}"
+                OR NOT (EXISTS "${RenderGraphCompile_EXECUTABLE}" OR is_generated)
                 OR IS_DIRECTORY "${RenderGraphCompile_EXECUTABLE}")
             message(FATAL_ERROR
                 "RenderGraphCompile_EXECUTABLE is '${RenderGraphCompile_EXECUTABLE}'. "
