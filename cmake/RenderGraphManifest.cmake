@@ -1,33 +1,19 @@
-# render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>)
+# render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>
+#     [DEPENDS <file or target>...])
 #
 # Defines the INTERFACE library <target>: whatever links it can include the render-graph manifest of
 # the shaders directory as <file name>. docs/cmake.md is the reference.
 cmake_policy(VERSION 3.21)
 
 function(render_graph_manifest)
-    cmake_parse_arguments(PARSE_ARGV 0 arg "" "SHADERS_DIR;HEADER" "")
-    set(synopsis "  render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>)")
-
-    list(POP_FRONT arg_UNPARSED_ARGUMENTS target)
-    if("${target}" STREQUAL "" OR NOT "${target}" STREQUAL "${ARGV0}")
+    cmake_parse_arguments(PARSE_ARGV 0 arg "" "SHADERS_DIR;HEADER" "DEPENDS")
+    _render_graph_check_call(render_graph_manifest
+        "<target> SHADERS_DIR <directory> HEADER <file name> [DEPENDS <file or target>...]"
+        SHADERS_DIR HEADER)
+    if(arg_HEADER MATCHES "\\\\|^/|/$|:|(^|/)[.][.]?(/|$)")
         message(FATAL_ERROR
-            "render_graph_manifest: the first argument is the name of the library. Write\n${synopsis}")
-    endif()
-    if(arg_UNPARSED_ARGUMENTS)
-        list(JOIN arg_UNPARSED_ARGUMENTS "', '" unknown)
-        message(FATAL_ERROR
-            "render_graph_manifest(${target}): unknown argument '${unknown}'. Write\n${synopsis}")
-    endif()
-    foreach(keyword IN ITEMS SHADERS_DIR HEADER)
-        if("${arg_${keyword}}" STREQUAL "")
-            message(FATAL_ERROR
-                "render_graph_manifest(${target}): ${keyword} is missing. Write\n${synopsis}")
-        endif()
-    endforeach()
-    if(arg_HEADER MATCHES "[/\\]")
-        message(FATAL_ERROR
-            "render_graph_manifest(${target}): HEADER is a file name without a directory, "
-            "but it is '${arg_HEADER}'.")
+            "render_graph_manifest(${target}): HEADER is what sources include, name.h or "
+            "directory/name.h, but it is '${arg_HEADER}'.")
     endif()
     get_filename_component(shaders_dir "${arg_SHADERS_DIR}" ABSOLUTE)
     if(NOT IS_DIRECTORY "${shaders_dir}")
@@ -46,6 +32,7 @@ function(render_graph_manifest)
             "Each manifest is a library of its own.")
     endif()
     _render_graph_compile_command(tool tool_dependency)
+    _render_graph_generated_inputs(generated "${shaders_dir}" "${arg_DEPENDS}")
 
     set(work_dir "${CMAKE_CURRENT_BINARY_DIR}/render-graph/${target}")
     set(header "${work_dir}/include/${arg_HEADER}")
@@ -56,13 +43,21 @@ function(render_graph_manifest)
     endif()
     set(listing "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_inputs.txt")
 
+    # Nothing shall find the header under the name that it had.
+    if(NOT EXISTS "${header}")
+        file(REMOVE_RECURSE "${work_dir}/include")
+    endif()
+
     # A file that went, or that came with an old time stamp, shows in the listing alone.
-    string(REGEX REPLACE "([[*?])" "[\\1]" pattern "${shaders_dir}")
+    _render_graph_glob_pattern(pattern "${shaders_dir}")
     file(GLOB inputs CONFIGURE_DEPENDS
         "${pattern}/*.glslp"
         "${pattern}/vulkan/components/*.slang"
         "${pattern}/vulkan/components/*.frag"
     )
+    list(APPEND inputs ${generated})
+    list(REMOVE_DUPLICATES inputs)
+    list(SORT inputs)
     list(JOIN inputs "\n" listed)
     file(GENERATE OUTPUT "${listing}" CONTENT "${listed}\n")
     add_custom_command( # should it be deleted
@@ -93,7 +88,7 @@ function(render_graph_manifest)
         OUTPUT "${latest}"
         COMMAND "${CMAKE_COMMAND}" -E env ${utf8} ${step}
             "-DTOOL=${tool}" "-DSHADERS_DIR=${shaders_dir}" ${script}
-        DEPENDS "${listing}" "${tool_dependency}" ${existing}
+        DEPENDS "${listing}" "${tool_dependency}" ${existing} ${arg_DEPENDS}
         COMMENT "Generating ${arg_HEADER} for ${target}"
         VERBATIM
     )
@@ -114,12 +109,75 @@ function(render_graph_manifest)
         add_custom_target(${target}_header COMMAND ${step} ${script} DEPENDS "${latest}" VERBATIM)
     endif()
 
-    # A target-level dependency, since a generated file is known in its own directory only.
-    add_library(${target} INTERFACE)
+    # A target-level dependency, since a generated file is known in its own directory only. The sources
+    # are there for IDEs, and make a target of the library that can be built alone.
+    add_library(${target} INTERFACE EXCLUDE_FROM_ALL)
     add_dependencies(${target} ${target}_header)
+    target_sources(${target} PRIVATE "${header}" ${existing})
+    set_source_files_properties("${header}" ${existing} PROPERTIES GENERATED ON) # or about to be
+    source_group("Generated Files" FILES "${header}")
+    source_group(TREE "${shaders_dir}" PREFIX Shaders FILES ${existing})
+    set_target_properties(${target} PROPERTIES
+        _render_graph_shaders_dir "${shaders_dir}"
+        _render_graph_header "${header}"
+        _render_graph_include "${arg_HEADER}"
+        _render_graph_generated "${generated}"
+    )
     target_include_directories(${target} INTERFACE "$<BUILD_INTERFACE:${work_dir}/include>")
     # As an expression, since a project may have no C++ at all.
     target_compile_features(${target} INTERFACE "$<BUILD_INTERFACE:cxx_std_17>")
+endfunction()
+
+# For a function whose arguments are parsed into arg_: its first one becomes `target`, and what is
+# missing or unknown is an error. Takes the function, how to call it, and the keywords that have to be there.
+macro(_render_graph_check_call function arguments)
+    set(synopsis "  ${function}(${arguments})")
+    list(POP_FRONT arg_UNPARSED_ARGUMENTS target)
+    if("${target}" STREQUAL "" OR NOT ARGV0 STREQUAL target)
+        message(FATAL_ERROR
+            "${function}: the first argument is the name of the target. Write\n${synopsis}")
+    endif()
+    list(LENGTH ARGV words)
+    if(words GREATER ARGC)
+        message(FATAL_ERROR
+            "${function}(${target}): an argument holds a semicolon, which CMake takes for the end of one.")
+    endif()
+    if(arg_UNPARSED_ARGUMENTS)
+        list(JOIN arg_UNPARSED_ARGUMENTS "', '" unknown)
+        message(FATAL_ERROR
+            "${function}(${target}): unknown argument '${unknown}'. Write\n${synopsis}")
+    endif()
+    foreach(keyword IN ITEMS ${ARGN})
+        if("${arg_${keyword}}" STREQUAL "")
+            message(FATAL_ERROR
+                "${function}(${target}): ${keyword} is missing. Write\n${synopsis}")
+        endif()
+    endforeach()
+endmacro()
+
+# A pattern that finds what is below the directory, whatever its name.
+function(_render_graph_glob_pattern pattern_variable directory)
+    string(REGEX REPLACE "([[*?])" "[\\1]" pattern "${directory}")
+    set(${pattern_variable} "${pattern}" PARENT_SCOPE)
+endfunction()
+
+# Which of the DEPENDS are part of the shaders directory: they count before they exist.
+function(_render_graph_generated_inputs generated_variable shaders_dir depends)
+    set(generated)
+    foreach(dependency IN LISTS depends)
+        if(IS_ABSOLUTE "${dependency}")
+            cmake_path(SET path NORMALIZE "${dependency}")
+            cmake_path(RELATIVE_PATH path BASE_DIRECTORY "${shaders_dir}")
+            if(path MATCHES "^([^/]+[.]glslp|vulkan/(fullscreen[.]vert|components/[^/]+[.](slang|frag)))$")
+                list(APPEND generated "${shaders_dir}/${path}")
+            endif()
+        elseif(NOT TARGET "${dependency}")
+            message(FATAL_ERROR
+                "render_graph_manifest(${target}): DEPENDS takes full paths and targets that are there "
+                "already, but '${dependency}' is neither.")
+        endif()
+    endforeach()
+    set(${generated_variable} "${generated}" PARENT_SCOPE)
 endfunction()
 
 # The command that runs the tool, and what the build step depends on for it.
