@@ -126,6 +126,78 @@ function(render_graph_manifest)
     target_include_directories(${target} INTERFACE "$<BUILD_INTERFACE:${work_dir}/include>")
     # As an expression, since a project may have no C++ at all.
     target_compile_features(${target} INTERFACE "$<BUILD_INTERFACE:cxx_std_17>")
+
+    # CMake itself compares what one target is given by all that it links; the rest is looked at once
+    # all targets are there.
+    set_target_properties(${target} PROPERTIES
+        INTERFACE_RENDER_GRAPH_SHADERS_DIR "${shaders_dir}"
+        COMPATIBLE_INTERFACE_STRING RENDER_GRAPH_SHADERS_DIR
+    )
+    cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" GET_CALL_IDS calls)
+    if(NOT "render_graph_manifest" IN_LIST calls)
+        cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" ID render_graph_manifest
+            CALL _render_graph_check_programs "${CMAKE_SOURCE_DIR}")
+    endif()
+endfunction()
+
+# All manifests define the same names, and a linker takes the first of each without a word.
+function(_render_graph_check_programs directory)
+    get_property(targets DIRECTORY "${directory}" PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target IN LISTS targets)
+        get_target_property(type ${target} TYPE)
+        if(type MATCHES "^(EXECUTABLE|(SHARED|MODULE)_LIBRARY)$")
+            _render_graph_manifests_of(manifests ${target})
+            set(known_dir "")
+            foreach(manifest IN LISTS manifests)
+                get_target_property(shaders_dir ${manifest} _render_graph_shaders_dir)
+                if(known_dir AND NOT shaders_dir STREQUAL known_dir)
+                    message(FATAL_ERROR
+                        "'${target}' links two render-graph manifests, '${known}' and '${manifest}', "
+                        "directly or through libraries. They define the same names, and it would "
+                        "silently get one of both.")
+                endif()
+                set(known "${manifest}")
+                set(known_dir "${shaders_dir}")
+            endforeach()
+        endif()
+    endforeach()
+
+    get_property(subdirectories DIRECTORY "${directory}" PROPERTY SUBDIRECTORIES)
+    foreach(subdirectory IN LISTS subdirectories)
+        _render_graph_check_programs("${subdirectory}")
+    endforeach()
+endfunction()
+
+# The manifests whose names stand in the target itself and in all that it links.
+function(_render_graph_manifests_of manifests_variable target)
+    get_property(is_known GLOBAL PROPERTY _render_graph_manifests_of_${target} SET)
+    if(NOT is_known)
+        set_property(GLOBAL PROPERTY _render_graph_manifests_of_${target} "") # libraries may link each other
+        set(manifests "")
+        get_target_property(shaders_dir ${target} _render_graph_shaders_dir)
+        if(shaders_dir)
+            set(manifests ${target})
+        endif()
+        foreach(property IN ITEMS LINK_LIBRARIES INTERFACE_LINK_LIBRARIES)
+            get_target_property(libraries ${target} ${property})
+            # Within generator expressions too, such as the LINK_ONLY of a static library's private ones.
+            string(REGEX MATCHALL "[A-Za-z0-9_.+-]+(::[A-Za-z0-9_.+-]+)*" names "${libraries}")
+            foreach(name IN LISTS names)
+                if(TARGET ${name})
+                    get_target_property(type ${name} TYPE)
+                    get_target_property(visibility ${name} CXX_VISIBILITY_PRESET)
+                    if(NOT (type STREQUAL "SHARED_LIBRARY" AND visibility STREQUAL "hidden"))
+                        _render_graph_manifests_of(linked ${name})
+                        list(APPEND manifests ${linked})
+                    endif()
+                endif()
+            endforeach()
+        endforeach()
+        list(REMOVE_DUPLICATES manifests)
+        set_property(GLOBAL PROPERTY _render_graph_manifests_of_${target} "${manifests}")
+    endif()
+    get_property(manifests GLOBAL PROPERTY _render_graph_manifests_of_${target})
+    set(${manifests_variable} "${manifests}" PARENT_SCOPE)
 endfunction()
 
 # For a function whose arguments are parsed into arg_: its first one becomes `target`, and what is

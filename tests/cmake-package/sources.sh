@@ -16,9 +16,9 @@ qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
 configured() {
     to=$1
     printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES CXX)' \
-        "$2" 'add_subdirectory(../render-graph-compile first)' "$3" \
+        "$2" 'add_subdirectory(../render-graph-compile first)' \
         'render_graph_manifest(presets SHADERS_DIR shaders HEADER RenderGraphManifest.h)' \
-        'add_executable(app main.cpp)' 'target_link_libraries(app PRIVATE presets)' \
+        'add_executable(app main.cpp)' 'target_link_libraries(app PRIVATE presets)' "$3" \
         >project/CMakeLists.txt
     shift 3
     configure project "$to" "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Werror" "$@"
