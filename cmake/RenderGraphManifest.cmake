@@ -96,6 +96,7 @@ function(render_graph_manifest)
     # A command of its own: Ninja takes one that leaves an output as it was to be as new as its newest
     # input, and would miss every change until the date of an input that is dated in the future. Make
     # compiles again what depends on a command that ran; it gets no rule for the header.
+    set(updated "${target}.render-graph-header")
     if(CMAKE_GENERATOR MATCHES "^Ninja")
         add_custom_command(
             OUTPUT "${header}"
@@ -104,15 +105,15 @@ function(render_graph_manifest)
             COMMENT "Updating ${arg_HEADER} for ${target}"
             VERBATIM
         )
-        add_custom_target(${target}_header DEPENDS "${header}")
+        add_custom_target(${updated} DEPENDS "${header}")
     else()
-        add_custom_target(${target}_header COMMAND ${step} ${script} DEPENDS "${latest}" VERBATIM)
+        add_custom_target(${updated} COMMAND ${step} ${script} DEPENDS "${latest}" VERBATIM)
     endif()
 
     # A target-level dependency, since a generated file is known in its own directory only. The sources
     # are there for IDEs, and make a target of the library that can be built alone.
     add_library(${target} INTERFACE EXCLUDE_FROM_ALL)
-    add_dependencies(${target} ${target}_header)
+    add_dependencies(${target} ${updated})
     target_sources(${target} PRIVATE "${header}" ${existing})
     set_source_files_properties("${header}" ${existing} PROPERTIES GENERATED ON) # or about to be
     source_group("Generated Files" FILES "${header}")

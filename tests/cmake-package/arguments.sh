@@ -70,6 +70,11 @@ call_rejected "a SHADERS_DIR shaders HEADER a.h)
 render_graph_manifest(a SHADERS_DIR shaders HEADER b.h" \
     "(a): there is a target 'a' already. Each manifest is a library of its own."
 
+for name in my::presets 'my presets'; do
+    call_rejected "\"$name\" SHADERS_DIR shaders HEADER a.h" \
+        ": '$name' cannot be the name of a library. It consists of letters, digits and any of _.+-"
+done
+
 for executable in tool shaders "$WORK_DIR/project" "$WORK_DIR/none"; do
     rejected "set(RenderGraphCompile_EXECUTABLE \"$executable\")
 $package

@@ -27,7 +27,8 @@ configured() {
 # The header asks for C++17, and so it compiles without a warning where the default is an older one.
 configured several 'set(CMAKE_CXX_STANDARD 14)
 add_library(VulkanRenderGraph INTERFACE)
-add_library(VulkanRenderGraphCatalog INTERFACE)' \
+add_library(VulkanRenderGraphCatalog INTERFACE)
+add_custom_target(presets_header)' \
     'add_subdirectory(../render-graph-compile second)
 find_package(RenderGraphCompile 1 REQUIRED)' \
     -G 'Ninja Multi-Config' "-DQt6_DIR=$qt_dir" || fail 'configuring'

@@ -51,6 +51,7 @@ refused app 'target_link_libraries(first PRIVATE $<BUILD_INTERFACE:still>)
 target_link_libraries(app PRIVATE $<$<BOOL:TRUE>:first> moving)'
 refused app 'target_link_libraries(shared PRIVATE still)
 target_link_libraries(app PRIVATE shared moving)'
+# shellcheck disable=SC2016 # expanded by CMake
 refused sub_app 'add_library(alias::first ALIAS first)
 target_link_libraries(first PRIVATE still)
 file(WRITE ${CMAKE_BINARY_DIR}/sub/CMakeLists.txt "add_executable(sub_app ${CMAKE_SOURCE_DIR}/main.cpp)
