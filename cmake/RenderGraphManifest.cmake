@@ -21,6 +21,11 @@ function(render_graph_manifest)
             "render_graph_manifest(${target}): SHADERS_DIR is no directory: '${shaders_dir}'. "
             "A relative one counts from the directory of the CMakeLists.txt.")
     endif()
+    if(NOT target MATCHES "^[A-Za-z0-9_.+-]+$")
+        message(FATAL_ERROR
+            "render_graph_manifest: '${target}' cannot be the name of a library. "
+            "It consists of letters, digits and any of _.+-")
+    endif()
     if(TARGET "${target}")
         message(FATAL_ERROR
             "render_graph_manifest(${target}): there is a target '${target}' already. "
@@ -32,6 +37,10 @@ function(render_graph_manifest)
     set(work_dir "${CMAKE_CURRENT_BINARY_DIR}/render-graph/${target}")
     set(header "${work_dir}/include/${arg_HEADER}")
     set(latest "${work_dir}/latest.h")
+    get_property(is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
+    if(is_multi_config AND tool MATCHES "TARGET_FILE")
+        set(latest "${work_dir}/latest-$<CONFIG>.h") # each configuration has a tool of its own
+    endif()
     set(listing "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_inputs.txt")
 
     # Nothing shall find the header under the name that it had.
@@ -51,6 +60,12 @@ function(render_graph_manifest)
     list(SORT inputs)
     list(JOIN inputs "\n" listed)
     file(GENERATE OUTPUT "${listing}" CONTENT "${listed}\n")
+    add_custom_command( # should it be deleted
+        OUTPUT "${listing}"
+        COMMAND "${CMAKE_COMMAND}" -E touch "${listing}"
+        COMMENT "Listing what ${target} is made of"
+        VERBATIM
+    )
     # A link that leads nowhere has no rule, and the time stamp of a directory says nothing here.
     set(existing "")
     foreach(input IN LISTS inputs)
@@ -81,6 +96,7 @@ function(render_graph_manifest)
     # A command of its own: Ninja takes one that leaves an output as it was to be as new as its newest
     # input, and would miss every change until the date of an input that is dated in the future. Make
     # compiles again what depends on a command that ran; it gets no rule for the header.
+    set(updated "${target}.render-graph-header")
     if(CMAKE_GENERATOR MATCHES "^Ninja")
         add_custom_command(
             OUTPUT "${header}"
@@ -89,15 +105,15 @@ function(render_graph_manifest)
             COMMENT "Updating ${arg_HEADER} for ${target}"
             VERBATIM
         )
-        add_custom_target(${target}_header DEPENDS "${header}")
+        add_custom_target(${updated} DEPENDS "${header}")
     else()
-        add_custom_target(${target}_header COMMAND ${step} ${script} DEPENDS "${latest}" VERBATIM)
+        add_custom_target(${updated} COMMAND ${step} ${script} DEPENDS "${latest}" VERBATIM)
     endif()
 
     # A target-level dependency, since a generated file is known in its own directory only. The sources
     # are there for IDEs, and make a target of the library that can be built alone.
     add_library(${target} INTERFACE EXCLUDE_FROM_ALL)
-    add_dependencies(${target} ${target}_header)
+    add_dependencies(${target} ${updated})
     target_sources(${target} PRIVATE "${header}" ${existing})
     set_source_files_properties("${header}" ${existing} PROPERTIES GENERATED ON) # or about to be
     source_group("Generated Files" FILES "${header}")
@@ -109,6 +125,80 @@ function(render_graph_manifest)
         _render_graph_generated "${generated}"
     )
     target_include_directories(${target} INTERFACE "$<BUILD_INTERFACE:${work_dir}/include>")
+    # As an expression, since a project may have no C++ at all.
+    target_compile_features(${target} INTERFACE "$<BUILD_INTERFACE:cxx_std_17>")
+
+    # CMake itself compares what one target is given by all that it links; the rest is looked at once
+    # all targets are there.
+    set_target_properties(${target} PROPERTIES
+        INTERFACE_RENDER_GRAPH_SHADERS_DIR "${shaders_dir}"
+        COMPATIBLE_INTERFACE_STRING RENDER_GRAPH_SHADERS_DIR
+    )
+    cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" GET_CALL_IDS calls)
+    if(NOT "render_graph_manifest" IN_LIST calls)
+        cmake_language(DEFER DIRECTORY "${CMAKE_SOURCE_DIR}" ID render_graph_manifest
+            CALL _render_graph_check_programs "${CMAKE_SOURCE_DIR}")
+    endif()
+endfunction()
+
+# All manifests define the same names, and a linker takes the first of each without a word.
+function(_render_graph_check_programs directory)
+    get_property(targets DIRECTORY "${directory}" PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target IN LISTS targets)
+        get_target_property(type ${target} TYPE)
+        if(type MATCHES "^(EXECUTABLE|(SHARED|MODULE)_LIBRARY)$")
+            _render_graph_manifests_of(manifests ${target})
+            set(known_dir "")
+            foreach(manifest IN LISTS manifests)
+                get_target_property(shaders_dir ${manifest} _render_graph_shaders_dir)
+                if(known_dir AND NOT shaders_dir STREQUAL known_dir)
+                    message(FATAL_ERROR
+                        "'${target}' links two render-graph manifests, '${known}' and '${manifest}', "
+                        "directly or through libraries. They define the same names, and it would "
+                        "silently get one of both.")
+                endif()
+                set(known "${manifest}")
+                set(known_dir "${shaders_dir}")
+            endforeach()
+        endif()
+    endforeach()
+
+    get_property(subdirectories DIRECTORY "${directory}" PROPERTY SUBDIRECTORIES)
+    foreach(subdirectory IN LISTS subdirectories)
+        _render_graph_check_programs("${subdirectory}")
+    endforeach()
+endfunction()
+
+# The manifests whose names stand in the target itself and in all that it links.
+function(_render_graph_manifests_of manifests_variable target)
+    get_property(is_known GLOBAL PROPERTY _render_graph_manifests_of_${target} SET)
+    if(NOT is_known)
+        set_property(GLOBAL PROPERTY _render_graph_manifests_of_${target} "") # libraries may link each other
+        set(manifests "")
+        get_target_property(shaders_dir ${target} _render_graph_shaders_dir)
+        if(shaders_dir)
+            set(manifests ${target})
+        endif()
+        foreach(property IN ITEMS LINK_LIBRARIES INTERFACE_LINK_LIBRARIES)
+            get_target_property(libraries ${target} ${property})
+            # Within generator expressions too, such as the LINK_ONLY of a static library's private ones.
+            string(REGEX MATCHALL "[A-Za-z0-9_.+-]+(::[A-Za-z0-9_.+-]+)*" names "${libraries}")
+            foreach(name IN LISTS names)
+                if(TARGET ${name})
+                    get_target_property(type ${name} TYPE)
+                    get_target_property(visibility ${name} CXX_VISIBILITY_PRESET)
+                    if(NOT (type STREQUAL "SHARED_LIBRARY" AND visibility STREQUAL "hidden"))
+                        _render_graph_manifests_of(linked ${name})
+                        list(APPEND manifests ${linked})
+                    endif()
+                endif()
+            endforeach()
+        endforeach()
+        list(REMOVE_DUPLICATES manifests)
+        set_property(GLOBAL PROPERTY _render_graph_manifests_of_${target} "${manifests}")
+    endif()
+    get_property(manifests GLOBAL PROPERTY _render_graph_manifests_of_${target})
+    set(${manifests_variable} "${manifests}" PARENT_SCOPE)
 endfunction()
 
 # For a function whose arguments are parsed into arg_: its first one becomes `target`, and what is
@@ -168,8 +258,10 @@ function(_render_graph_compile_command command_variable dependency_variable)
     set(target RenderGraphCompile::render-graph-compile)
 
     if(RenderGraphCompile_EXECUTABLE)
+        # Another rule may be the one that makes it.
+        get_source_file_property(is_generated "${RenderGraphCompile_EXECUTABLE}" GENERATED)
         if(NOT IS_ABSOLUTE "${RenderGraphCompile_EXECUTABLE}"
-                OR NOT EXISTS "${RenderGraphCompile_EXECUTABLE}"
+                OR NOT (EXISTS "${RenderGraphCompile_EXECUTABLE}" OR is_generated)
                 OR IS_DIRECTORY "${RenderGraphCompile_EXECUTABLE}")
             message(FATAL_ERROR
                 "RenderGraphCompile_EXECUTABLE is '${RenderGraphCompile_EXECUTABLE}'. "
