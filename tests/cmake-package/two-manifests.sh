@@ -47,6 +47,10 @@ target_link_libraries(app PRIVATE first second)'
 refused app 'target_link_libraries(first PRIVATE still second)
 target_link_libraries(second PRIVATE moving first)
 target_link_libraries(app PRIVATE second)'
+refused app 'add_library(between INTERFACE)
+target_link_libraries(between INTERFACE still)
+target_link_libraries(first PRIVATE between)
+target_link_libraries(app PRIVATE first moving)'
 refused app 'target_link_libraries(first PRIVATE $<BUILD_INTERFACE:still>)
 target_link_libraries(app PRIVATE $<$<BOOL:TRUE>:first> moving)'
 refused app 'target_link_libraries(shared PRIVATE still)
