@@ -1,5 +1,6 @@
-# Compiles one module for render_graph_modules(). SETTINGS, a file, sets SOURCE, MODULE and DEPFILE, and the
-# commands COMPILE, which ends before the name of the depfile, and OPTIMIZE, if there is one.
+# Compiles one module for render_graph_modules(). SETTINGS, a file, sets SOURCE, MODULE, the commands COMPILE,
+# which ends before the name of the depfile, and OPTIMIZE, if there is one, and two files that tell what
+# the module was made of: DEPFILE, a rule for make, and DEPENDENCIES, one path a line.
 cmake_policy(VERSION 3.21)
 include("${SETTINGS}")
 
@@ -39,13 +40,18 @@ string(REPLACE "\\" "" paths "${paths}")
 string(REGEX REPLACE "^[^\n]*[.]part: *" "" paths "${paths}")
 string(STRIP "${paths}" paths)
 string(REGEX REPLACE " +(/|[A-Za-z]:/)" ";\\1" paths "${paths}")
+list(JOIN paths "\n" lines)
+file(WRITE "${DEPENDENCIES}" "${lines}\n")
 set(rule "")
 foreach(path IN LISTS MODULE paths)
     string(REPLACE "$" "$$" path "${path}")
     string(REGEX REPLACE "([# ])" "\\\\\\1" path "${path}")
-    string(APPEND rule " ${path}")
+    if(rule STREQUAL "")
+        set(rule "${path}:")
+    else()
+        string(APPEND rule " ${path}")
+    endif()
 endforeach()
-string(REGEX REPLACE "^ (.*[.]spv) " "\\1: " rule "${rule}")
 file(WRITE "${DEPFILE}" "${rule}\n")
 
 file(RENAME "${part}" "${MODULE}")

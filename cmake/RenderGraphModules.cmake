@@ -64,24 +64,29 @@ function(render_graph_modules)
             set(stage vert)
         endif()
 
-        # Make does not compile again when the command changes, but when a file does.
+        # Make does not compile again when the command changes, but when a file does. And what CMake hands
+        # it of a depfile only ever grows: a file that went would be compiled for in each build.
         set(module "${spirv_dir}/${name}.${stage}.spv")
-        set(settings "${config_dir}/${name}.${stage}.cmake")
-        set(depfile "${config_dir}/${name}.${stage}.d")
+        set(record "${config_dir}/${name}.${stage}.spv")
         string(REPLACE "STAGE" "${stage}" compile_stage "${compile}")
-        file(GENERATE OUTPUT "${settings}" CONTENT "\
+        file(GENERATE OUTPUT "${record}.cmake" CONTENT "\
 set(SOURCE [==[${source}]==])
 set(MODULE [==[${module}]==])
-set(DEPFILE [==[${depfile}]==])
+set(DEPFILE [==[${record}.d]==])
+set(DEPENDENCIES [==[${record}.txt]==])
 set(COMPILE [==[${compile_stage}]==])
 set(OPTIMIZE [==[${optimize}]==])
 ")
+        set(depfile DEPFILE "${record}.d")
+        if(CMAKE_GENERATOR MATCHES "Makefiles")
+            set(depfile "")
+        endif()
         add_custom_command(
             OUTPUT "${module}"
-            COMMAND "${CMAKE_COMMAND}" "-DSETTINGS=${settings}"
+            COMMAND "${CMAKE_COMMAND}" "-DSETTINGS=${record}.cmake"
                 -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/RenderGraphModuleStep.cmake"
-            DEPENDS "${source}" "${settings}" "${compiler}" ${optimizer}
-            DEPFILE "${depfile}"
+            DEPENDS "${source}" "${record}.cmake" "${compiler}" ${optimizer}
+            ${depfile}
             COMMENT "Compiling ${name}.${stage}.spv for ${target}"
             VERBATIM
         )
@@ -94,6 +99,7 @@ set(OPTIMIZE [==[${optimize}]==])
 set(HEADER [==[${header}]==])
 set(MODULES [==[${modules}]==])
 set(BUILT [==[${built}]==])
+set(RECORDS [==[${config_dir}]==])
 ")
     add_custom_command(
         OUTPUT "${built}"
@@ -106,6 +112,14 @@ set(BUILT [==[${built}]==])
 
     add_custom_target(${target}_modules DEPENDS "${built}" ${modules} SOURCES ${sources})
     add_dependencies(${target}_modules ${arg_MANIFEST})
+    if(CMAKE_GENERATOR MATCHES "Makefiles")
+        add_custom_target(${target}_stale_modules
+            COMMAND "${CMAKE_COMMAND}" "-DSETTINGS=${settings}"
+                -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/RenderGraphStaleModules.cmake"
+            VERBATIM
+        )
+        add_dependencies(${target}_modules ${target}_stale_modules)
+    endif()
     set_source_files_properties(${sources} PROPERTIES GENERATED ON)
     source_group(TREE "${shaders_dir}" PREFIX Shaders FILES ${sources})
     set(waiting ${target})
@@ -175,7 +189,7 @@ function(_render_graph_glsl_compiler compiler_variable compile_variable optimize
         string(APPEND compile ";$<$<CONFIG:Release,RelWithDebInfo>:-O>;$<$<CONFIG:MinSizeRel>:-Os>;-MD;-MF")
     elseif("${version}" MATCHES "^Glslang Version")
         set(compile "${compiler};-V;--quiet;-S;STAGE;${debug};--depfile")
-        find_program(RenderGraphCompile_SPIRV_OPT spirv-opt HINTS "$ENV{VULKAN_SDK}/bin"
+        find_program(RenderGraphCompile_SPIRV_OPT spirv-opt HINTS ENV VULKAN_SDK PATH_SUFFIXES bin
             NO_CMAKE_FIND_ROOT_PATH DOC "Optimizes what glslang compiles.")
         if(RenderGraphCompile_SPIRV_OPT)
             set(optimizer "${RenderGraphCompile_SPIRV_OPT}")
@@ -197,6 +211,6 @@ endfunction()
 
 function(_render_graph_find_glsl_compiler)
     find_program(RenderGraphCompile_GLSL_COMPILER NAMES glslangValidator glslang glslc
-        HINTS "$ENV{VULKAN_SDK}/bin" NO_CMAKE_FIND_ROOT_PATH
+        HINTS ENV VULKAN_SDK PATH_SUFFIXES bin NO_CMAKE_FIND_ROOT_PATH
         DOC "Compiles shader components: glslangValidator, glslang or glslc.")
 endfunction()

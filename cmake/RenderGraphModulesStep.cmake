@@ -1,5 +1,5 @@
 # Holds what render_graph_modules() compiles against what the manifest names, and removes the modules whose
-# components went. SETTINGS, a file, sets HEADER, MODULES, and BUILT, which lists the modules of the run before.
+# components went. SETTINGS, a file, sets HEADER, MODULES, and BUILT, a file that lists the modules of the run before.
 cmake_policy(VERSION 3.21)
 include("${SETTINGS}")
 
