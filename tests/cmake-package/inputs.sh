@@ -34,6 +34,7 @@ it, and build again." log)" = 1 ] || fail "$name: no such line"
 
 recovered() {
     build build || fail "$name: the build does not recover"
+    [ "$(lines 'Generating m.h')" = 1 ] || fail "$name: the tool did not run"
     "$tool" --shaders-dir "$shaders" --out expected.h >/dev/null
     cmp "$header" expected.h || fail "$name: the header is not what the tool writes"
 }
@@ -61,14 +62,14 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     refused "$input" 'is a directory'
     rmdir "$input"
     recovered
-    mkfifo "$input"
-    refused "$input" 'is no regular file'
-    rm "$input"
     for target in /dev/null /dev/zero; do
         ln -s $target "$input"
         refused "$input" 'is no regular file'
         rm "$input"
     done
+    mkfifo "$input"
+    refused "$input" 'is no regular file'
+    rm "$input"
     recovered # Ninja has words of its own for a loop where it knew a file
     ln -s stock.slang "$input"
     refused "$input" 'is a loop of links'
@@ -87,12 +88,14 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     chmod u+r unreadable.slang
     recovered
     rm "$input"
+    recovered
 
     # What a file may be.
     ln -s "$components/stock.frag" "$input"
     name="$generator: a link to a file"
     recovered
     rm "$input"
+    recovered
     ln -s nowhere "$input"
     name="$generator: a link to nowhere"
     recovered
