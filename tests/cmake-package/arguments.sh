@@ -132,16 +132,16 @@ more_rejected 'enable_language(CXX)
 add_subdirectory(sub)
 render_graph_modules(library MANIFEST a)' "render_graph_modules(library): the call belongs into the \
 directory of 'library', '$WORK_DIR/project/sub'."
-more_rejected 'set(RenderGraphCompile_GLSL_COMPILER "${CMAKE_COMMAND}")
-render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)' "RenderGraphCompile_GLSL_COMPILER is \
+more_rejected "set(RenderGraphCompile_GLSL_COMPILER \"$CMAKE\")
+render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)" "RenderGraphCompile_GLSL_COMPILER is \
 '$CMAKE', which does not answer --version as glslangValidator, glslang or glslc do. Set it to the full \
 path of one of them."
 more_rejected 'set(CMAKE_PROGRAM_PATH "")
 set(CMAKE_FIND_USE_SYSTEM_ENVIRONMENT_PATH OFF)
 set(CMAKE_FIND_USE_CMAKE_SYSTEM_PATH OFF)
-render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)' 'render_graph_modules: there is no GLSL \
+render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)' "render_graph_modules: there is no GLSL \
 compiler here: glslangValidator, glslang or glslc (Debian: glslang-tools, glslc). \
-RenderGraphCompile_GLSL_COMPILER can name one by its full path.'
+RenderGraphCompile_GLSL_COMPILER can name one by its full path."
 more_rejected 'render_graph_catalog(catalog)' \
     'render_graph_catalog(catalog): MANIFEST is missing. Write render_graph_catalog(<library> MANIFEST <library>)'
 more_rejected 'render_graph_catalog(catalog MANIFEST files)' "render_graph_catalog(catalog): MANIFEST is \

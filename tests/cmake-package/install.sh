@@ -1,6 +1,6 @@
 #!/bin/sh
 # An install of a tool whose Qt is in a prefix of its own, with data in a directory outside the
-# prefix; its .deb; and the archive of the sources.
+# prefix; its components and how it is uninstalled; its .deb; and the archive of the sources.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -46,6 +46,35 @@ endforeach()
 END
 configure project used -G Ninja "-DRenderGraphCompile_DIR=$WORK_DIR/shared data/cmake/RenderGraphCompile" ||
     fail 'the package does not find its files in an absolute directory'
+
+configure "$sources" "$sources/out" -DCMAKE_INSTALL_DATADIR=share || fail 'configuring for components'
+for component in tool development examples; do
+    "$CMAKE" --install "$sources/out" --component $component --prefix "$WORK_DIR/parts/$component" >log 2>&1 ||
+        fail "installing the component $component"
+done
+(cd parts && find . -type f | sed 's|^[.]/||; /cmake/s|/[^/]*$|/*|; /shaders/s|/[^/]*$|/*|' | sort -u) >found
+diff - found <<'END' || fail 'other components'
+development/share/cmake/RenderGraphCompile/*
+development/share/pkgconfig/render-graph-compile.pc
+development/share/render-graph-compile/catalog/VulkanRenderGraph.cpp
+development/share/render-graph-compile/catalog/VulkanRenderGraph.h
+development/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
+development/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h
+examples/share/render-graph-compile/examples/shaders/*
+examples/share/render-graph-compile/examples/shaders/vulkan/*
+examples/share/render-graph-compile/examples/shaders/vulkan/components/*
+examples/share/render-graph-compile/examples/shaders/vulkan/include/*
+tool/bin/render-graph-compile
+tool/share/man/man1/render-graph-compile.1
+END
+: >parts/tool/bin/of-others
+build "$sources/out" --target uninstall || fail 'uninstalling'
+[ "$(find parts installed 'shared data' -type f)" = parts/tool/bin/of-others ] ||
+    fail 'uninstalling leaves or takes something'
+[ -z "$(find parts 'shared data' -name 'render-graph-compile' -o -name RenderGraphCompile)" ] ||
+    fail 'uninstalling leaves directories'
+if build "$sources/out" --target uninstall; then fail 'uninstalling what is not installed'; fi
+[ "$(lines 'Nothing was installed from')" = 1 ] || fail 'uninstalling nothing says something else'
 
 # The .deb's Qt is the system's.
 if command -v dpkg-deb >/dev/null; then

@@ -118,6 +118,15 @@ row 'rename it' 1 0 1
 [ ! -e "$modules/surplus.frag.spv" ] || fail "$name: the old module is still there"
 rm "$components/renamed.slang"
 row 'remove it' 1 0 0
+mv "$components/hdr-color-boost.slang" .
+name="$generator: remove a component that the tool does not read"
+if build 'the build'; then fail "$name: the build succeeded"; fi
+tr -s ' \n' ' ' <log >message
+grep -q "RenderGraphManifest.h names modules that have no source in the shaders directory: \
+hdr-color-boost.frag.spv. A source that another rule generates has to stand in DEPENDS of \
+render_graph_manifest() by its full path[.]" message || fail "$name: the module is not named"
+mv hdr-color-boost.slang "$components"
+row 'put that one back' 1 0 0
 
 echo 'a note' >"$components/notes.txt"
 mkdir -p "$shaders/vulkan/include"

@@ -9,7 +9,7 @@ fresh_install
 cp -R "$tests/whole" 'whole (1)'
 cp "$SOURCE_DIR/examples/consumer/main.cpp" 'whole (1)'
 shaders='whole (1)/shaders'
-cp -R "$SOURCE_DIR/examples/shaders" "$shaders"
+cp -R "$prefix/share/render-graph-compile/examples/shaders" "$shaders"
 components=$shaders/vulkan/components
 sed 's/texCoord/texCoord * (1.0 + pc.frameCount)/' "$components/stock.frag" >'whole (1)/moving.glsl'
 modules=$(($(find "$components" -name '*.slang' -o -name '*.frag' | wc -l) + 1))
