@@ -1,6 +1,7 @@
 #!/bin/sh
 # A disk without room for what the build step writes: the step fails, keeps the header and leaves
-# nothing behind, and the next build recovers. On a small file system in a namespace of its own.
+# nothing behind, and the next build recovers. On a small file system in a namespace of its own. The same
+# for a manifest that is cut short by anything else.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -72,3 +73,18 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     [ "$outcomes" = ' refused built' ] || fail "$generator: in turn it was$outcomes"
     umount "$disk"
 done
+
+# However little is missing.
+# shellcheck disable=SC2016 # expanded when it runs
+printf '%s\n' '#!/bin/sh' "'$tool' \"\$@\" >/dev/null" 'truncate -s -"$(cat "$0.cut")" "$4"' >short
+chmod +x short
+rm -rf build
+configure project build -G Ninja "-DRenderGraphCompile_EXECUTABLE=$WORK_DIR/short" || fail 'configuring'
+for cut in 1 2 50 "$(wc -c <expected.h)"; do
+    echo "$cut" >short.cut
+    if build build; then fail "$cut bytes short: the build succeeded"; fi
+    [ "$(lines 'it could not be written to its end')" = 1 ] || fail "$cut bytes short: no such line"
+done
+echo 0 >short.cut
+build build || fail 'the build does not recover from a short manifest'
+current || fail 'after a short manifest the header is not what the tool writes'

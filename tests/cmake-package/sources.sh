@@ -55,7 +55,7 @@ tr -s ' \n' ' ' <log >message
 grep -qF "find_package(RenderGraphCompile) was called before the sources of RenderGraphCompile were \
 added. Leave out one of both. -- Configuring" message || fail 'the error does not say what to leave out'
 
-# Where the tool is named, nothing of it is built, and no Qt is looked for.
+# Where the tool is named, nothing of it is built, and no Qt is needed.
 configured named '' '' -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake" \
     -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON "-DRenderGraphCompile_EXECUTABLE=$tool" ||
     fail 'configuring with a tool that is named'
