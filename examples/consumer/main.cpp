@@ -141,7 +141,8 @@ void show(QTextStream &out, const QString &name, const VulkanRenderGraphCatalog:
     printTable(out, parameters);
 }
 
-// A module is a file of 32-bit words, of which the first says so and in which byte order the others are.
+// A module is a file of 32-bit words, of which the first says so and in which byte order the others
+// are.
 bool isSpirv(const QString &resource)
 {
     static const QByteArray kMagic = QByteArray::fromHex("03022307");
@@ -157,8 +158,7 @@ bool check(QTextStream &out)
     for (const QString &name : VulkanRenderGraphCatalog::presetNames()) {
         const auto preset = VulkanRenderGraphCatalog::preset(name);
         for (const Graph::Pass &pass : preset->graph.passes) {
-            for (const QString &resource :
-                 {pass.fragmentSpirvResource, pass.vertexSpirvResource}) {
+            for (const QString &resource : {pass.fragmentSpirvResource, pass.vertexSpirvResource}) {
                 ++count;
                 if (!isSpirv(resource) && !missing.contains(resource))
                     missing.append(resource);

@@ -6,6 +6,7 @@
 
 namespace FirstPartyPresetSource {
 
+// clang-format off
 inline constexpr PassDecl kTintPasses[] = {
     {.component = "tint", .scaleType = kScaleViewport},
 };
@@ -13,5 +14,6 @@ inline constexpr PassDecl kTintPasses[] = {
 inline constexpr PresetDecl kPresets[] = {
     {.name = "tint", .passes = kTintPasses, .passCount = std::size(kTintPasses)},
 };
+// clang-format on
 
 } // namespace FirstPartyPresetSource
