@@ -11,7 +11,8 @@ cp "$SOURCE_DIR/examples/consumer/main.cpp" 'whole (1)'
 shaders='whole (1)/shaders'
 cp -R "$prefix/share/render-graph-compile/examples/shaders" "$shaders"
 components=$shaders/vulkan/components
-sed 's/texCoord/texCoord * (1.0 + pc.frameCount)/' "$components/stock.frag" >'whole (1)/moving.glsl'
+sed 's/texCoord/texCoord * (1.0 + pc.frameCount)/; s/component.glsl/generated.glsl/' \
+    "$components/stock.frag" >'whole (1)/moving.glsl'
 modules=$(($(find "$components" -name '*.slang' -o -name '*.frag' | wc -l) + 1))
 preset_count=$(sed 1d "$SOURCE_DIR/tests/presets/tables/presets.csv" | wc -l)
 
@@ -21,7 +22,7 @@ whole() {
     generator=$1
     compiler=$(command -v "$2") || fail "no $2 here"
     shift 2
-    rm -f "$components/stock.slang"
+    rm -f "$components/stock.slang" "$shaders/vulkan/include/generated.glsl"
     mkdir -p "$generator/.cmake/api/v1/query"
     : >"$generator/.cmake/api/v1/query/codemodel-v2"
     configure 'whole (1)' "$generator" -G "$generator" "-DRenderGraphCompile_GLSL_COMPILER=$compiler" \
