@@ -47,6 +47,9 @@ target_link_libraries(app PRIVATE first second)'
 refused app 'target_link_libraries(first PRIVATE still second)
 target_link_libraries(second PRIVATE moving first)
 target_link_libraries(app PRIVATE second)'
+refused app 'add_library(objects OBJECT use.cpp)
+target_link_libraries(objects PRIVATE still)
+target_link_libraries(app PRIVATE objects moving)'
 refused app 'add_library(between INTERFACE)
 target_link_libraries(between INTERFACE still)
 target_link_libraries(first PRIVATE between)
