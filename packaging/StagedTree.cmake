@@ -9,6 +9,12 @@ if(CPACK_GENERATOR STREQUAL "DEB")
             "Install Debian's dpkg-dev, or make the .tar.gz alone: cpack -G TGZ")
     endif()
 
+    # It depends on the system's Qt, wherever this machine has the one that it was built with.
+    file(GLOB programs "${CPACK_TEMPORARY_DIRECTORY}/usr/bin/*")
+    foreach(program IN LISTS programs)
+        file(RPATH_REMOVE FILE "${program}")
+    endforeach()
+
     set(share "${CPACK_TEMPORARY_DIRECTORY}/usr/share")
     set(doc "${share}/doc/${CPACK_PACKAGE_NAME}")
     file(COPY "${CMAKE_CURRENT_LIST_DIR}/debian/" DESTINATION "${doc}"

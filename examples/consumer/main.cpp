@@ -1,5 +1,6 @@
 #include <VulkanRenderGraphCatalog.h>
 
+#include <QFile>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -140,6 +141,37 @@ void show(QTextStream &out, const QString &name, const VulkanRenderGraphCatalog:
     printTable(out, parameters);
 }
 
+// A module is a file of 32-bit words, of which the first says so and in which byte order the others
+// are.
+bool isSpirv(const QString &resource)
+{
+    static const QByteArray kMagic = QByteArray::fromHex("03022307");
+    QFile file(resource);
+    return file.open(QIODevice::ReadOnly) && file.size() % 4 == 0 && file.read(4) == kMagic;
+}
+
+// Whether every module that the manifest names is in this program.
+bool check(QTextStream &out)
+{
+    QStringList missing;
+    qsizetype count = 0;
+    for (const QString &name : VulkanRenderGraphCatalog::presetNames()) {
+        const auto preset = VulkanRenderGraphCatalog::preset(name);
+        for (const Graph::Pass &pass : preset->graph.passes) {
+            for (const QString &resource : {pass.fragmentSpirvResource, pass.vertexSpirvResource}) {
+                ++count;
+                if (!isSpirv(resource) && !missing.contains(resource))
+                    missing.append(resource);
+            }
+        }
+    }
+    for (const QString &resource : missing)
+        out << resource << " is missing or no SPIR-V\n";
+    if (missing.isEmpty())
+        out << "all of " << count << " named modules are here\n";
+    return missing.isEmpty();
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -153,8 +185,10 @@ int main(int argc, char *argv[])
         list(out);
         return 0;
     }
+    if (arguments == QStringList{u"check"_s})
+        return check(out) ? 0 : 1;
     if (arguments.size() != 2 || arguments[0] != u"show"_s) {
-        std::fputs("usage: consumer list | consumer show <preset>\n", stderr);
+        std::fputs("usage: consumer check | consumer list | consumer show <preset>\n", stderr);
         return 1;
     }
     const auto preset = VulkanRenderGraphCatalog::preset(arguments[1]);

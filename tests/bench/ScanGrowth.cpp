@@ -31,6 +31,7 @@ struct Shape
 constexpr Shape kShapes[] = {
         {"shortest-lines", "x;\n", 1},
         {"short-lines", "vec3 c = f(uv);\n", 1},
+        {"commented-lines", "    x = x * pc.scale; // nothing to see here\n", 1},
         {"one-line", "vec3 c = f(uv); ", 1},
         {"directives", "//! param p%1\n", std::numeric_limits<int>::max()},
         {"slot-reads", "x += pc.params[%1];\n", 32},

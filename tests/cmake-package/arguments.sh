@@ -6,7 +6,8 @@ set -eu
 fresh_install
 mkdir -p project/shaders
 package='find_package(RenderGraphCompile 1 REQUIRED)'
-synopsis='Write render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>)'
+synopsis="Write render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name> \
+[DEPENDS <file or target>...])"
 
 # configured <CMake code>: CMake breaks its messages into lines, here they are one.
 configured() {
@@ -40,17 +41,18 @@ render_graph_manifest($1)" "render_graph_manifest$2"
 
 accepted "$package
 render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)
-render_graph_manifest(b HEADER a.h SHADERS_DIR \${CMAKE_CURRENT_SOURCE_DIR}/shaders/)"
+add_custom_target(components)
+render_graph_manifest(b HEADER directory.d/..a/a.h DEPENDS components /none/a.slang SHADERS_DIR \${CMAKE_CURRENT_SOURCE_DIR}/shaders/)"
 accepted 'find_package(RenderGraphCompile 1.0.0 REQUIRED)'
 # The tool serves targets whose pointers are not as wide as its own.
 accepted "set(CMAKE_SIZEOF_VOID_P 2)
 $package"
 
-call_rejected '' ": the first argument is the name of the library. $synopsis"
+call_rejected '' ": the first argument is the name of the target. $synopsis"
 call_rejected 'SHADERS_DIR shaders HEADER a.h' \
-    ": the first argument is the name of the library. $synopsis"
+    ": the first argument is the name of the target. $synopsis"
 call_rejected 'SHADERS_DIR shaders a HEADER a.h' \
-    ": the first argument is the name of the library. $synopsis"
+    ": the first argument is the name of the target. $synopsis"
 call_rejected 'a' "(a): SHADERS_DIR is missing. $synopsis"
 call_rejected 'a HEADER a.h' "(a): SHADERS_DIR is missing. $synopsis"
 call_rejected 'a SHADERS_DIR HEADER a.h' "(a): SHADERS_DIR is missing. $synopsis"
@@ -60,8 +62,14 @@ call_rejected 'a SHADERS_DIR shaders HEADER' "(a): HEADER is missing. $synopsis"
 call_rejected 'a SHADERS_DIR shaders HEADER a.h OUTPUT b.h' \
     "(a): unknown argument 'OUTPUT', 'b.h'. $synopsis"
 call_rejected 'a b SHADERS_DIR shaders HEADER a.h' "(a): unknown argument 'b'. $synopsis"
-call_rejected 'a SHADERS_DIR shaders HEADER include/a.h' \
-    "(a): HEADER is a file name without a directory, but it is 'include/a.h'."
+for header in /a.h a/ ../a.h a/../b.h ./a.h C:a.h; do
+    call_rejected "a SHADERS_DIR shaders HEADER $header" "(a): HEADER is what sources include, name.h \
+or directory/name.h, but it is '$header'."
+done
+call_rejected 'a SHADERS_DIR "shaders;other" HEADER a.h' \
+    '(a): an argument holds a semicolon, which CMake takes for the end of one.'
+call_rejected 'a SHADERS_DIR shaders HEADER a.h DEPENDS "shaders/a.slang"' "(a): DEPENDS takes full paths \
+and targets that are there already, but 'shaders/a.slang' is neither."
 call_rejected 'a SHADERS_DIR none HEADER a.h' "(a): SHADERS_DIR is no directory: \
 '$WORK_DIR/project/none'. A relative one counts from the directory of the CMakeLists.txt."
 call_rejected 'a SHADERS_DIR CMakeLists.txt HEADER a.h' "(a): SHADERS_DIR is no directory: \
@@ -69,6 +77,11 @@ call_rejected 'a SHADERS_DIR CMakeLists.txt HEADER a.h' "(a): SHADERS_DIR is no 
 call_rejected "a SHADERS_DIR shaders HEADER a.h)
 render_graph_manifest(a SHADERS_DIR shaders HEADER b.h" \
     "(a): there is a target 'a' already. Each manifest is a library of its own."
+
+for name in my::presets 'my presets'; do
+    call_rejected "\"$name\" SHADERS_DIR shaders HEADER a.h" \
+        ": '$name' cannot be the name of a library. It consists of letters, digits and any of _.+-"
+done
 
 for executable in tool shaders "$WORK_DIR/project" "$WORK_DIR/none"; do
     rejected "set(RenderGraphCompile_EXECUTABLE \"$executable\")
@@ -84,6 +97,59 @@ rejected 'add_subdirectory(sub)
 render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)' \
     "render_graph_manifest: there is no target RenderGraphCompile::render-graph-compile here. Call \
 find_package(RenderGraphCompile REQUIRED) in this directory or in one above it."
+
+# With a manifest, and a target that could hold modules.
+more_rejected() {
+    rejected "$package
+render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)
+add_custom_target(files)
+$1" "$2"
+}
+
+modules_synopsis='Write render_graph_modules(<target> MANIFEST <library> [OUTPUT_DIRECTORY <directory>])'
+more_rejected 'render_graph_modules(MANIFEST a)' \
+    "render_graph_modules: the first argument is the name of the target. $modules_synopsis"
+more_rejected 'render_graph_modules(files)' \
+    "render_graph_modules(files): MANIFEST is missing. $modules_synopsis"
+more_rejected 'render_graph_modules(none MANIFEST a)' \
+    "render_graph_modules(none): there is no target 'none'. It comes first."
+for library in b files; do
+    more_rejected "render_graph_modules(files MANIFEST $library OUTPUT_DIRECTORY spirv)" \
+        "render_graph_modules(files): MANIFEST is the library of a render_graph_manifest() that comes \
+first, but it is '$library'."
+done
+more_rejected 'render_graph_modules(files MANIFEST a)' "render_graph_modules(files): 'files' is no \
+program or library that could hold Qt resources. OUTPUT_DIRECTORY takes the modules as files."
+more_rejected 'render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)
+render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY again)' "render_graph_modules(files): there is \
+a target 'files_modules' already. Each target has the modules of one manifest."
+more_rejected 'enable_language(CXX)
+add_library(library STATIC a.cpp)
+render_graph_modules(library MANIFEST a)' "render_graph_modules(library): Qt resources need \
+find_package(Qt6 COMPONENTS Core) first. OUTPUT_DIRECTORY takes the modules as files."
+echo 'add_library(library STATIC a.cpp)' >project/sub/CMakeLists.txt
+more_rejected 'enable_language(CXX)
+add_subdirectory(sub)
+render_graph_modules(library MANIFEST a)' "render_graph_modules(library): the call belongs into the \
+directory of 'library', '$WORK_DIR/project/sub'."
+more_rejected "set(RenderGraphCompile_GLSL_COMPILER \"$CMAKE\")
+render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)" "RenderGraphCompile_GLSL_COMPILER is \
+'$CMAKE', which does not answer --version as glslangValidator, glslang or glslc do. Set it to the full \
+path of one of them."
+more_rejected 'set(CMAKE_PROGRAM_PATH "")
+set(CMAKE_FIND_USE_SYSTEM_ENVIRONMENT_PATH OFF)
+set(CMAKE_FIND_USE_CMAKE_SYSTEM_PATH OFF)
+render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)' "render_graph_modules: there is no GLSL \
+compiler here: glslangValidator, glslang or glslc (Debian: glslang-tools, glslc). \
+RenderGraphCompile_GLSL_COMPILER can name one by its full path."
+more_rejected 'render_graph_catalog(catalog)' \
+    'render_graph_catalog(catalog): MANIFEST is missing. Write render_graph_catalog(<library> MANIFEST <library>)'
+more_rejected 'render_graph_catalog(catalog MANIFEST files)' "render_graph_catalog(catalog): MANIFEST is \
+the library of a render_graph_manifest() that comes first, but it is 'files'."
+more_rejected 'render_graph_catalog(files MANIFEST a)' "render_graph_catalog(files): there is a target \
+'files' already. The catalogue is a library of its own."
+more_rejected 'render_graph_catalog(catalog MANIFEST a)' \
+    'render_graph_catalog(catalog): the catalogue needs find_package(Qt6 COMPONENTS Core) first.'
 
 for version in 0.9 2 1.999; do
     configured "find_package(RenderGraphCompile $version REQUIRED)"

@@ -88,7 +88,9 @@ for row in \
     grep -qFx "$row" log || fail "consumer show crt-pvm: no line '$row'"
 done
 
-usage='usage: consumer list | consumer show <preset>'
+echo 'all of 284 named modules are here' | prints 0 check
+
+usage='usage: consumer check | consumer list | consumer show <preset>'
 echo "$usage" | prints 1
 echo "$usage" | prints 1 lists
 echo "$usage" | prints 1 list stock

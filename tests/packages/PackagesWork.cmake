@@ -14,10 +14,10 @@ function(run)
     set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-# Which files make up the CMake package is not for this test to know.
+# Which files make up the CMake package and the examples is not for this test to know.
 function(expect_tree root prefix)
     file(GLOB_RECURSE found LIST_DIRECTORIES FALSE RELATIVE "${root}" "${root}/*")
-    list(FILTER found EXCLUDE REGEX "/cmake/")
+    list(FILTER found EXCLUDE REGEX "/(cmake|examples)/")
     set(expected ${ARGN})
     list(SORT found)
     list(SORT expected)
@@ -93,6 +93,7 @@ expect_tree("${WORK_DIR}/deb" usr/
     usr/share/doc/render-graph-compile/changelog.gz
     usr/share/doc/render-graph-compile/copyright
     usr/share/man/man1/render-graph-compile.1.gz
+    usr/share/pkgconfig/render-graph-compile.pc
     usr/share/render-graph-compile/catalog/VulkanRenderGraph.cpp
     usr/share/render-graph-compile/catalog/VulkanRenderGraph.h
     usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
@@ -123,6 +124,7 @@ string(REGEX REPLACE "[.]tar[.]gz$" "" top "${top}")
 expect_tree("${WORK_DIR}/tar" "${top}/"
     "${top}/bin/render-graph-compile"
     "${top}/share/man/man1/render-graph-compile.1"
+    "${top}/share/pkgconfig/render-graph-compile.pc"
     "${top}/share/render-graph-compile/catalog/VulkanRenderGraph.cpp"
     "${top}/share/render-graph-compile/catalog/VulkanRenderGraph.h"
     "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp"

@@ -1,6 +1,6 @@
-#include "GraphRunner.h"
+#include "ShaderTesting.h"
 
-#include "../TestSupport.h"
+#include "TestSupport.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,15 +48,15 @@ Picture scene(QSize size, int shift)
 // What the preset shows as its third frame of a moving scene.
 Picture shown(const PresetEntry &preset, const Params &params, bool isHdr)
 {
-    GraphRunner runner(shaders(), preset);
+    PresetDrawing drawing(preset);
     FrameState state = {.params = params,
                         .viewport = {320, 240},
                         .hdrOutputActive = isHdr,
                         .hdrHeadroom = isHdr ? 4.0F : 1.0F};
-    QList<Picture> outputs;
+    Picture picture;
     for (; state.frameCount < 3; ++state.frameCount)
-        outputs = runner.draw(scene({80, 60}, 3 * int(state.frameCount)), state);
-    return outputs.constLast();
+        picture = drawing.draw(scene({80, 60}, 3 * int(state.frameCount)), state);
+    return picture;
 }
 
 bool isFinite(const Picture &picture)

@@ -1,4 +1,4 @@
-#include "GraphRunner.h"
+#include "ShaderTesting.h"
 
 #include <QTest>
 
@@ -14,7 +14,7 @@ using namespace RenderGraphManifestData;
 namespace {
 
 using Params = QHash<QString, float>;
-using Tweak = std::function<void(PushConstants &)>;
+using Tweak = std::function<void(FrameState &)>;
 
 constexpr float kExact = 0.0F;
 constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
@@ -23,21 +23,19 @@ constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
 Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
                  const Params &params = {}, const Tweak &tweak = {})
 {
-    const QSize source = inputs.isEmpty() ? QSize(1, 1) : inputs.first().picture->size;
-    const PassEntry &pass = passEntry(component);
-    if (pass.paramCount != params.size())
-        qFatal("%s has %d parameters", qPrintable(component), pass.paramCount);
-    PushConstants constants = pushConstants(pass, source, size, source, params);
+    if (passEntry(component).paramCount != params.size())
+        qFatal("%s has %d parameters", qPrintable(component), passEntry(component).paramCount);
+    FrameState state = {.params = params, .viewport = size};
     if (tweak)
-        tweak(constants);
-    return shaders().draw(component, inputs, size, constants);
+        tweak(state);
+    return drawComponent(component, inputs, state);
 }
 
 Tweak hdr(float headroom)
 {
-    return [headroom](PushConstants &constants) {
-        constants.hdrOutputActive = 1;
-        constants.hdrHeadroom = headroom;
+    return [headroom](FrameState &state) {
+        state.hdrOutputActive = true;
+        state.hdrHeadroom = headroom;
     };
 }
 
@@ -210,7 +208,7 @@ void TestExampleShaderResults::neutralValuesLeaveThePictureAlone()
     QFETCH(float, tolerance);
     const Picture picture = noise({24, 18});
     const Picture result = evaluate(component, {{.picture = &picture}}, picture.size, params,
-                                    [](PushConstants &constants) { constants.frameCount = 77; });
+                                    [](FrameState &state) { state.frameCount = 77; });
     QVERIFY2(difference(result, picture) <= tolerance,
              QByteArray::number(difference(result, picture)).constData());
 }
@@ -401,7 +399,7 @@ void TestExampleShaderResults::persistence()
     QFETCH(float, expected);
     const Params params = {
             {u"persist_r"_s, retention}, {u"persist_g"_s, 0.0F}, {u"persist_b"_s, 0.0F}};
-    const Tweak time = [seconds](PushConstants &constants) { constants.frameSeconds = seconds; };
+    const Tweak time = [seconds](FrameState &state) { state.frameSeconds = seconds; };
     const Picture dark = flat({2, 2}, 0.0F, 0.0F, 0.0F, 0.25F);
     const Picture last = grey({2, 2}, 1.0F);
     const Picture tail = evaluate(u"crt-persistence"_s, {{.picture = &dark}, {.picture = &last}},
@@ -577,9 +575,9 @@ void TestExampleShaderResults::ghosting()
     const Picture cells = evaluate(
             component, {{.picture = &drive}, {.picture = &last}}, {2, 2},
             {{u"ghost_rise"_s, 0.5F}, {u"ghost_fall"_s, 0.4F}, {u"ghost_hdr_speed"_s, speed}},
-            [=](PushConstants &constants) {
-                constants.frameSeconds = seconds;
-                constants.hdrOutputActive = isHdr ? 1 : 0;
+            [=](FrameState &state) {
+                state.frameSeconds = seconds;
+                state.hdrOutputActive = isHdr;
             });
     QVERIFY(difference(cells, grey({2, 2}, expected)) < kRounding);
 }
@@ -681,9 +679,9 @@ void TestExampleShaderResults::scalerKeepsStraightEdges()
         }
     }
     const PresetEntry &preset = presetEntry(u"no-pixels"_s);
-    GraphRunner runner(shaders(), preset);
+    PresetDrawing drawing(preset);
     const Picture tripled =
-            runner.draw(picture, {.params = initialParams(preset), .viewport = {42, 36}}).at(5);
+            drawing.draw(picture, {.params = initialParams(preset), .viewport = {42, 36}}, 5);
     QCOMPARE(tripled.size, QSize(42, 36));
     for (int y = 0; y < 36; ++y) {
         for (int x = 0; x < 42; ++x)
@@ -702,9 +700,9 @@ void TestExampleShaderResults::scalerSmoothsAStaircase()
     }
     const PresetEntry &preset = presetEntry(u"no-pixels"_s);
     const auto tripled = [&](float smoothEdges) {
-        GraphRunner runner(shaders(), preset);
+        PresetDrawing drawing(preset);
         const Params params = with(initialParams(preset), {{u"SFX_SAA"_s, smoothEdges}});
-        return runner.draw(picture, {.params = params, .viewport = {45, 45}}).at(5);
+        return drawing.draw(picture, {.params = params, .viewport = {45, 45}}, 5);
     };
     // In the middle of the edge: of the dark pixel (7, 7) the upper right corner is cut.
     const Picture smooth = tripled(1.0F);
@@ -757,9 +755,9 @@ void TestExampleShaderResults::tapeRunsWithTheFrameCounter()
     const auto frame = [&](std::uint32_t count, int direction, float speed) {
         return evaluate(u"rewind-noise"_s, {{.picture = &picture}}, picture.size,
                         {{u"noiseAmount"_s, 0.5F}, {u"lineNoise"_s, 0.5F}, {u"tapeSpeed"_s, speed}},
-                        [=](PushConstants &constants) {
-                            constants.frameCount = count;
-                            constants.frameDirection = direction;
+                        [=](FrameState &state) {
+                            state.frameCount = count;
+                            state.frameDirection = direction;
                         });
     };
     QVERIFY(difference(frame(10, 1, 1.0F), frame(11, 1, 1.0F)) > 0.1F);

@@ -154,12 +154,26 @@ constexpr bool identifiersAreUnique(std::span<const PresetDecl> presets)
     return true;
 }
 
-constexpr bool bindsParam(const PresetDecl &preset, std::string_view id)
+// For all overrides against all parameters: std::string_view would first measure both texts, and
+// compilers take that long to evaluate.
+constexpr bool isSameText(const char *a, const char *b)
 {
-    return std::ranges::any_of(passesOf(preset), [id](const PassDecl &pass) {
-        return std::ranges::any_of(paramsOf(pass),
-                                   [id](const ParamDecl &param) { return param.id == id; });
-    });
+    for (; *a == *b; ++a, ++b) {
+        if (*a == '\0')
+            return true;
+    }
+    return false;
+}
+
+constexpr bool bindsParam(const PresetDecl &preset, const char *id)
+{
+    for (const PassDecl &pass : passesOf(preset)) {
+        for (const ParamDecl &param : paramsOf(pass)) {
+            if (isSameText(param.id, id))
+                return true;
+        }
+    }
+    return false;
 }
 
 constexpr bool publishesAlias(std::span<const PassDecl> passes, std::string_view alias)
@@ -243,8 +257,8 @@ constexpr bool absoluteSizesAreOnAbsolutePasses(const PresetDecl &preset)
 constexpr bool constantBlackIdsAreBound(const PresetDecl &preset)
 {
     return std::ranges::all_of(passesOf(preset), [&preset](const PassDecl &pass) {
-        const std::string_view id = pass.constantBlackWhenZero;
-        return id.empty() || bindsParam(preset, id);
+        const char *id = pass.constantBlackWhenZero;
+        return *id == '\0' || bindsParam(preset, id);
     });
 }
 
@@ -257,14 +271,16 @@ constexpr bool overrideIdsAreBound(const PresetDecl &preset)
 
 constexpr bool overrideValuesAreInRange(const PresetDecl &preset)
 {
-    return std::ranges::all_of(valueOverridesOf(preset), [&preset](const ValueOverride &row) {
-        return std::ranges::all_of(passesOf(preset), [&row](const PassDecl &pass) {
-            return std::ranges::all_of(paramsOf(pass), [&row](const ParamDecl &param) {
-                return std::string_view(param.id) != row.id
-                        || (param.min <= row.value && row.value <= param.max);
-            });
-        });
-    });
+    for (const PassDecl &pass : passesOf(preset)) {
+        for (const ParamDecl &param : paramsOf(pass)) {
+            for (const ValueOverride &row : valueOverridesOf(preset)) {
+                if (isSameText(param.id, row.id)
+                    && !(param.min <= row.value && row.value <= param.max))
+                    return false;
+            }
+        }
+    }
+    return true;
 }
 
 constexpr bool overrideIdsAreUnique(const PresetDecl &preset)

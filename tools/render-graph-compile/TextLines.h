@@ -15,7 +15,7 @@ void forEachLine(QIODevice &device, Visitor visit)
 {
     QStringDecoder decode;
     QString text; // decoded and not yet visited
-    std::array<char, 16384> buffer; // NOLINT(cppcoreguidelines-pro-type-member-init)
+    std::array<char, 16384> buffer;
     // Only a read tells where the text ends: atEnd() believes the size that the device states.
     for (qint64 size = 0; (size = device.read(buffer.data(), buffer.size())) > 0;) {
         const QByteArrayView bytes(buffer.data(), size);

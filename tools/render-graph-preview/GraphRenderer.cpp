@@ -407,11 +407,11 @@ vk::raii::Sampler GraphRenderer::State::createSampler(bool isLinear, bool hasMip
     const vk::Filter filter = isLinear ? vk::Filter::eLinear : vk::Filter::eNearest;
     const vk::SamplerAddressMode mode = addressMode(wrapMode);
     return {m_device.device(),
-            vk::SamplerCreateInfo({}, filter, filter,
-                                  hasMipmaps ? vk::SamplerMipmapMode::eLinear
-                                             : vk::SamplerMipmapMode::eNearest,
-                                  mode, mode, mode, 0.0F, VK_FALSE, 1.0F, VK_FALSE,
-                                  vk::CompareOp::eNever, 0.0F, VK_LOD_CLAMP_NONE)};
+            vk::SamplerCreateInfo(
+                    {}, filter, filter,
+                    hasMipmaps ? vk::SamplerMipmapMode::eLinear : vk::SamplerMipmapMode::eNearest,
+                    mode, mode, mode, 0.0F, VK_FALSE, 1.0F, VK_FALSE, vk::CompareOp::eNever, 0.0F,
+                    hasMipmaps ? VK_LOD_CLAMP_NONE : 0.0F)};
 }
 
 DeviceImage GraphRenderer::State::createBlack(float alpha) const
@@ -487,10 +487,9 @@ QString GraphRenderer::State::objectionTo(const QString &what, QSize size) const
                       m_device.limits().maxFramebufferHeight}));
     if (size.width() <= most && size.height() <= most)
         return {};
-    return "%1 has %2x%3 pixels, and this device takes no more than %4 either way"_L1.arg(what)
-            .arg(size.width())
-            .arg(size.height())
-            .arg(most);
+    return "%1 has %2x%3 pixels, and this device takes no more than %4 either way"_L1.arg(
+            what, QString::number(size.width()), QString::number(size.height()),
+            QString::number(most));
 }
 
 QString GraphRenderer::State::objectionTo(const Picture &source) const

@@ -1,0 +1,45 @@
+#!/bin/sh
+# The projects of docs/other-builds.md, with the example consumer's sources.
+set -eu
+. "$(dirname "$0")/common.sh"
+
+fresh_install
+cp -R "$prefix" "$WORK_DIR/moved"
+export PKG_CONFIG_PATH="$WORK_DIR/moved/share/pkgconfig"
+
+# project <name> <file>: the code block of that language becomes that file.
+project() {
+    mkdir "$1"
+    sed -n "/^\`\`\`$1\$/,/^\`\`\`\$/{/^\`\`\`/!p}" "$SOURCE_DIR/docs/other-builds.md" >"$1/$2"
+    [ -s "$1/$2" ] || fail "the document shows no $1 code"
+    cp "$SOURCE_DIR/examples/consumer/main.cpp" "$1"
+    cp -R "$(pkg-config --variable=shadersdir render-graph-compile)" "$1/shaders"
+}
+
+# lists <program> <whether stock moves>
+lists() {
+    "$1" list >listed
+    grep -q "^  stock  *2  *0  $2\$" listed || fail "$1 does not list its presets"
+}
+
+moving="$WORK_DIR/stock.slang"
+project make Makefile
+sed 's/texCoord/texCoord * (1.0 + pc.frameCount)/' make/shaders/vulkan/components/stock.frag >"$moving"
+make -C make -j 2 my_app modules >log 2>&1 || fail 'building with Make'
+lists make/my_app no
+count=$(find make/shaders/vulkan/components -type f | wc -l)
+[ "$(find make/spirv -name '*.spv' | wc -l)" = $((count + 1)) ] || fail 'Make: not every component has a module'
+make -C make my_app modules >log 2>&1
+[ "$(lines 'render-graph-compile\|glslang')" = 0 ] || fail 'Make: the build after it has something to do'
+cp "$moving" make/shaders/vulkan/components
+make -C make my_app >log 2>&1 || fail 'building with a new component with Make'
+lists make/my_app yes
+
+project meson meson.build
+meson setup meson/build meson >log 2>&1 || fail 'configuring with Meson'
+ninja -C meson/build >log 2>&1 || fail 'building with Meson'
+lists meson/build/my_app no
+cp "$moving" meson/shaders/vulkan/components/stock.frag
+ninja -C meson/build >log 2>&1 || fail 'building again with Meson'
+ninja -C meson/build >log 2>&1
+[ "$(lines 'no work to do')" = 1 ] || fail 'Meson: the build after it has something to do'

@@ -1,0 +1,8 @@
+#include <cstdio>
+
+int nameCount();
+
+int main()
+{
+    std::printf("%d\n", nameCount());
+}

@@ -1,0 +1,331 @@
+#include <GraphRenderer.h>
+
+#include "TestSupport.h"
+
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+// The renderer's own part: what is drawn when, and what it says when it cannot. What the shaders
+// compute is tested with them.
+
+namespace {
+
+using Kind = PassResult::Kind;
+
+const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
+
+PresetOnDisk loaded(const QString &name)
+{
+    PresetOnDisk preset = loadPreset(kShadersDir, name);
+    if (!preset.error.isEmpty())
+        qFatal("%s", qPrintable(preset.error));
+    return preset;
+}
+
+// A software device: it is there wherever the tests run.
+std::unique_ptr<GraphRenderer> softwareRenderer()
+{
+    QString error;
+    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
+    for (int number = 0; number < devices.size(); ++number) {
+        if (devices.at(number).isSoftware)
+            return GraphRenderer::create(QString::number(number), error);
+    }
+    qFatal("no software device %s", qPrintable(error));
+}
+
+// A renderer with a preset and a source; what fails ends the program.
+class Drawing
+{
+public:
+    explicit Drawing(const QString &preset, const Picture &source) : m_preset(loaded(preset))
+    {
+        state.params = initialValues(m_preset.parameters);
+        check(renderer->setGraph(m_preset.graph, m_preset.modules, m_error));
+        setSource(source);
+    }
+    void setSource(const Picture &source)
+    {
+        check(renderer->setSource(source, m_error));
+    }
+    void draw()
+    {
+        check(renderer->drawFrame(state, m_error));
+    }
+    Picture output(int index)
+    {
+        const std::optional<Picture> picture = renderer->output(index, m_error);
+        check(picture.has_value());
+        return *picture;
+    }
+    int indexOf(const QString &component) const
+    {
+        for (int index = 0; index < m_preset.graph.passes.size(); ++index) {
+            if (m_preset.graph.passes.at(index).debugName == component)
+                return index;
+        }
+        qFatal("no pass %s", qPrintable(component));
+    }
+    Kind kindOf(const QString &component) const
+    {
+        return renderer->passes().at(indexOf(component)).kind;
+    }
+
+    std::unique_ptr<GraphRenderer> renderer = softwareRenderer();
+    FrameState state;
+
+private:
+    void check(bool isDone) const
+    {
+        if (!isDone)
+            qFatal("%s", qPrintable(m_error));
+    }
+
+    PresetOnDisk m_preset;
+    QString m_error;
+};
+
+const Picture kWhite({4, 3}, {1.0F, 1.0F, 1.0F, 1.0F});
+const Picture kBlack({4, 3});
+
+} // namespace
+
+class TestGraphRenderer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void devices();
+    void deviceErrors();
+    void frameErrors();
+    void brokenGraphLeavesTheLastOne();
+    void outputsHaveTheirSizes_data();
+    void outputsHaveTheirSizes();
+    void historyStartsAsThePicture();
+    void historyIsOfTheLastFrame();
+    void cachedPassIsDrawnWhenAParameterChanges();
+    void constantBlackIsNotDrawn();
+    void drawnPassesTellTheirTime();
+    void memoryGrowsWithTheViewport();
+};
+
+void TestGraphRenderer::devices()
+{
+    QString error;
+    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
+    QCOMPARE(error, QString());
+    QVERIFY(!devices.isEmpty());
+    // By nothing, number, and a part of the name in other letters.
+    const QString name = devices.first().name;
+    for (const QString &choice : {QString(), u"0"_s, name.toUpper(), name.left(4).toLower()}) {
+        const auto renderer = GraphRenderer::create(choice, error);
+        QVERIFY2(renderer, qPrintable(error));
+        QCOMPARE(renderer->device().name, name);
+    }
+}
+
+void TestGraphRenderer::deviceErrors()
+{
+    QString unused;
+    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(unused);
+    QStringList listed;
+    for (const GraphRenderer::DeviceInfo &device : devices)
+        listed.append(u"%1: %2"_s.arg(QString::number(listed.size()), device.name));
+    for (const QString &choice : {u"abacus"_s, u"-1"_s, QString::number(devices.size())}) {
+        QString error;
+        QVERIFY(!GraphRenderer::create(choice, error));
+        QCOMPARE(error, u"no Vulkan device '%1'; there are %2"_s.arg(choice, listed.join(u", "_s)));
+    }
+}
+
+void TestGraphRenderer::frameErrors()
+{
+    const PresetOnDisk preset = loaded(u"dmg-lcd"_s);
+    const auto renderer = softwareRenderer();
+    FrameState state;
+    state.viewport = {20, 10};
+    QString error;
+    QVERIFY(!renderer->drawFrame(state, error));
+    QCOMPARE(error, u"there is no graph to draw"_s);
+    QVERIFY(renderer->setGraph(preset.graph, preset.modules, error));
+    QVERIFY(!renderer->drawFrame(state, error));
+    QCOMPARE(error, u"there is no source picture"_s);
+    QVERIFY(!renderer->setSource(Picture({0, 3}), error));
+    QCOMPARE(error, u"the source picture is empty"_s);
+    QVERIFY(!renderer->setSource(Picture({200000, 1}), error));
+    QVERIFY2(error.startsWith(u"the source picture has 200000x1 pixels, and this device takes no "
+                              "more than "_s),
+             qPrintable(error));
+    QVERIFY(renderer->setSource(kWhite, error));
+    QVERIFY(!renderer->drawFrame(state, error));
+    QCOMPARE(error, u"no value of parameter 'DMG_TINT'"_s);
+    state.params = initialValues(preset.parameters);
+    state.viewport = {0, 10};
+    QVERIFY(!renderer->drawFrame(state, error));
+    QCOMPARE(error, u"the viewport is empty"_s);
+    state.viewport = {10, 200000};
+    QVERIFY(!renderer->drawFrame(state, error));
+    QVERIFY2(error.startsWith(u"pass 4 ('crt-dmg-grid') has 10x200000 pixels, "_s),
+             qPrintable(error));
+    QVERIFY(!renderer->output(0, error));
+    QCOMPARE(error, u"no pass 0 in the last frame"_s);
+    state.viewport = {20, 10};
+    QVERIFY(renderer->drawFrame(state, error));
+    QVERIFY(!renderer->output(6, error));
+    QCOMPARE(error, u"no pass 6 in the last frame"_s);
+}
+
+void TestGraphRenderer::brokenGraphLeavesTheLastOne()
+{
+    Drawing drawing(u"stock"_s, kWhite);
+    drawing.draw();
+    PresetOnDisk broken = loaded(u"dmg-lcd"_s);
+    QString error;
+    QVERIFY(!drawing.renderer->setGraph(VulkanRenderGraph(), broken.modules, error));
+    QCOMPARE(error, u"the graph is not valid"_s);
+    broken.modules.remove(u":/shaders/vulkan/spirv/dmg-ghost.frag.spv"_s);
+    QVERIFY(!drawing.renderer->setGraph(broken.graph, broken.modules, error));
+    QCOMPARE(error,
+             u"pass 1 ('dmg-ghost') has no module ':/shaders/vulkan/spirv/dmg-ghost.frag.spv'"_s);
+    QCOMPARE(drawing.output(1).at(0, 0), kWhite.at(0, 0));
+    drawing.draw();
+    QCOMPARE(drawing.renderer->passes().size(), 2);
+}
+
+void TestGraphRenderer::outputsHaveTheirSizes_data()
+{
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<QSize>("expected");
+    QTest::newRow("absolute columns") << u"crt-linearize"_s << QSize(4096, 3);
+    QTest::newRow("absolute") << u"crt-halation-wide-down"_s << QSize(80, 60);
+    QTest::newRow("viewport") << u"crt-scanline"_s << QSize(30, 20);
+    QTest::newRow("input, a constant black one") << u"crt-halation-blur-v"_s << QSize(320, 240);
+}
+
+void TestGraphRenderer::outputsHaveTheirSizes()
+{
+    QFETCH(QString, component);
+    QFETCH(QSize, expected);
+    Drawing drawing(u"crt-bw"_s, kWhite);
+    drawing.state.viewport = {30, 20};
+    drawing.state.params.insert(u"halation_strength"_s, 0.0F);
+    drawing.draw();
+    const int index = drawing.indexOf(component);
+    QCOMPARE(drawing.renderer->passes().at(index).size, expected);
+    QCOMPARE(drawing.output(index).size, expected);
+}
+
+// A still picture is settled from the first frame on, anew after a reset or a change of size.
+void TestGraphRenderer::historyStartsAsThePicture()
+{
+    Drawing drawing(u"dmg-lcd"_s, kWhite);
+    const int ghost = drawing.indexOf(u"dmg-ghost"_s);
+    drawing.draw();
+    QCOMPARE(drawing.output(ghost).pixels, drawing.output(ghost - 1).pixels);
+
+    drawing.setSource(kBlack);
+    drawing.renderer->resetHistories();
+    drawing.draw();
+    QCOMPARE(drawing.output(ghost).pixels, drawing.output(ghost - 1).pixels);
+
+    drawing.setSource(kWhite);
+    drawing.state.viewport = {50, 50};
+    drawing.draw();
+    QCOMPARE(drawing.output(ghost).pixels, drawing.output(ghost - 1).pixels);
+}
+
+void TestGraphRenderer::historyIsOfTheLastFrame()
+{
+    Drawing drawing(u"dmg-lcd"_s, kWhite);
+    drawing.state.params.insert(u"ghost_fall"_s, 0.5F);
+    const int ghost = drawing.indexOf(u"dmg-ghost"_s);
+    drawing.draw();
+    const float light = drawing.output(ghost).at(0, 0)[1];
+    drawing.setSource(kBlack);
+    float left = 1.0F;
+    for (int frame = 0; frame < 3; ++frame) {
+        drawing.draw();
+        left *= 0.5F;
+        const float dark = drawing.output(ghost - 1).at(0, 0)[1];
+        const float expected = dark + (light - dark) * left;
+        QVERIFY2(std::fabs(drawing.output(ghost).at(0, 0)[1] - expected) < 2e-3F,
+                 QByteArray::number(double(drawing.output(ghost).at(0, 0)[1])).constData());
+    }
+}
+
+void TestGraphRenderer::cachedPassIsDrawnWhenAParameterChanges()
+{
+    Drawing drawing(u"crt-bw"_s, kWhite);
+    const QString tile = u"crt-phosphor-tile"_s;
+    drawing.state.params.insert(u"mask_type"_s, 0.0F);
+    drawing.draw();
+    QCOMPARE(drawing.kindOf(tile), Kind::Drawn);
+    const Picture grille = drawing.output(drawing.indexOf(tile));
+    drawing.state.params.insert(u"mask_strength"_s, 0.5F); // not the tile's
+    drawing.draw();
+    QCOMPARE(drawing.kindOf(tile), Kind::Cached);
+    QCOMPARE(drawing.output(drawing.indexOf(tile)).pixels, grille.pixels);
+    drawing.state.params.insert(u"mask_type"_s, 2.0F);
+    drawing.draw();
+    QCOMPARE(drawing.kindOf(tile), Kind::Drawn);
+    QVERIFY(drawing.output(drawing.indexOf(tile)).pixels != grille.pixels);
+    drawing.state.viewport = {50, 50};
+    drawing.draw();
+    QCOMPARE(drawing.kindOf(tile), Kind::Drawn);
+}
+
+// Turned off it looks like a strength that is next to nothing, and it comes back.
+void TestGraphRenderer::constantBlackIsNotDrawn()
+{
+    Drawing drawing(u"crt-arcade"_s, kWhite);
+    const auto shownAt = [&drawing](float strength) {
+        drawing.state.params.insert(u"halation_strength"_s, strength);
+        drawing.draw();
+        return drawing.output(int(drawing.renderer->passes().size()) - 1);
+    };
+    const Picture strong = shownAt(0.5F);
+    QCOMPARE(drawing.kindOf(u"crt-halation-wide-down"_s), Kind::Drawn);
+    const Picture none = shownAt(0.0F);
+    QCOMPARE(drawing.kindOf(u"crt-halation-wide-down"_s), Kind::ConstantBlack);
+    QCOMPARE(drawing.output(drawing.indexOf(u"crt-halation-wide-down"_s)).at(79, 59),
+             Pixel({0.0F, 0.0F, 0.0F, 0.0F}));
+    QCOMPARE(drawing.output(drawing.indexOf(u"crt-halation-blur-v"_s)).at(0, 0),
+             Pixel({0.0F, 0.0F, 0.0F, 1.0F}));
+    const Picture hardlyAny = shownAt(1e-6F);
+    for (std::size_t i = 0; i < none.pixels.size(); ++i)
+        QVERIFY(std::fabs(none.pixels[i][1] - hardlyAny.pixels[i][1]) < 2e-3F);
+    QVERIFY(none.pixels != strong.pixels);
+    QCOMPARE(shownAt(0.5F).pixels, strong.pixels);
+}
+
+void TestGraphRenderer::drawnPassesTellTheirTime()
+{
+    Drawing drawing(u"crt-bw"_s, kWhite);
+    drawing.state.params.insert(u"halation_strength"_s, 0.0F);
+    drawing.draw();
+    drawing.draw();
+    const QList<PassResult> passes = drawing.renderer->passes();
+    for (const PassResult &pass : passes) {
+        QCOMPARE(pass.milliseconds.has_value(), pass.kind == Kind::Drawn);
+        QVERIFY(pass.milliseconds.value_or(0.0) >= 0.0);
+    }
+}
+
+void TestGraphRenderer::memoryGrowsWithTheViewport()
+{
+    Drawing drawing(u"stock"_s, kWhite);
+    drawing.state.viewport = {100, 100};
+    drawing.draw();
+    const qint64 small = drawing.renderer->memoryHeld();
+    QVERIFY(small >= 2 * 100 * 100 * 8);
+    drawing.state.viewport = {200, 100};
+    drawing.draw();
+    QVERIFY(drawing.renderer->memoryHeld() >= small + 100 * 100 * 8);
+    drawing.state.viewport = {100, 100};
+    drawing.draw();
+    QCOMPARE(drawing.renderer->memoryHeld(), small);
+}
+
+QTEST_GUILESS_MAIN(TestGraphRenderer)
+#include "tst_GraphRenderer.moc"

@@ -1,0 +1,143 @@
+#include <GraphRenderer.h>
+
+#include "TestSupport.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+
+#include <vulkan/vulkan_raii.hpp>
+
+using namespace Qt::StringLiterals;
+
+// Every preset under Vulkan's validation layer, with the validation of synchronisation: it has
+// nothing to say.
+
+namespace {
+
+const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
+
+} // namespace
+
+class TestValidation : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanup();
+    void layerSpeaksUp();
+    void presetsAreClean_data();
+    void presetsAreClean();
+
+private:
+    QByteArray messages() const
+    {
+        return readFile(m_directory.filePath(u"messages"_s));
+    }
+
+    QTemporaryDir m_directory;
+};
+
+void TestValidation::initTestCase()
+{
+    // By its older and its newer names.
+    writeFile(m_directory.filePath(u"vk_layer_settings.txt"_s),
+              "khronos_validation.debug_action = VK_DBG_LAYER_ACTION_LOG_MSG\n"
+              "khronos_validation.report_flags = error,warn,perf\n"
+              "khronos_validation.log_filename = "
+                      + m_directory.filePath(u"messages"_s).toUtf8()
+                      + "\n"
+                        "khronos_validation.enables = "
+                        "VK_VALIDATION_FEATURE_ENABLE_SYNCHRONIZATION_VALIDATION_EXT\n"
+                        "khronos_validation.validate_sync = true\n");
+    qputenv("VK_LAYER_SETTINGS_PATH", m_directory.path().toUtf8());
+    qputenv("VK_INSTANCE_LAYERS", "VK_LAYER_KHRONOS_validation");
+}
+
+void TestValidation::cleanup()
+{
+    QFile::resize(m_directory.filePath(u"messages"_s), 0);
+}
+
+// Or else it was not there, and silence means nothing.
+void TestValidation::layerSpeaksUp()
+{
+    const vk::raii::Context context;
+    const vk::raii::Instance instance(context, vk::InstanceCreateInfo());
+    const vk::raii::PhysicalDevice physical =
+            std::move(vk::raii::PhysicalDevices(instance).front());
+    const float priority = 1.0F;
+    const vk::DeviceQueueCreateInfo queue({}, 0, 1, &priority);
+    const vk::raii::Device device(physical, vk::DeviceCreateInfo({}, queue));
+    const vk::raii::CommandPool pool(device, vk::CommandPoolCreateInfo({}, 0));
+    const vk::raii::Buffer buffer(
+            device, vk::BufferCreateInfo({}, 16, vk::BufferUsageFlagBits::eTransferDst));
+    const vk::raii::DeviceMemory memory(
+            device, vk::MemoryAllocateInfo(buffer.getMemoryRequirements().size, 0));
+    buffer.bindMemory(*memory, 0);
+    const vk::raii::CommandBuffers commands(device, {*pool, vk::CommandBufferLevel::ePrimary, 1});
+    commands.front().begin(vk::CommandBufferBeginInfo());
+    commands.front().fillBuffer(*buffer, 0, 16, 1);
+    commands.front().fillBuffer(*buffer, 0, 16, 2); // does not wait for the first
+    commands.front().end();
+    QVERIFY2(messages().contains("SYNC-HAZARD-WRITE"), messages().constData());
+}
+
+void TestValidation::presetsAreClean_data()
+{
+    QTest::addColumn<QString>("preset");
+    QTest::addColumn<QSize>("viewport");
+    const QStringList names = presetNames();
+    for (const QString &name : names) {
+        for (const QSize size :
+             {QSize(320, 240), QSize(1440, 1080), QSize(1, 1), QSize(3840, 2160)})
+            QTest::addRow("%s %dx%d", qPrintable(name), size.width(), size.height())
+                    << name << size;
+    }
+}
+
+// One frame in SDR and one in HDR, which has a history; at a small size more, so that both images
+// of a history are drawn and read, constant black comes and goes, and sizes change.
+void TestValidation::presetsAreClean()
+{
+    QFETCH(QString, preset);
+    QFETCH(QSize, viewport);
+    const PresetOnDisk loaded = loadPreset(kShadersDir, preset);
+    QString error;
+    {
+        const auto renderer = GraphRenderer::create(QString(), error);
+        QVERIFY2(renderer, qPrintable(error));
+        QVERIFY2(renderer->setGraph(loaded.graph, loaded.modules, error), qPrintable(error));
+        QVERIFY2(renderer->setSource(Picture({64, 48}, {0.5F, 0.25F, 0.75F, 1.0F}), error),
+                 qPrintable(error));
+        FrameState state;
+        state.params = initialValues(loaded.parameters);
+        state.viewport = viewport;
+        const auto draw = [&](bool isHdr) {
+            state.hdrOutputActive = isHdr;
+            state.hdrHeadroom = isHdr ? 4.0F : 1.0F;
+            ++state.frameCount;
+            return renderer->drawFrame(state, error);
+        };
+        QVERIFY2(draw(false), qPrintable(error));
+        QVERIFY2(draw(true), qPrintable(error));
+        if (viewport == QSize(320, 240)) {
+            state.params.insert(u"halation_strength"_s, 0.0F);
+            QVERIFY2(draw(true), qPrintable(error));
+            state.params.insert(u"halation_strength"_s, 0.1F);
+            QVERIFY2(draw(true), qPrintable(error));
+            QVERIFY2(renderer->setSource(Picture({33, 17}), error), qPrintable(error));
+            QVERIFY2(draw(false), qPrintable(error));
+            for (int index = 0; index < renderer->passes().size(); ++index)
+                QVERIFY2(renderer->output(index, error), qPrintable(error));
+            QVERIFY2(renderer->setGraph(loaded.graph, loaded.modules, error), qPrintable(error));
+            QVERIFY2(draw(false), qPrintable(error));
+        }
+        QVERIFY2(renderer->output(0, error), qPrintable(error));
+    }
+    QCOMPARE(messages(), "");
+}
+
+QTEST_GUILESS_MAIN(TestValidation)
+#include "tst_Validation.moc"

@@ -1,0 +1,197 @@
+#include "ShaderTesting.h"
+
+#include "TestSupport.h"
+
+#include <GlslCompiler.h>
+#include <VulkanRenderGraphCatalog.h>
+
+#include <cmath>
+#include <limits>
+#include <map>
+
+using namespace Qt::StringLiterals;
+using namespace RenderGraphManifestData;
+
+namespace {
+
+const QString kResources = QStringLiteral(":/shaders/vulkan/spirv/");
+const QString kVertexResource = kResources + u"fullscreen.vert.spv"_s;
+const QString kCropResource = kResources + u"crop.frag.spv"_s;
+
+std::unique_ptr<GraphRenderer> createRenderer()
+{
+    QString error;
+    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
+    for (int number = 0; number < devices.size(); ++number) {
+        if (devices.at(number).isSoftware)
+            return GraphRenderer::create(QString::number(number), error);
+    }
+    qFatal("no software device %s", qPrintable(error));
+}
+
+QByteArray builtModule(const QString &resource)
+{
+    return readFile(QStringLiteral(SPIRV_DIR "/") + resource.mid(kResources.size()));
+}
+
+void setGraph(GraphRenderer &renderer, const VulkanRenderGraph &graph, ShaderModules modules)
+{
+    for (const VulkanRenderGraph::Pass &pass : graph.passes) {
+        for (const QString &resource : {pass.vertexSpirvResource, pass.fragmentSpirvResource}) {
+            if (!modules.contains(resource))
+                modules.insert(resource, builtModule(resource));
+        }
+    }
+    QString error;
+    if (!renderer.setGraph(graph, modules, error))
+        qFatal("%s", qPrintable(error));
+}
+
+Picture drawFrame(GraphRenderer &renderer, const Picture &source, const FrameState &state, int pass)
+{
+    QString error;
+    if (!renderer.setSource(source, error) || !renderer.drawFrame(state, error))
+        qFatal("%s", qPrintable(error));
+    const std::optional<Picture> picture =
+            renderer.output(pass < 0 ? int(renderer.passes().size()) - 1 : pass, error);
+    if (!picture)
+        qFatal("%s", qPrintable(error));
+    return *picture;
+}
+
+// A renderer for each preset, since setting a graph compiles its pipelines.
+GraphRenderer &rendererOf(const PresetEntry &preset)
+{
+    static std::map<QString, std::unique_ptr<GraphRenderer>> renderers;
+    const QString name =
+            QString::fromUtf8(preset.presetQrcPath).section(u'/', -1).section(u'.', 0, 0);
+    std::unique_ptr<GraphRenderer> &renderer = renderers[name];
+    if (!renderer) {
+        renderer = createRenderer();
+        setGraph(*renderer, VulkanRenderGraphCatalog::preset(name)->graph, {});
+    }
+    return *renderer;
+}
+
+// One above the other.
+Picture stacked(const QList<SampledPicture> &inputs)
+{
+    QSize size(1, 1);
+    for (const SampledPicture &input : inputs)
+        size = {qMax(size.width(), input.picture->size.width()),
+                size.height() + input.picture->size.height()};
+    if (inputs.size() > 0)
+        size.rheight() -= 1;
+    Picture stack(size);
+    int top = 0;
+    for (const SampledPicture &input : inputs) {
+        for (int y = 0; y < input.picture->size.height(); ++y, ++top)
+            std::copy_n(&input.picture->at(0, y), input.picture->size.width(), &stack.at(0, top));
+    }
+    return stack;
+}
+
+} // namespace
+
+QHash<QString, float> initialParams(const PresetEntry &preset)
+{
+    QHash<QString, float> params;
+    for (int i = 0; i < preset.presetParamCount; ++i) {
+        const PresetParamEntry &param = preset.presetParams[i];
+        params.insert(QString::fromUtf8(param.id), param.initialValue);
+    }
+    return params;
+}
+
+const PresetEntry &presetEntry(QStringView name)
+{
+    const QString stem = QStringLiteral(":/shaders/%1.").arg(name);
+    for (const PresetEntry &preset : kPresets) {
+        if (QString::fromUtf8(preset.presetQrcPath).startsWith(stem))
+            return preset;
+    }
+    qFatal("no preset %s", qUtf8Printable(name.toString()));
+}
+
+const PassEntry &passEntry(QStringView component)
+{
+    for (const PresetEntry &preset : kPresets) {
+        for (int i = 0; i < preset.passCount; ++i) {
+            if (QString::fromUtf8(preset.passes[i].debugName) == component)
+                return preset.passes[i];
+        }
+    }
+    qFatal("no pass %s", qUtf8Printable(component.toString()));
+}
+
+// Its inputs are passes of their own, each of which cuts one picture out of the source.
+Picture drawComponent(const QString &component, const QList<SampledPicture> &inputs,
+                      const FrameState &state)
+{
+    static const QByteArray kCrop =
+            compileGlsl(QStringLiteral(SOURCE_DIR "/tests/shaders/crop.frag"),
+                        ShaderStage::Fragment)
+                    .spirv;
+    static const std::unique_ptr<GraphRenderer> kRenderer = createRenderer();
+
+    VulkanRenderGraph graph;
+    VulkanRenderGraph::Pass drawn;
+    drawn.fragmentSpirvResource = kResources + component + u".frag.spv"_s;
+    drawn.vertexSpirvResource = kVertexResource;
+    drawn.debugName = component;
+    drawn.format = VulkanRenderGraph::Format::RGBA32F;
+    drawn.scaleSource = VulkanRenderGraph::ScaleSource::Viewport;
+    drawn.isFinalPass = true;
+    const PassEntry &entry = passEntry(component);
+    for (int i = 0; i < entry.paramCount; ++i)
+        drawn.params.append({QString::fromUtf8(entry.params[i].id), entry.params[i].floatOffset});
+
+    FrameState withCrops = state;
+    int top = 0;
+    for (const SampledPicture &input : inputs) {
+        const QString id = u"top of %1"_s.arg(graph.passes.size());
+        withCrops.params.insert(id, float(top));
+        VulkanRenderGraph::Pass crop;
+        crop.fragmentSpirvResource = kCropResource;
+        crop.vertexSpirvResource = kVertexResource;
+        crop.format = drawn.format;
+        crop.scaleSource = VulkanRenderGraph::ScaleSource::Absolute;
+        crop.absoluteWidth = input.picture->size.width();
+        crop.absoluteHeight = input.picture->size.height();
+        crop.linearFilter = input.linearFilter;
+        crop.mipmap = input.mipmap;
+        crop.wrapMode = input.wrapMode;
+        crop.sampledInputs = {{VulkanRenderGraph::ResourceRef::SourceImage}};
+        crop.params = {{id, 0}};
+        drawn.sampledInputs.append(VulkanRenderGraph::ResourceRef{int(graph.passes.size())});
+        graph.passes.append(crop);
+        top += input.picture->size.height();
+    }
+    graph.passes.append(drawn);
+    setGraph(*kRenderer, graph, {{kCropResource, kCrop}});
+    return drawFrame(*kRenderer, stacked(inputs), withCrops, -1);
+}
+
+PresetDrawing::PresetDrawing(const PresetEntry &preset) : m_renderer(rendererOf(preset))
+{
+    m_renderer.resetHistories();
+}
+
+Picture PresetDrawing::draw(const Picture &source, const FrameState &state, int pass)
+{
+    return drawFrame(m_renderer, source, state, pass);
+}
+
+float difference(const Picture &a, const Picture &b)
+{
+    if (a.size != b.size)
+        return std::numeric_limits<float>::infinity();
+    float largest = 0.0F;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            const float here = std::fabs(a.pixels[i][c] - b.pixels[i][c]);
+            largest = std::isnan(largest) || here <= largest ? largest : here; // NaN wins
+        }
+    }
+    return largest;
+}

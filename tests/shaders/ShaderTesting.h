@@ -1,0 +1,47 @@
+#pragma once
+
+#include <GraphRenderer.h>
+
+#include <RenderGraphManifest.h>
+
+// What the tests of the example shaders ask of the renderer, on a software device: it gives the
+// same numbers on every machine. Whatever fails ends the program.
+
+// A picture as a pass's declaration wants it sampled.
+struct SampledPicture
+{
+    const Picture *picture;
+    bool linearFilter = false;
+    bool mipmap = false;
+    int wrapMode = 1; // 0 transparent border, 1 clamped to the edge, 2 repeated
+};
+
+// The preset's own values of all its parameters.
+QHash<QString, float> initialParams(const RenderGraphManifestData::PresetEntry &preset);
+
+// The preset of that name.
+const RenderGraphManifestData::PresetEntry &presetEntry(QStringView name);
+
+// The first pass of any preset that is drawn with this component.
+const RenderGraphManifestData::PassEntry &passEntry(QStringView component);
+
+// The component alone, drawn into 32-bit floats at the state's viewport from pictures of such.
+Picture drawComponent(const QString &component, const QList<SampledPicture> &inputs,
+                      const FrameState &state);
+
+// Draws a whole preset as the golden manifest has it, with the modules that the build compiled.
+// There is one picture of each preset at a time: a new one forgets the last one's history.
+class PresetDrawing
+{
+public:
+    explicit PresetDrawing(const RenderGraphManifestData::PresetEntry &preset);
+
+    // The output of one pass in the next frame, by default the last one's.
+    Picture draw(const Picture &source, const FrameState &state, int pass = -1);
+
+private:
+    GraphRenderer &m_renderer;
+};
+
+// The largest difference in red, green and blue; infinite if the sizes differ, NaN if one occurs.
+float difference(const Picture &a, const Picture &b);
