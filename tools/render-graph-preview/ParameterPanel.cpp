@@ -136,6 +136,15 @@ public:
         m_reset->setEnabled(value != parameter.initialValue);
     }
 
+    // Puts the row behind a widget in the tab order, and returns the row's last one.
+    QWidget *follow(QWidget *widget)
+    {
+        setTabOrder(widget, m_slider);
+        setTabOrder(m_slider, m_number);
+        setTabOrder(m_number, m_reset);
+        return m_reset;
+    }
+
     const PresetParamMeta parameter;
 
 private:
@@ -176,9 +185,11 @@ void ParameterPanel::showParameters()
     };
     if (!std::ranges::equal(m_rows, m_session.parameters(), isSame)) {
         qDeleteAll(std::exchange(m_rows, {}));
+        QWidget *last = m_filter;
         for (const PresetParamMeta &parameter : m_session.parameters()) {
             m_rows.append(new Row(parameter, m_session));
             m_layout->insertWidget(m_layout->count() - 1, m_rows.last());
+            last = m_rows.last()->follow(last);
         }
         applyFilter();
     }
