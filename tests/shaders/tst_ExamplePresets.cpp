@@ -66,17 +66,6 @@ bool isFinite(const Picture &picture)
     });
 }
 
-void writePpm(const QString &path, const Picture &picture)
-{
-    QByteArray bytes =
-            u"P6\n%1 %2\n255\n"_s.arg(picture.size.width()).arg(picture.size.height()).toLatin1();
-    for (const Pixel &pixel : picture.pixels) {
-        for (std::size_t c = 0; c < 3; ++c)
-            bytes += char(qRound(255.0F * std::clamp(pixel[c], 0.0F, 1.0F)));
-    }
-    writeFile(path, bytes);
-}
-
 // What else a parameter needs to be seen: it acts on something that is off by default.
 Params company(const QString &id)
 {
@@ -170,8 +159,6 @@ void TestExamplePresets::presetsShowThePicture()
     };
     const double kept = light(picture) / light(source);
     QVERIFY2(kept > 0.2 && kept < 1.3, QByteArray::number(kept).constData());
-    if (qEnvironmentVariableIsSet("WRITE_PICTURES"))
-        writePpm(QString::fromUtf8(preset->presetQrcPath).section(u'/', -1) + u".ppm"_s, picture);
 }
 
 QTEST_GUILESS_MAIN(TestExamplePresets)
