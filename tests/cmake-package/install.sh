@@ -9,9 +9,11 @@ mkdir -p qt/lib/cmake/Qt6
 echo 'extern "C" int core() { return 6; }' >core.cpp
 "$CXX" -shared -fPIC -o qt/lib/libOwnCore.so core.cpp
 cat >qt/lib/cmake/Qt6/Qt6Config.cmake <<'END'
-add_library(Qt6::Core SHARED IMPORTED)
-set_target_properties(Qt6::Core PROPERTIES
-    IMPORTED_LOCATION "${CMAKE_CURRENT_LIST_DIR}/../../libOwnCore.so" IMPORTED_NO_SONAME ON)
+if(NOT TARGET Qt6::Core)
+    add_library(Qt6::Core SHARED IMPORTED)
+    set_target_properties(Qt6::Core PROPERTIES
+        IMPORTED_LOCATION "${CMAKE_CURRENT_LIST_DIR}/../../libOwnCore.so" IMPORTED_NO_SONAME ON)
+endif()
 END
 cat >qt/lib/cmake/Qt6/Qt6ConfigVersion.cmake <<'END'
 set(PACKAGE_VERSION 6.4.2)

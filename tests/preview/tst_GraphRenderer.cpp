@@ -318,10 +318,10 @@ void TestGraphRenderer::memoryGrowsWithTheViewport()
     drawing.state.viewport = {100, 100};
     drawing.draw();
     const qint64 small = drawing.renderer->memoryHeld();
-    QVERIFY(small >= 2 * 100 * 100 * 8);
+    QVERIFY(small >= qint64(2) * 100 * 100 * 8);
     drawing.state.viewport = {200, 100};
     drawing.draw();
-    QVERIFY(drawing.renderer->memoryHeld() >= small + 100 * 100 * 8);
+    QVERIFY(drawing.renderer->memoryHeld() >= small + qint64(100) * 100 * 8);
     drawing.state.viewport = {100, 100};
     drawing.draw();
     QCOMPARE(drawing.renderer->memoryHeld(), small);
