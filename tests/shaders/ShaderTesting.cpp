@@ -80,7 +80,7 @@ Picture stacked(const QList<SampledPicture> &inputs)
     for (const SampledPicture &input : inputs)
         size = {qMax(size.width(), input.picture->size.width()),
                 size.height() + input.picture->size.height()};
-    if (inputs.size() > 0)
+    if (!inputs.isEmpty())
         size.rheight() -= 1;
     Picture stack(size);
     int top = 0;

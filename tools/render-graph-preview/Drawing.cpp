@@ -47,7 +47,7 @@ std::optional<double> parseNumber(const QString &given, const QString &text, dou
 QList<GraphRenderer::DeviceInfo> drawingDevices(QString &error)
 {
     QString reason;
-    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(reason);
+    QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(reason);
     if (devices.isEmpty())
         error = u"no Vulkan device to draw on (%1); install a driver (Debian: mesa-vulkan-drivers)"_s
                         .arg(reason);

@@ -56,10 +56,9 @@ public:
             return nullptr;
         m_directories.resize(qsizetype(depth - 1));
         m_directories.append(QFileInfo(QFile::decodeName(includer)).path());
-        for (auto directory = m_directories.crbegin(); directory != m_directories.crend();
-             ++directory) {
+        for (qsizetype i = m_directories.size(); i-- > 0;) {
             const QString path =
-                    QDir::cleanPath(QDir(*directory).filePath(QFile::decodeName(header)));
+                    QDir::cleanPath(QDir(m_directories.at(i)).filePath(QFile::decodeName(header)));
             m_files.append(path);
             if (const std::optional<std::string> content = contentOf(path)) {
                 auto *const kept = new std::string(*content);
