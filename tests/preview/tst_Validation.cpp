@@ -41,16 +41,17 @@ private:
 
 void TestValidation::initTestCase()
 {
-    // By its older and its newer names.
-    writeFile(m_directory.filePath(u"vk_layer_settings.txt"_s),
-              "khronos_validation.debug_action = VK_DBG_LAYER_ACTION_LOG_MSG\n"
-              "khronos_validation.report_flags = error,warn,perf\n"
-              "khronos_validation.log_filename = "
-                      + m_directory.filePath(u"messages"_s).toUtf8()
-                      + "\n"
-                        "khronos_validation.enables = "
-                        "VK_VALIDATION_FEATURE_ENABLE_SYNCHRONIZATION_VALIDATION_EXT\n"
-                        "khronos_validation.validate_sync = true\n");
+    // Newer layers warn of the older name, and the older ones do not know the newer.
+    const bool isNewer = readFile(QStringLiteral(VALIDATION_LAYER)).contains("\"validate_sync\"");
+    writeFile(
+            m_directory.filePath(u"vk_layer_settings.txt"_s),
+            "khronos_validation.debug_action = VK_DBG_LAYER_ACTION_LOG_MSG\n"
+            "khronos_validation.report_flags = error,warn,perf\n"
+            "khronos_validation.log_filename = "
+                    + m_directory.filePath(u"messages"_s).toUtf8() + '\n'
+                    + (isNewer ? "khronos_validation.validate_sync = true\n"
+                               : "khronos_validation.enables = "
+                                 "VK_VALIDATION_FEATURE_ENABLE_SYNCHRONIZATION_VALIDATION_EXT\n"));
     qputenv("VK_LAYER_SETTINGS_PATH", m_directory.path().toUtf8());
     qputenv("VK_INSTANCE_LAYERS", "VK_LAYER_KHRONOS_validation");
 }

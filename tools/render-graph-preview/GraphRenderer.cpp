@@ -531,7 +531,7 @@ QString GraphRenderer::State::objectionTo(const FrameState &state) const
     const QList<QSize> sizes = outputSizes(m_graph, m_source.size, state.viewport);
     for (int index = 0; index < sizes.size(); ++index) {
         const Pass &pass = m_graph.passes.at(index);
-        const QString objection = objectionTo(nameOf(index, pass), sizes.at(index));
+        QString objection = objectionTo(nameOf(index, pass), sizes.at(index));
         if (!objection.isEmpty())
             return objection;
         for (const VulkanRenderGraph::PushConstantParam &param : pass.params) {
