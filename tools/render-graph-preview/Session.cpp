@@ -46,8 +46,8 @@ QImage shownImage(const Picture &picture, std::optional<float> headroom)
 
 QString numberText(float value)
 {
-    std::array<char, 64> text; // NOLINT(cppcoreguidelines-pro-type-member-init)
-    const auto end =
+    std::array<char, 64> text = {};
+    const auto *const end =
             std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed)
                     .ptr;
     const QString number = QString::fromLatin1(text.data(), end - text.data());

@@ -190,8 +190,10 @@ QRgb cardPixel(int x, int y, QSize size)
     }
     if (row < 4)
         return grey(double(x) / (width - 1));
-    if (row < 5)
-        return grey((16 * x / width) / 15.0);
+    if (row < 5) {
+        const int step = 16 * x / width;
+        return grey(step / 15.0);
+    }
     if (row < 7) {
         // From one period over the width's eighth to the finest that pixels hold.
         const double phase = 4.0 * x / width + (0.5 * width - 4.0) * x * x / (2.0 * width * width);
