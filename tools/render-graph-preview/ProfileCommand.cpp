@@ -41,7 +41,7 @@ double percentile(QList<double> samples, double share)
     if (samples.isEmpty())
         return 0.0;
     std::ranges::sort(samples);
-    const auto rank = qsizetype(share * double(samples.size() - 1) + 0.5);
+    const qsizetype rank = qRound64(share * double(samples.size() - 1));
     return samples.at(rank);
 }
 
