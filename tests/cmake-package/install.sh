@@ -46,6 +46,7 @@ foreach(path IN LISTS sources directories)
     endif()
 endforeach()
 END
+prefix=none # where another one would be found
 configure project used -G Ninja "-DRenderGraphCompile_DIR=$WORK_DIR/shared data/cmake/RenderGraphCompile" ||
     fail 'the package does not find its files in an absolute directory'
 
