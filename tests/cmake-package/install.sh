@@ -70,6 +70,8 @@ examples/share/render-graph-compile/examples/shaders/vulkan/include/*
 tool/bin/render-graph-compile
 tool/share/man/man1/render-graph-compile.1
 END
+[ -e parts/development/share/cmake/RenderGraphCompile/RenderGraphCompileTargets.cmake ] ||
+    fail 'the component development lacks the targets'
 : >parts/tool/bin/of-others
 build "$sources/out" --target uninstall || fail 'uninstalling'
 [ "$(find parts installed 'shared data' -type f)" = parts/tool/bin/of-others ] ||
