@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QProcess>
 
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 
 // The real binary, drawing small pictures.
@@ -85,6 +87,7 @@ private Q_SLOTS:
     void pictureInHighRange();
     void pictureOfAComparison();
     void failedPictureLeavesTheOldOne();
+    void memoryRunsOut();
     void graphOfOnePreset();
     void graphWithThumbnails();
     void graphOfAllPresets();
@@ -361,6 +364,26 @@ void TestRenderGraphPreview::failedPictureLeavesTheOldOne()
     QVERIFY(list.out.endsWith("\n  photo-640x480\n"));
     QCOMPARE(list.err, nowhere.err);
     QCOMPARE(list.exitStatus, 1);
+}
+
+void TestRenderGraphPreview::memoryRunsOut()
+{
+    if (kIsSanitized)
+        QSKIP("the address sanitizer needs more address space than there is memory");
+    QProcess process;
+    process.setChildProcessModifier([] {
+        constexpr rlimit kAddressSpace = {rlim_t(2) << 30, rlim_t(2) << 30}; // one picture's bytes
+        ::setrlimit(RLIMIT_AS, &kAddressSpace);
+    });
+    process.start(QStringLiteral(RENDER_GRAPH_PREVIEW),
+                  words(u"picture stock --out a.png --size 16384x16384"_s));
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.readAllStandardError(),
+             "render-graph-preview: the Vulkan device has not enough memory: choose a smaller "
+             "size or source\n");
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(files(), QStringList());
 }
 
 void TestRenderGraphPreview::badComponents_data()
