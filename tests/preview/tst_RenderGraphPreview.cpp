@@ -88,6 +88,7 @@ private Q_SLOTS:
     void pictureOfAComparison();
     void failedPictureLeavesTheOldOne();
     void memoryRunsOut();
+    void deviceIsLost();
     void graphOfOnePreset();
     void graphWithThumbnails();
     void graphOfAllPresets();
@@ -386,6 +387,22 @@ void TestRenderGraphPreview::memoryRunsOut()
     QCOMPARE(files(), QStringList());
 }
 
+void TestRenderGraphPreview::deviceIsLost()
+{
+    writeFile(u"layers/lost.json"_s,
+              R"({ "file_format_version": "1.1.2", "layer": { "name": "VK_LAYER_TEST_lost",
+                   "type": "GLOBAL", "api_version": "1.3.0", "implementation_version": "1",
+                   "description": "Loses its device.", "library_path": ")" LOST_DEVICE R"(" } })");
+    const Run result = run(words(u"picture stock --out a.png --size 8x8"_s),
+                           {{u"VK_LAYER_PATH"_s, QDir().absoluteFilePath(u"layers"_s)},
+                            {u"VK_INSTANCE_LAYERS"_s, u"VK_LAYER_TEST_lost"_s}});
+    QCOMPARE(result.err,
+             "render-graph-preview: the Vulkan device was lost: start again, or choose another "
+             "one\n");
+    QCOMPARE(result.exitStatus, 1);
+    QCOMPARE(files(), QStringList());
+}
+
 void TestRenderGraphPreview::badComponents_data()
 {
     QTest::addColumn<QByteArray>("before");
@@ -524,6 +541,8 @@ void TestRenderGraphPreview::profileTellsNumbers()
             lines.at(4).startsWith(
                     "  0  stock                      drawn         64x48 RGBA16F           24576 "),
             lines.at(4).constData());
+    // Below the passes' own columns.
+    QCOMPARE(lines.at(6).size(), lines.at(3).indexOf("p95 ms") + 6);
     QVERIFY(lines.at(8).startsWith("     memory held: "));
 }
 
