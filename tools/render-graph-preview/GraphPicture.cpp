@@ -14,9 +14,6 @@ using Pass = VulkanRenderGraph::Pass;
 using ResourceRef = VulkanRenderGraph::ResourceRef;
 using ScaleSource = VulkanRenderGraph::ScaleSource;
 
-// By VulkanRenderGraph::Format.
-constexpr const char *kFormatNames[] = {"R11G11B10F", "RGBA16F", "RGBA8", "RGBA32F"};
-
 constexpr const char *kPlain = "#f7f7f4";
 constexpr const char *kCached = "#d9ecd3";
 constexpr const char *kBlackable = "#dcdce4";
@@ -74,8 +71,7 @@ QString box(int index, const Pass &pass, const GraphPictureExtras &extras)
                                            .arg(extras.passes.at(index).size.height())
                                  : sizeRule(pass);
     QString rows = row(u"<B>%1 %2</B>"_s.arg(index).arg(pass.debugName.toHtmlEscaped()))
-            + row(size + u" · "_s
-                  + QLatin1StringView(kFormatNames[static_cast<std::size_t>(pass.format)]));
+            + row(size + u" · "_s + infoOf(pass.format).name);
     if (pass.cacheByParameters) {
         color = kCached;
         rows += row(u"<I>cached by parameters</I>"_s);

@@ -52,12 +52,13 @@ std::array<float, 4> sizeConstant(QSize size)
 struct FormatTraits
 {
     vk::Format format;
-    std::size_t texelSize;
+    FormatInfo info;
 };
-constexpr std::array<FormatTraits, 4> kFormats = {{{vk::Format::eB10G11R11UfloatPack32, 4},
-                                                   {vk::Format::eR16G16B16A16Sfloat, 8},
-                                                   {vk::Format::eR8G8B8A8Unorm, 4},
-                                                   {vk::Format::eR32G32B32A32Sfloat, 16}}};
+constexpr std::array<FormatTraits, 4> kFormats = {
+        {{vk::Format::eB10G11R11UfloatPack32, {"R11G11B10F"_L1, 4}},
+         {vk::Format::eR16G16B16A16Sfloat, {"RGBA16F"_L1, 8}},
+         {vk::Format::eR8G8B8A8Unorm, {"RGBA8"_L1, 4}},
+         {vk::Format::eR32G32B32A32Sfloat, {"RGBA32F"_L1, 16}}}};
 
 const FormatTraits &traitsOf(VulkanRenderGraph::Format format)
 {
@@ -815,9 +816,9 @@ Picture GraphRenderer::State::output(int index) const
     if (m_results.at(index).kind == PassResult::Kind::ConstantBlack)
         return Picture(image.size, {0.0F, 0.0F, 0.0F, pass.constantBlackAlpha});
     Picture picture(image.size);
-    const DeviceBuffer download =
-            m_device.createBuffer(picture.pixels.size() * traitsOf(pass.format).texelSize,
-                                  vk::BufferUsageFlagBits::eTransferDst);
+    const DeviceBuffer download = m_device.createBuffer(
+            picture.pixels.size() * std::size_t(infoOf(pass.format).texelBytes),
+            vk::BufferUsageFlagBits::eTransferDst);
     m_device.run([&](const vk::raii::CommandBuffer &commands) {
         VulkanDevice::moveTo(commands, image, Layout::eShaderReadOnlyOptimal,
                              Layout::eTransferSrcOptimal);
@@ -841,6 +842,11 @@ qint64 GraphRenderer::State::memoryHeld() const
     for (const Target &target : m_targets.passes)
         bytes += target.images.front().bytes + target.images.back().bytes;
     return qint64(bytes);
+}
+
+const FormatInfo &infoOf(VulkanRenderGraph::Format format)
+{
+    return traitsOf(format).info;
 }
 
 QList<GraphRenderer::DeviceInfo> GraphRenderer::devices(QString &error)

@@ -24,6 +24,14 @@ struct FrameState
     float frameSeconds = 1.0F / 60.0F; // since the previous frame, 0 when unknown
 };
 
+// What a format is called, and what a texel of it takes.
+struct FormatInfo
+{
+    QLatin1StringView name;
+    int texelBytes;
+};
+const FormatInfo &infoOf(VulkanRenderGraph::Format format);
+
 // One pass in the last frame.
 struct PassResult
 {

@@ -18,9 +18,6 @@ constexpr int kFrames = 60;
 // Frames before the first that counts: what is done once is then done.
 constexpr int kWarmUpFrames = 3;
 
-// By VulkanRenderGraph::Format.
-constexpr const char *kFormatNames[] = {"R11G11B10F", "RGBA16F", "RGBA8", "RGBA32F"};
-constexpr int kTexelBytes[] = {4, 8, 4, 16};
 constexpr const char *kKindNames[] = {"drawn", "cached", "black"};
 
 QList<QCommandLineOption> options()
@@ -99,7 +96,7 @@ struct Profile
         const QList<PassResult> results = drawing.renderer().passes();
         for (qsizetype i = 0; i < results.size(); ++i) {
             const PassResult &result = results.at(i);
-            const auto format = static_cast<std::size_t>(result.format);
+            const FormatInfo &format = infoOf(result.format);
             const bool isDrawn = result.kind == PassResult::Kind::Drawn;
             QJsonObject row = passes.at(i).json();
             row[u"index"_s] = i;
@@ -107,9 +104,9 @@ struct Profile
             row[u"kind"_s] = QLatin1StringView(kKindNames[static_cast<std::size_t>(result.kind)]);
             row[u"width"_s] = result.size.width();
             row[u"height"_s] = result.size.height();
-            row[u"format"_s] = QLatin1StringView(kFormatNames[format]);
+            row[u"format"_s] = format.name;
             row[u"bytesWritten"_s] = isDrawn
-                    ? qint64(result.size.width()) * result.size.height() * kTexelBytes[format]
+                    ? qint64(result.size.width()) * result.size.height() * format.texelBytes
                     : qint64(0);
             row[u"share"_s] = sum > 0.0 ? passes.at(i).median() / sum : 0.0;
             rows.append(row);

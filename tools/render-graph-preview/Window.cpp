@@ -43,7 +43,6 @@ constexpr Size kSizes[] = {{"as the view", {}},         {"640x480", {640, 480}},
 constexpr const char *kZooms[] = {"fit", "1:1", "2:1", "3:1", "4:1", "6:1", "8:1"};
 constexpr const char *kComparisons[] = {"nothing", "source", "tuned values"};
 constexpr double kSpeeds[] = {60.0, 30.0, 10.0, 2.0};
-constexpr const char *kFormats[] = {"R11G11B10F", "RGBA16F", "RGBA8", "RGBA32F"};
 
 QString timeText(const PassResult &pass)
 {
@@ -318,12 +317,11 @@ void Window::showFrame()
     for (int i = 0; i < m_strip->count(); ++i) {
         const PassResult &pass = frame.passes.at(i);
         const QString time = timeText(pass);
-        m_strip->item(i)->setText(
-                u"%1 %2\n%3x%4 %5\n%6"_s.arg(i)
-                        .arg(m_components.at(i))
-                        .arg(pass.size.width())
-                        .arg(pass.size.height())
-                        .arg(QLatin1StringView(kFormats[int(pass.format)]), time));
+        m_strip->item(i)->setText(u"%1 %2\n%3x%4 %5\n%6"_s.arg(i)
+                                          .arg(m_components.at(i))
+                                          .arg(pass.size.width())
+                                          .arg(pass.size.height())
+                                          .arg(infoOf(pass.format).name, time));
         times.append(u"%1: %2"_s.arg(i).arg(time));
     }
     m_times->setText(u"%1 | frame %2, %3 ms | %4"_s.arg(frame.device)
