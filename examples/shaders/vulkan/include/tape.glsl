@@ -12,15 +12,17 @@ const float kSwitchLine = kLines - 5.0;
 // for one of another rate, which would set the clock.
 const float kRates[] = float[](50.0, 60.0, 90.0, 120.0, 144.0, 240.0);
 // Long enough that nobody sees a pattern start over, short enough for a float.
-const uint kLoopSeconds = 1000u;
+const uint kLoopFrames = 65536u;
 
 // Fields of 1/60 s that the picture has run, at any rate of the display.
 float fieldsShown()
 {
     float rate = 60.0;
-    for (int i = 0; i < kRates.length() && pc.frameSeconds > 0.0; ++i) {
-        float off = abs(pc.frameSeconds - 1.0 / kRates[i]);
-        rate = off < abs(pc.frameSeconds - 1.0 / rate) ? kRates[i] : rate;
+    float least = 1.0;
+    for (int i = 0; i < kRates.length(); ++i) {
+        float off = abs(pc.frameSeconds * kRates[i] - 1.0);
+        rate = off < least ? kRates[i] : rate;
+        least = min(off, least);
     }
-    return float(60u * (pc.frameCount % (kLoopSeconds * uint(rate)))) / rate;
+    return float(60u * (pc.frameCount % kLoopFrames)) / rate;
 }
