@@ -190,12 +190,12 @@ void TestRewindShaders::switchingIsNoisy()
     for (int line = 0; line < 234; ++line)
         QVERIFY2(deviations.at(line) < 1e-3, QByteArray::number(line).constData());
     // Grain has 0.47, and here it is doubled; it falls from all of it to a fifth.
-    QVERIFY2(deviations.at(236) > 0.3 * double(lineNoise)
-                     || deviations.at(236) == double(lineNoise),
-             QByteArray::number(deviations.at(236)).constData());
-    QVERIFY2(deviations.at(239) > 0.12 * double(lineNoise)
-                     || deviations.at(239) == double(lineNoise),
-             QByteArray::number(deviations.at(239)).constData());
+    const auto isWithin = [&](int line, double least, double most) {
+        return deviations.at(line) >= least * double(lineNoise)
+                && deviations.at(line) <= most * double(lineNoise);
+    };
+    QVERIFY2(isWithin(236, 0.3, 0.94), QByteArray::number(deviations.at(236)).constData());
+    QVERIFY2(isWithin(239, 0.12, 0.4), QByteArray::number(deviations.at(239)).constData());
     QVERIFY(deviations.at(239) <= deviations.at(236));
 }
 
@@ -245,7 +245,7 @@ void TestRewindShaders::lumaBandwidth_data()
         row("3 MHz", 158.0, 0.456);
     }
     // Three columns are a period: too few for a Gaussian.
-    QTest::newRow("2 MHz, 320 wide") << 320 << 105.0 << 0.75 << 0.05;
+    QTest::newRow("2 MHz, 320 wide") << 320 << 105.0 << 0.70 << 0.03;
 }
 
 void TestRewindShaders::lumaBandwidth()

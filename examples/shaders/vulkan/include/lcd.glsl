@@ -51,7 +51,7 @@ vec4 respondingCell(vec4 drive, vec3 last, float rise, float fall, float hdrSpee
 float rampIntegral(float t)
 {
     float inside = clamp(t, 0.0, 1.0);
-    return 0.5 * inside * inside + max(t - 1.0, 0.0);
+    return inside * (t - 0.5 * inside);
 }
 
 // How much of first..last lies in begin..end, whose edges are ramps of width `softness`.
