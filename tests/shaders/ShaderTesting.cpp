@@ -93,9 +93,9 @@ Picture stacked(const QList<SampledPicture> &inputs)
 
 } // namespace
 
-QHash<QString, float> initialParams(const PresetEntry &preset)
+Params initialParams(const PresetEntry &preset)
 {
-    QHash<QString, float> params;
+    Params params;
     for (int i = 0; i < preset.presetParamCount; ++i) {
         const PresetParamEntry &param = preset.presetParams[i];
         params.insert(QString::fromUtf8(param.id), param.initialValue);
@@ -170,6 +170,72 @@ Picture drawComponent(const QString &component, const QList<SampledPicture> &inp
     graph.passes.append(drawn);
     setGraph(*kRenderer, graph, {{kCropResource, kCrop}});
     return drawFrame(*kRenderer, stacked(inputs), withCrops, -1);
+}
+
+Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
+                 const Params &params, const Tweak &tweak)
+{
+    if (passEntry(component).paramCount != params.size())
+        qFatal("%s has %d parameters", qPrintable(component), passEntry(component).paramCount);
+    FrameState state = {.params = params, .viewport = size};
+    if (tweak)
+        tweak(state);
+    return drawComponent(component, inputs, state);
+}
+
+Tweak hdr(float headroom)
+{
+    return [headroom](FrameState &state) {
+        state.hdrOutputActive = true;
+        state.hdrHeadroom = headroom;
+    };
+}
+
+Params with(Params params, const Params &changes)
+{
+    params.insert(changes);
+    return params;
+}
+
+Picture flat(QSize size, float red, float green, float blue, float alpha)
+{
+    return Picture(size, {red, green, blue, alpha});
+}
+
+Picture grey(QSize size, float value)
+{
+    return flat(size, value, value, value);
+}
+
+Picture noise(QSize size, float most)
+{
+    Picture picture(size);
+    std::uint32_t state = 12345;
+    for (Pixel &pixel : picture.pixels) {
+        for (std::size_t c = 0; c < 3; ++c) {
+            state = state * 1664525U + 1013904223U;
+            pixel[c] = most * float(state >> 8U) / float(1U << 24U);
+        }
+    }
+    return picture;
+}
+
+double mean(const Picture &picture, std::size_t channel)
+{
+    double sum = 0.0;
+    for (const Pixel &pixel : picture.pixels)
+        sum += double(pixel[channel]);
+    return sum / double(picture.pixels.size());
+}
+
+double encoded(double light)
+{
+    return std::pow(light, 1.0 / 2.2);
+}
+
+double decoded(double signal)
+{
+    return std::pow(signal, 2.2);
 }
 
 PresetDrawing::PresetDrawing(const PresetEntry &preset) : m_renderer(rendererOf(preset))

@@ -4,6 +4,8 @@
 
 #include <RenderGraphManifest.h>
 
+#include <functional>
+
 // What the tests of the example shaders ask of the renderer, on a software device: it gives the
 // same numbers on every machine. Whatever fails ends the program.
 
@@ -16,8 +18,13 @@ struct SampledPicture
     int wrapMode = 1; // 0 transparent border, 1 clamped to the edge, 2 repeated
 };
 
+using Params = QHash<QString, float>;
+using Tweak = std::function<void(FrameState &)>;
+
+constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
+
 // The preset's own values of all its parameters.
-QHash<QString, float> initialParams(const RenderGraphManifestData::PresetEntry &preset);
+Params initialParams(const RenderGraphManifestData::PresetEntry &preset);
 
 // The preset of that name.
 const RenderGraphManifestData::PresetEntry &presetEntry(QStringView name);
@@ -28,6 +35,26 @@ const RenderGraphManifestData::PassEntry &passEntry(QStringView component);
 // The component alone, drawn into 32-bit floats at the state's viewport from pictures of such.
 Picture drawComponent(const QString &component, const QList<SampledPicture> &inputs,
                       const FrameState &state);
+
+// The same with just the component's parameters in `params`, the rest of the state by `tweak`.
+Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
+                 const Params &params = {}, const Tweak &tweak = {});
+
+// The state of an HDR display.
+Tweak hdr(float headroom);
+
+Params with(Params params, const Params &changes);
+
+Picture flat(QSize size, float red, float green, float blue, float alpha = 1.0F);
+Picture grey(QSize size, float value);
+// The same pixels on every run and machine.
+Picture noise(QSize size, float most = 1.0F);
+
+double mean(const Picture &picture, std::size_t channel);
+
+// Between light and the presets' signal.
+double encoded(double light);
+double decoded(double signal);
 
 // Draws a whole preset as the golden manifest has it, with the modules that the build compiled.
 // There is one picture of each preset at a time: a new one forgets the last one's history.

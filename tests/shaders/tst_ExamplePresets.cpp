@@ -12,8 +12,6 @@ using namespace RenderGraphManifestData;
 
 namespace {
 
-using Params = QHash<QString, float>;
-
 // A scene with flat areas, edges of all directions, fine detail and full colours.
 Picture scene(QSize size, int shift)
 {
