@@ -321,7 +321,7 @@ void TestCrtScreen::persistence()
     QCOMPARE(held.at(0, 0)[0], 2.0F);
 }
 
-// The largest gain is 1, the limiter's is handed on in alpha.
+// White keeps its luminance, the limiter's gain is handed on in alpha.
 void TestCrtScreen::driveBalancesTheGuns_data()
 {
     QTest::addColumn<Params>("params");
@@ -334,11 +334,11 @@ void TestCrtScreen::driveBalancesTheGuns_data()
                             << expected;
     };
     row("D65", 0.0F, 0.0F, 0.5F, {0.8F, 0.4F, 0.2F, 0.75F});
-    row("halfway", 0.5F, 0.0F, 0.5F, {0.652356F, 0.350641F, 0.2F, 0.75F});
-    row("D93", 1.0F, 0.0F, 0.5F, {0.504711F, 0.301282F, 0.2F, 0.75F});
-    row("cool phosphor", 0.0F, 1.0F, 0.0F, {0.390756F, 0.312460F, 0.2F, 0.75F});
+    row("halfway", 0.5F, 0.0F, 0.5F, {0.738727F, 0.402199F, 0.234226F, 0.75F});
+    row("D93", 1.0F, 0.0F, 0.5F, {0.677454F, 0.404398F, 0.268452F, 0.75F});
+    row("cool phosphor", 0.0F, 1.0F, 0.0F, {0.531851F, 0.425284F, 0.272216F, 0.75F});
     row("paper-white phosphor, which is no matter of temperature", 1.0F, 1.0F, 1.0F,
-        {0.8F, 0.331712F, 0.122703F, 0.75F});
+        {0.941171F, 0.390247F, 0.144356F, 0.75F});
 }
 
 void TestCrtScreen::driveBalancesTheGuns()
