@@ -83,7 +83,7 @@ for name in my::presets 'my presets'; do
         ": '$name' cannot be the name of a library. It consists of letters, digits and any of _.+-"
 done
 
-for executable in tool shaders "$WORK_DIR/project" "$WORK_DIR/none"; do
+for executable in "moved here/bin/render-graph-compile" "$WORK_DIR/project" "$WORK_DIR/none"; do
     rejected "set(RenderGraphCompile_EXECUTABLE \"$executable\")
 $package
 render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)" \

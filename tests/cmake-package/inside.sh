@@ -5,11 +5,10 @@ set -eu
 tests="$SOURCE_DIR/tests/cmake-package"
 
 fresh_install
-mkdir render-graph-compile
-for part in CMakeLists.txt cmake src tools; do
-    cp -R "$SOURCE_DIR/$part" render-graph-compile
-done
+quick_sources render-graph-compile
+cp -R "$SOURCE_DIR/src" render-graph-compile # which the consumer is built with
 cp -R "$SOURCE_DIR/examples" examples
+light_shaders examples/shaders
 cp -R "$tests/inside" inside
 # Qt is this machine's throughout, also where CMake would look for another system's.
 qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")

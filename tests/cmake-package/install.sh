@@ -46,6 +46,7 @@ foreach(path IN LISTS sources directories)
     endif()
 endforeach()
 END
+prefix=none # where another one would be found
 configure project used -G Ninja "-DRenderGraphCompile_DIR=$WORK_DIR/shared data/cmake/RenderGraphCompile" ||
     fail 'the package does not find its files in an absolute directory'
 
@@ -69,6 +70,8 @@ examples/share/render-graph-compile/examples/shaders/vulkan/include/*
 tool/bin/render-graph-compile
 tool/share/man/man1/render-graph-compile.1
 END
+[ -e parts/development/share/cmake/RenderGraphCompile/RenderGraphCompileTargets.cmake ] ||
+    fail 'the component development lacks the targets'
 : >parts/tool/bin/of-others
 build "$sources/out" --target uninstall || fail 'uninstalling'
 [ "$(find parts installed 'shared data' -type f)" = parts/tool/bin/of-others ] ||

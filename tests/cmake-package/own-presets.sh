@@ -21,7 +21,7 @@ mkdir -p project/shaders/vulkan/components
 
 prefix=none
 qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
-configure project build -G Ninja "-DQt6_DIR=$qt_dir" || fail 'configuring'
+configure project build -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_UNITY_BUILD=ON || fail 'configuring'
 build build || fail 'building'
 [ "$(build/my_app)" = ':/shaders/tint.glslp 2' ] || fail 'other presets than the own ones'
 sed 's/"tint", .passes/"dyed", .passes/' project/FirstPartyPresets.h >changed.h

@@ -8,7 +8,7 @@
 
 using namespace Qt::StringLiterals;
 
-// The tube's signal and beam: video amplifier, raster and spot.
+// The tube's signal and beam: composite signal, video amplifier, raster and spot.
 
 namespace {
 
@@ -86,6 +86,80 @@ Spot measured(const Picture &picture, std::size_t channel)
     return spot;
 }
 
+// The composite signal with neither gain nor a share of the line above.
+const Params kComposite = {
+        {u"composite_strength"_s, 1.0F},    {u"composite_sharp"_s, 0.6F},
+        {u"composite_chroma"_s, 1.1F},      {u"composite_chroma_delay"_s, 0.0F},
+        {u"composite_chroma_gain"_s, 1.0F}, {u"composite_chroma_vertical"_s, 0.0F}};
+constexpr double kCarrierCycles = 190.909; // on a line
+constexpr int kReceivedColumns = 2048;
+
+Picture received(const Picture &source, const Params &params, const Tweak &tweak = {})
+{
+    return evaluate(u"crt-consumer-composite"_s, {{.picture = &source}},
+                    {kReceivedColumns, source.size.height()}, with(kComposite, params), tweak);
+}
+
+using Yiq = std::array<double, 3>;
+
+// SMPTE 170M.
+Yiq toYiq(const Pixel &pixel)
+{
+    const double r = double(pixel[0]);
+    const double g = double(pixel[1]);
+    const double b = double(pixel[2]);
+    return {0.299 * r + 0.587 * g + 0.114 * b, 0.5959 * r - 0.2746 * g - 0.3213 * b,
+            0.2115 * r - 0.5227 * g + 0.3112 * b};
+}
+
+Pixel fromYi(double y, double i)
+{
+    return {float(y + 0.9560 * i), float(y - 0.2720 * i), float(y - 1.1067 * i), 1.0F};
+}
+
+// A 256-pixel line of grey whose luma or I swings by 0.2, so many times.
+Picture wave(std::size_t component, double cycles)
+{
+    Picture picture({256, 4});
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 256; ++x) {
+            const double swing = 0.2 * std::cos(kTurn * cycles * (x + 0.5) / 256.0);
+            picture.at(x, y) = component == 0 ? fromYi(0.5 + swing, 0.0) : fromYi(0.5, swing);
+        }
+    }
+    return picture;
+}
+
+// What of that wave there is in a row: its amplitude, and where it is along the line, in cycles.
+struct Wave
+{
+    double amplitude = 0.0;
+    double phase = 0.0;
+};
+
+Wave analysed(const Picture &picture, int row, std::size_t component, double cycles)
+{
+    // Whole waves, in the middle of the line.
+    const double wavelength = picture.size.width() / cycles;
+    const int first = picture.size.width() / 8;
+    const int count = int(std::floor(0.75 * cycles) * wavelength);
+    double cosine = 0.0;
+    double sine = 0.0;
+    for (int x = first; x < first + count; ++x) {
+        const double at = kTurn * (x + 0.5) / wavelength;
+        const double value = toYiq(picture.at(x, row))[component];
+        cosine += 2.0 * value * std::cos(at) / count;
+        sine += 2.0 * value * std::sin(at) / count;
+    }
+    return {std::hypot(cosine, sine), std::atan2(sine, cosine) / kTurn};
+}
+
+// The distance between two phases, in cycles.
+double apart(double a, double b)
+{
+    return std::fabs(a - b - std::round(a - b));
+}
+
 QByteArray shown(double value)
 {
     return QByteArray::number(value, 'g', 8);
@@ -98,6 +172,14 @@ class TestCrtRaster : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void compositeBandwidths_data();
+    void compositeBandwidths();
+    void chromaComesLate();
+    void chromaIsSharedWithTheLineAbove_data();
+    void chromaIsSharedWithTheLineAbove();
+    void zonePlateTurnsColourfulAtTheCarrier();
+    void dotsCrawl_data();
+    void dotsCrawl();
     void bandwidthIsThreeDecibelsDownAtTheCutoff_data();
     void bandwidthIsThreeDecibelsDownAtTheCutoff();
     void blackLineOnWhite_data();
@@ -119,6 +201,141 @@ private Q_SLOTS:
     void convergenceMovesOneGun();
 };
 
+void TestCrtRaster::compositeBandwidths_data()
+{
+    QTest::addColumn<int>("component");
+    QTest::addColumn<double>("cycles");
+    QTest::addColumn<Params>("params");
+    QTest::addColumn<double>("kept"); // by the Gaussian, and by holding the pixels
+    const auto chroma = [](float spread, float gain) {
+        return Params({{u"composite_chroma"_s, spread}, {u"composite_chroma_gain"_s, gain}});
+    };
+    QTest::newRow("chroma, narrow") << 1 << 32.0 << chroma(0.5F, 1.0F) << 0.9022;
+    QTest::newRow("chroma, usual") << 1 << 32.0 << chroma(1.35F, 1.0F) << 0.5555;
+    QTest::newRow("chroma, wide") << 1 << 32.0 << chroma(3.0F, 1.0F) << 0.0607;
+    QTest::newRow("chroma, amplified") << 1 << 32.0 << chroma(1.35F, 1.5F) << 0.8332;
+    QTest::newRow("luma, soft") << 0 << 64.0 << Params({{u"composite_sharp"_s, 0.2F}}) << 0.0206;
+    QTest::newRow("luma, usual") << 0 << 64.0 << Params({{u"composite_sharp"_s, 0.6F}}) << 0.5917;
+    QTest::newRow("luma, sharp") << 0 << 64.0 << Params({{u"composite_sharp"_s, 1.0F}}) << 0.7740;
+}
+
+void TestCrtRaster::compositeBandwidths()
+{
+    QFETCH(int, component);
+    QFETCH(double, cycles);
+    QFETCH(Params, params);
+    QFETCH(double, kept);
+    const auto which = std::size_t(component);
+    const Picture result = received(wave(which, cycles), params);
+    const double amplitude = analysed(result, 1, which, cycles).amplitude / 0.2;
+    QVERIFY2(std::fabs(amplitude - kept) < 0.01, shown(amplitude).constData());
+}
+
+void TestCrtRaster::chromaComesLate()
+{
+    for (const float delay : {-1.5F, 0.0F, 2.0F}) {
+        const Picture result = received(wave(1, 32.0), {{u"composite_chroma_delay"_s, delay}});
+        // 256 samples to a line, 32 cycles: a cycle is 8 samples.
+        const double phase = analysed(result, 1, 1, 32.0).phase;
+        QVERIFY2(apart(phase, double(delay) / 8.0) < 0.003, shown(phase).constData());
+    }
+}
+
+void TestCrtRaster::chromaIsSharedWithTheLineAbove_data()
+{
+    QTest::addColumn<float>("share");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("not") << 0.0F << 0.2;
+    QTest::newRow("a quarter") << 0.25F << 0.1;
+    QTest::newRow("half") << 0.5F << 0.0;
+}
+
+// Lines of opposite colours.
+void TestCrtRaster::chromaIsSharedWithTheLineAbove()
+{
+    QFETCH(float, share);
+    QFETCH(double, expected);
+    Picture picture({256, 4});
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 256; ++x)
+            picture.at(x, y) = fromYi(0.5, y % 2 == 0 ? 0.2 : -0.2);
+    }
+    const Picture result = received(picture, {{u"composite_chroma_vertical"_s, share}});
+    const double even = toYiq(result.at(1000, 2))[1];
+    const double odd = toYiq(result.at(1000, 3))[1];
+    QVERIFY2(std::fabs(even - expected) < 1e-3, shown(even).constData());
+    QVERIFY2(std::fabs(odd + expected) < 1e-3, shown(odd).constData());
+}
+
+// Grey whose frequency rises from 0 to 384 cycles a line takes the colour carrier's in the middle.
+void TestCrtRaster::zonePlateTurnsColourfulAtTheCarrier()
+{
+    Picture plate({1024, 2});
+    for (int y = 0; y < 2; ++y) {
+        for (int x = 0; x < 1024; ++x) {
+            const double at = (x + 0.5) / 1024.0;
+            plate.at(x, y) = fromYi(0.5 + 0.25 * std::cos(0.5 * kTurn * 384.0 * at * at), 0.0);
+        }
+    }
+    const Picture result = received(plate, {});
+    double most = 0.0;
+    double where = 0.0;
+    double elsewhere = 0.0;
+    for (int x = 0; x < kReceivedColumns; ++x) {
+        const double at = (x + 0.5) / kReceivedColumns;
+        const Yiq yiq = toYiq(result.at(x, 1));
+        const double chroma = std::hypot(yiq[1], yiq[2]);
+        where = chroma > most ? at : where;
+        most = std::max(most, chroma);
+        // Beyond what the chroma filter lets past.
+        if (std::fabs(at - kCarrierCycles / 384.0) > 0.3)
+            elsewhere = std::max(elsewhere, chroma);
+    }
+    // Half of it gets past the trap: 0.25 * 0.5, and 0.944 of that as the pixels are held.
+    QVERIFY2(std::fabs(most - 0.118) < 0.006, shown(most).constData());
+    QVERIFY2(std::fabs(where - kCarrierCycles / 384.0) < 0.02, shown(where).constData());
+    QVERIFY2(elsewhere < 0.02, shown(elsewhere).constData());
+}
+
+void TestCrtRaster::dotsCrawl_data()
+{
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<quint32>("frame");
+    QTest::addColumn<double>("cycles"); // that the carrier is on, 0.75 for each field of 1/60 s
+    QTest::newRow("the beginning") << 1.0F / 60.0F << 0U << 0.0;
+    QTest::newRow("60 Hz, 1 frame") << 1.0F / 60.0F << 1U << 0.75;
+    QTest::newRow("60 Hz, 2 frames") << 1.0F / 60.0F << 2U << 0.5;
+    QTest::newRow("60 Hz, 3 frames") << 1.0F / 60.0F << 3U << 0.25;
+    QTest::newRow("60 Hz, an hour") << 1.0F / 60.0F << 216003U << 0.25;
+    QTest::newRow("120 Hz, 1 frame") << 1.0F / 120.0F << 1U << 0.0;
+    QTest::newRow("120 Hz, 2 frames") << 1.0F / 120.0F << 2U << 0.75;
+    QTest::newRow("120 Hz, 6 frames") << 1.0F / 120.0F << 6U << 0.25;
+    QTest::newRow("50 Hz, 1 frame") << 1.0F / 50.0F << 1U << 0.75;
+    QTest::newRow("50 Hz, 5 frames") << 1.0F / 50.0F << 5U << 0.5;
+    QTest::newRow("unknown, 1 frame") << 0.0F << 1U << 0.75;
+}
+
+// What is left of the carrier in the luma of a red field.
+void TestCrtRaster::dotsCrawl()
+{
+    QFETCH(float, seconds);
+    QFETCH(quint32, frame);
+    QFETCH(double, cycles);
+    const Picture result = received(flat({256, 4}, 1.0F, 0.0F, 0.0F),
+                                    {{u"composite_sharp"_s, 1.0F}}, [&](FrameState &state) {
+                                        state.frameSeconds = seconds;
+                                        state.frameCount = frame;
+                                    });
+    const Wave first = analysed(result, 0, 0, kCarrierCycles);
+    // 0.632 is red's chroma, 0.130 what trap and filter leave of it.
+    QVERIFY2(std::fabs(first.amplitude - 0.0823) < 0.002, shown(first.amplitude).constData());
+    // Red's colour stands at atan2(Q, I), which leads the carrier.
+    const double red = std::atan2(0.2115, 0.5959) / kTurn;
+    QVERIFY2(apart(first.phase, red - cycles) < 0.005, shown(first.phase).constData());
+    const Wave second = analysed(result, 1, 0, kCarrierCycles);
+    QVERIFY2(apart(second.phase, first.phase + 0.5) < 0.005, shown(second.phase).constData());
+}
+
 void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff_data()
 {
     QTest::addColumn<float>("megahertz");
@@ -132,13 +349,13 @@ void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff()
     QFETCH(float, megahertz);
     // A whole number of cycles over the line, at the cutoff.
     const double cycles = double(megahertz) * 50.0;
-    Picture wave({4096, 1});
+    Picture line({4096, 1});
     for (int x = 0; x < 4096; ++x) {
         const double voltage = 0.5 + 0.4 * std::cos(kTurn * cycles * (x + 0.5) / 4096.0);
         const auto light = float(std::pow(voltage, 2.4));
-        wave.at(x, 0) = {light, light, light, 1.0F};
+        line.at(x, 0) = {light, light, light, 1.0F};
     }
-    const Picture result = amplified(wave, megahertz, 50.0F);
+    const Picture result = amplified(line, megahertz, 50.0F);
     // Amplitude by correlation, over the middle of the line.
     double amplitude = 0.0;
     double reference = 0.0;

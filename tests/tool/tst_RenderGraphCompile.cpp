@@ -469,7 +469,7 @@ void TestRenderGraphCompile::hugeComponent_data()
                                  << true;
     QTest::newRow("empty lines") << QByteArray("\n") << true;
     QTest::newRow("one line") << QByteArray("x = x * pc.scale; ") << false;
-    QTest::newRow("one line of comments") << QByteArray("/**/ x /") << false;
+    QTest::newRow("one line of comments") << QByteArray("/**/ x / ") << false;
 }
 
 void TestRenderGraphCompile::hugeComponent()

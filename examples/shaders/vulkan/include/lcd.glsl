@@ -23,28 +23,35 @@ vec3 dmgInk(float tint)
     return mix(kGreyInk, kGreenInk, tint);
 }
 
-// Time since the last frame in frames of 1/60 s.
-float elapsedFrames()
-{
-    return pc.frameSeconds > 0.0 ? 60.0 * pc.frameSeconds : 1.0;
-}
-
-// The cell after `frames` frames of a first-order approach that covers `rate` of the remaining
-// difference in each. The least step keeps an 8-bit history from stalling short of the drive.
+// The cell after `frames` frames of 1/60 s, each of which covers `rate` of the remaining difference.
+// The least speed keeps a history of few bits from stalling short of the drive.
 vec3 followDrive(vec3 cell, vec3 drive, vec3 rate, float frames)
 {
-    const float kLeastStep = 0.6 / 255.0;
+    const float kLeastSpeed = 0.6 / 255.0;
     vec3 covered = 1.0 - pow(1.0 - clamp(rate, 0.0, 1.0), vec3(frames));
     vec3 distanceLeft = abs(drive - cell);
-    vec3 moved = max(distanceLeft * covered, kLeastStep);
+    vec3 moved = max(distanceLeft * covered, kLeastSpeed * frames);
     return mix(cell + sign(drive - cell) * moved, drive, greaterThanEqual(moved, distanceLeft));
+}
+
+// The response of a cell: it approaches its drive exponentially, at its own rate upwards (brighter)
+// and downwards. The encoded value stands for the tilt of the molecules, whose square the light
+// follows roughly; it is the tilt that relaxes exponentially. Alpha is passed through.
+// Source: Jakeman and Raynes, "Electro-optic response times in liquid crystals", 1972.
+vec4 respondingCell(vec4 drive, vec3 last, float rise, float fall, float hdrSpeed)
+{
+    float frames = pc.frameSeconds > 0.0 ? 60.0 * pc.frameSeconds : 1.0;
+    // A bright trail is more disturbing in HDR, so time may run faster there.
+    float speed = pc.hdrOutputActive != 0u ? hdrSpeed : 1.0;
+    vec3 rate = mix(vec3(fall), vec3(rise), greaterThan(drive.rgb, last));
+    return vec4(followDrive(last, drive.rgb, rate, frames * speed), drive.a);
 }
 
 // Integral of clamp(t, 0, 1) from 0 to t.
 float rampIntegral(float t)
 {
     float inside = clamp(t, 0.0, 1.0);
-    return 0.5 * inside * inside + max(t - 1.0, 0.0);
+    return inside * (t - 0.5 * inside);
 }
 
 // How much of first..last lies in begin..end, whose edges are ramps of width `softness`.

@@ -1,0 +1,8 @@
+#include MANIFEST
+
+int library();
+
+int main()
+{
+    return library();
+}

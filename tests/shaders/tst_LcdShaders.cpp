@@ -1,0 +1,734 @@
+#include "ShaderTesting.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace RenderGraphManifestData;
+
+// The liquid crystal panels and the scaler, by numbers that are known beforehand.
+
+namespace {
+
+const Params kSubpixel = {{u"lcd_aperture_x"_s, 0.91F},   {u"lcd_aperture_y"_s, 0.97F},
+                          {u"lcd_diffuse"_s, 0.6F},       {u"LCD_COLOR_PROFILE"_s, 1.0F},
+                          {u"lcd_grid_contrast"_s, 0.4F}, {u"lcd_spill"_s, 1.0F}};
+// Neither blurred nor mixed, so that apertures are seen as they are.
+const Params kBareSubpixel = {{u"lcd_aperture_x"_s, 0.6F},    {u"lcd_aperture_y"_s, 1.0F},
+                              {u"lcd_diffuse"_s, 0.0F},       {u"LCD_COLOR_PROFILE"_s, 0.0F},
+                              {u"lcd_grid_contrast"_s, 1.0F}, {u"lcd_spill"_s, 0.0F}};
+const Params kGrid = {{u"dmg_border_fade"_s, 8.0F},    {u"dmg_grain"_s, 0.0F},
+                      {u"dmg_grid_gap"_s, 0.0F},       {u"dmg_margin_gain"_s, 1.0F},
+                      {u"dmg_panel_margin"_s, 0.0F},   {u"dmg_shadow_offset"_s, 0.0F},
+                      {u"dmg_shadow_strength"_s, 0.0F}};
+
+// The grey panel's clear and dark cells: a tint of 0 in alpha.
+constexpr Pixel kGlass = {0.665F, 0.665F, 0.665F, 0.0F};
+constexpr Pixel kInk = {0.184F, 0.184F, 0.184F, 0.0F};
+
+double lightAt(const Picture &picture, int x, int y, std::size_t channel = 0)
+{
+    return decoded(double(picture.at(x, y)[channel]));
+}
+
+double meanLight(const Picture &picture, std::size_t channel = 0)
+{
+    double sum = 0.0;
+    for (const Pixel &pixel : picture.pixels)
+        sum += decoded(double(pixel[channel]));
+    return sum / double(picture.pixels.size());
+}
+
+Picture grid(const Picture &cells, const Picture &shadow, QSize size, const Params &changes)
+{
+    return evaluate(u"crt-dmg-grid"_s,
+                    {{.picture = &shadow, .linearFilter = true}, {.picture = &cells}}, size,
+                    with(kGrid, changes));
+}
+
+// Where x > y the picture is bright, columns by turns so and so.
+Picture staircase(float even, float odd)
+{
+    Picture picture({15, 15});
+    for (int y = 0; y < 15; ++y) {
+        for (int x = y + 1; x < 15; ++x) {
+            const float level = x % 2 == 0 ? even : odd;
+            picture.at(x, y) = {level, level, level, 1.0F};
+        }
+    }
+    return picture;
+}
+
+// Three times as large, by the preset's scaler at these values.
+Picture tripled(const Picture &picture, const Params &changes = {})
+{
+    const PresetEntry &preset = presetEntry(u"no-pixels"_s);
+    PresetDrawing drawing(preset);
+    return drawing.draw(
+            picture, {.params = with(initialParams(preset), changes), .viewport = 3 * picture.size},
+            5);
+}
+
+} // namespace
+
+class TestLcdShaders : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void ghosting_data();
+    void ghosting();
+    void cellsTakeTheirTimeAtAnyRate_data();
+    void cellsTakeTheirTimeAtAnyRate();
+    void gamutExpansion_data();
+    void gamutExpansion();
+    void panelMeanBrightness_data();
+    void panelMeanBrightness();
+    void spillBlursApertures_data();
+    void spillBlursApertures();
+    void diffusionFillsTheGaps_data();
+    void diffusionFillsTheGaps();
+    void diffusionReachesTheNeighbours_data();
+    void diffusionReachesTheNeighbours();
+    void subpixelsShowAtTheirOwnValues_data();
+    void subpixelsShowAtTheirOwnValues();
+    void crosstalkMovesLightAlongItsColumnOnly();
+    void shadowMovesByTheGap();
+    void gapsBetweenGreyCells_data();
+    void gapsBetweenGreyCells();
+    void greyCellsStandInTheirPlaces_data();
+    void greyCellsStandInTheirPlaces();
+    void shadowHasItsOpacity_data();
+    void shadowHasItsOpacity();
+    void marginFades_data();
+    void marginFades();
+    void grain_data();
+    void grain();
+    void scalerKeepsStraightEdges_data();
+    void scalerKeepsStraightEdges();
+    void scalerRoundsABend();
+    void scalerSmoothsAStaircase();
+    void scalerComparesByItsThreshold_data();
+    void scalerComparesByItsThreshold();
+    void resamplerEncodesLight();
+    void resamplerAveragesWhenShrinking();
+};
+
+void TestLcdShaders::ghosting_data()
+{
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<bool>("isRising");
+    QTest::addColumn<float>("speed");
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<bool>("isHdr");
+    QTest::addColumn<float>("expected");
+    for (const char *component : {"gba-ghost", "dmg-ghost"}) {
+        const QString name = QString::fromLatin1(component);
+        const auto row = [&](const char *what, bool isRising, float speed, float seconds,
+                             bool isHdr, float expected) {
+            QTest::addRow("%s %s", component, what)
+                    << name << isRising << speed << seconds << isHdr << expected;
+        };
+        row("rise", true, 1.0F, 1.0F / 60.0F, false, 0.5F);
+        row("rise in 1/30 s", true, 1.0F, 1.0F / 30.0F, false, 0.75F);
+        row("fall", false, 1.0F, 1.0F / 60.0F, false, 0.6F);
+        row("rise, faster in HDR only", true, 3.0F, 1.0F / 60.0F, false, 0.5F);
+        row("rise, faster in HDR", true, 3.0F, 1.0F / 60.0F, true, 0.875F);
+    }
+}
+
+void TestLcdShaders::ghosting()
+{
+    QFETCH(QString, component);
+    QFETCH(bool, isRising);
+    QFETCH(float, speed);
+    QFETCH(float, seconds);
+    QFETCH(bool, isHdr);
+    QFETCH(float, expected);
+    const Picture drive = grey({2, 2}, isRising ? 1.0F : 0.0F);
+    const Picture last = grey({2, 2}, isRising ? 0.0F : 1.0F);
+    const Picture cells = evaluate(
+            component, {{.picture = &drive}, {.picture = &last}}, {2, 2},
+            {{u"ghost_rise"_s, 0.5F}, {u"ghost_fall"_s, 0.4F}, {u"ghost_hdr_speed"_s, speed}},
+            [=](FrameState &state) {
+                state.frameSeconds = seconds;
+                state.hdrOutputActive = isHdr;
+            });
+    QVERIFY(difference(cells, grey({2, 2}, expected)) < kRounding);
+}
+
+// The part of the way that is left after a time, from the drive's one end to its other.
+void TestLcdShaders::cellsTakeTheirTimeAtAnyRate_data()
+{
+    QTest::addColumn<QString>("presetName");
+    QTest::addColumn<bool>("isRising");
+    QTest::addColumn<float>("rate"); // of the response
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<int>("hertz");
+    QTest::addColumn<double>("expected");
+    QTest::addColumn<double>("within"); // a history of 16 bits rounds each step, least near 0
+    for (const int hertz : {50, 60, 120}) {
+        const auto row = [hertz](const char *preset, const char *what, bool isRising, float rate,
+                                 float seconds, double expected, double within) {
+            QTest::addRow("%s %s at %d Hz", preset, what, hertz)
+                    << QString::fromLatin1(preset) << isRising << rate << seconds << hertz
+                    << expected << within;
+        };
+        row("gba-lcd", "rises", true, 0.2F, 0.1F, 0.262, 0.01); // 0.8^6
+        row("gba-lcd", "falls", false, 0.05F, 0.5F, 0.215, 0.01); // 0.95^30
+        // 0.95^60, then 0.6 / 255 in each 1/60 s.
+        row("gba-lcd", "falls to its end", false, 0.05F, 1.2F, 0.018, 0.004);
+        row("gba-lcd", "has fallen", false, 0.05F, 1.5F, 0.0, 0.001);
+        row("dmg-lcd", "rises", true, 0.2F, 0.1F, 0.262, 0.01);
+        // Its way is 0.481 long: 0.95^46, then 0.6 / 255 in each 1/60 s.
+        row("dmg-lcd", "falls to its end", false, 0.05F, 0.8F, 0.085, 0.012);
+    }
+}
+
+void TestLcdShaders::cellsTakeTheirTimeAtAnyRate()
+{
+    QFETCH(QString, presetName);
+    QFETCH(bool, isRising);
+    QFETCH(float, rate);
+    QFETCH(float, seconds);
+    QFETCH(int, hertz);
+    QFETCH(double, expected);
+    QFETCH(double, within);
+    const PresetEntry &preset = presetEntry(presetName);
+    // Bypasses gba-lcd's colours; dmg-lcd without a tint is grey.
+    FrameState state = {.params = with(initialParams(preset),
+                                       {{u"LCD_COLOR_PROFILE"_s, 0.0F},
+                                        {u"DMG_TINT"_s, 0.0F},
+                                        {u"ghost_rise"_s, isRising ? rate : 1.0F},
+                                        {u"ghost_fall"_s, isRising ? 1.0F : rate}}),
+                        .viewport = {4, 4},
+                        .frameSeconds = 1.0F / float(hertz)};
+    const Picture before = grey({4, 4}, isRising ? 0.0F : 1.0F);
+    const Picture after = grey({4, 4}, isRising ? 1.0F : 0.0F);
+    PresetDrawing drawing(preset);
+    const auto cell = [&](const Picture &source) {
+        ++state.frameCount;
+        return double(drawing.draw(source, state, 1).at(1, 1)[0]);
+    };
+    const double start = cell(before);
+    double now = start;
+    for (int i = 0; i < int(std::lround(seconds * float(hertz))); ++i)
+        now = cell(after);
+    PresetDrawing settled(preset); // forgets the history
+    const double end = cell(after);
+    const double left = (now - end) / (start - end);
+    QVERIFY2(std::fabs(left - expected) < within, QByteArray::number(left).constData());
+}
+
+// Light in, light out, through clear filters but for the last row.
+void TestLcdShaders::gamutExpansion_data()
+{
+    QTest::addColumn<float>("expand");
+    QTest::addColumn<float>("gamut");
+    QTest::addColumn<std::array<double, 3>>("light");
+    QTest::addColumn<std::array<double, 3>>("expected");
+    using Light = std::array<double, 3>;
+    const Light pastel = {0.8, 0.4, 0.2};
+    QTest::newRow("none") << 0.0F << 0.0F << pastel << pastel;
+    QTest::newRow("half") << 0.5F << 0.0F << pastel << Light{0.8, 0.35, 0.125};
+    QTest::newRow("full") << 1.0F << 0.0F << pastel << Light{0.8, 0.3, 0.05};
+    QTest::newRow("grey") << 1.0F << 0.0F << Light{0.4, 0.4, 0.4} << Light{0.4, 0.4, 0.4};
+    QTest::newRow("full colour") << 1.0F << 0.0F << Light{0.5, 0.0, 0.0} << Light{0.5, 0.0, 0.0};
+    QTest::newRow("does not undo the filters")
+            << 1.0F << 1.0F << Light{1.0, 0.0, 0.0} << Light{0.708, 0.170, 0.156};
+}
+
+void TestLcdShaders::gamutExpansion()
+{
+    QFETCH(float, expand);
+    QFETCH(float, gamut);
+    using Light = std::array<double, 3>;
+    QFETCH(Light, light);
+    QFETCH(Light, expected);
+    const Picture picture = flat({2, 2}, float(encoded(light[0])), float(encoded(light[1])),
+                                 float(encoded(light[2])));
+    const Picture panel = evaluate(u"authentic-gbc"_s, {{.picture = &picture}}, {2, 2},
+                                   {{u"GBC_ADAPT"_s, 1.0F},
+                                    {u"GBC_BACKING"_s, 0.0F},
+                                    {u"GBC_EXPAND"_s, expand},
+                                    {u"GBC_GAMUT"_s, gamut},
+                                    {u"LCD_COLOR_PROFILE"_s, 1.0F}});
+    for (std::size_t c = 0; c < 3; ++c) {
+        QVERIFY2(std::fabs(lightAt(panel, 0, 0, c) - expected[c]) < 1e-4,
+                 QByteArray::number(lightAt(panel, 0, 0, c)).constData());
+    }
+}
+
+// The mean light of a white field: 1 - contrast * (1 - aperture / 3), whatever the scale.
+void TestLcdShaders::panelMeanBrightness_data()
+{
+    QTest::addColumn<QSize>("viewport");
+    QTest::addColumn<Params>("changes");
+    QTest::addColumn<double>("expected");
+    const double usual = 1.0 - 0.4 * (1.0 - 0.91 * 0.97 / 3.0);
+    QTest::newRow("integer scale") << QSize(192, 128) << Params() << usual;
+    QTest::newRow("odd scale") << QSize(173, 119) << Params() << usual;
+    QTest::newRow("smaller than the panel") << QSize(20, 13) << Params() << usual;
+    QTest::newRow("undiffused") << QSize(173, 119) << Params({{u"lcd_diffuse"_s, 0.0F}}) << usual;
+    QTest::newRow("diffused") << QSize(173, 119) << Params({{u"lcd_diffuse"_s, 1.0F}}) << usual;
+    QTest::newRow("no contrast") << QSize(173, 119) << Params({{u"lcd_grid_contrast"_s, 0.0F}})
+                                 << 1.0;
+    QTest::newRow("full contrast, undiffused")
+            << QSize(192, 128) << Params({{u"lcd_grid_contrast"_s, 1.0F}, {u"lcd_diffuse"_s, 0.0F}})
+            << 0.91 * 0.97 / 3.0;
+}
+
+void TestLcdShaders::panelMeanBrightness()
+{
+    QFETCH(QSize, viewport);
+    QFETCH(Params, changes);
+    QFETCH(double, expected);
+    const Picture white = grey({24, 16}, 1.0F);
+    const Picture shown =
+            evaluate(u"gba-subpixel"_s, {{.picture = &white}}, viewport, with(kSubpixel, changes));
+    for (std::size_t c = 0; c < 3; ++c) {
+        double light = 0.0;
+        for (const Pixel &pixel : shown.pixels)
+            light += decoded(double(pixel[c]));
+        light /= double(shown.pixels.size());
+        QVERIFY2(std::fabs(light - expected) < 2e-3, QByteArray::number(light).constData());
+    }
+}
+
+// Green's aperture of a pixel that is 120 wide: a fifth of it, its edges ramps of up to a sixth.
+void TestLcdShaders::spillBlursApertures_data()
+{
+    QTest::addColumn<float>("spill");
+    QTest::addColumn<int>("ramp"); // each edge's width in output pixels
+    QTest::newRow("none") << 0.0F << 0;
+    QTest::newRow("half") << 0.5F << 10;
+    QTest::newRow("full") << 1.0F << 20;
+}
+
+void TestLcdShaders::spillBlursApertures()
+{
+    QFETCH(float, spill);
+    QFETCH(int, ramp);
+    const Picture white = grey({3, 1}, 1.0F);
+    const Picture shown = evaluate(u"gba-subpixel"_s, {{.picture = &white}}, {360, 4},
+                                   with(kBareSubpixel, {{u"lcd_spill"_s, spill}}));
+    int partly = 0;
+    double wide = 0.0;
+    for (int x = 120; x < 240; ++x) {
+        const double light = lightAt(shown, x, 2, 1);
+        partly += light > 0.001 && light < 0.999 ? 1 : 0;
+        wide += light;
+    }
+    QVERIFY2(std::abs(partly - 2 * ramp) <= 1, QByteArray::number(partly).constData());
+    QVERIFY2(std::fabs(wide - 24.0) < 0.01, QByteArray::number(wide).constData());
+}
+
+// Of white through apertures of a fifth the surface scatters up to half.
+void TestLcdShaders::diffusionFillsTheGaps_data()
+{
+    QTest::addColumn<float>("diffuse");
+    QTest::addColumn<double>("least");
+    QTest::addColumn<double>("most");
+    QTest::newRow("none") << 0.0F << 0.0 << 1.0;
+    QTest::newRow("half") << 0.5F << 0.05 << 0.8;
+    QTest::newRow("full") << 1.0F << 0.1 << 0.6;
+}
+
+void TestLcdShaders::diffusionFillsTheGaps()
+{
+    QFETCH(float, diffuse);
+    QFETCH(double, least);
+    QFETCH(double, most);
+    const Picture white = grey({3, 1}, 1.0F);
+    const Picture shown = evaluate(u"gba-subpixel"_s, {{.picture = &white}}, {360, 4},
+                                   with(kBareSubpixel, {{u"lcd_diffuse"_s, diffuse}}));
+    QVERIFY2(std::fabs(lightAt(shown, 180, 2, 1) - most) < 1e-3,
+             QByteArray::number(lightAt(shown, 180, 2, 1)).constData());
+    QVERIFY2(std::fabs(lightAt(shown, 125, 2, 1) - least) < 1e-3,
+             QByteArray::number(lightAt(shown, 125, 2, 1)).constData());
+}
+
+// Of what is scattered 1 - 0.75^2 leaves the pixel; nothing is lost.
+void TestLcdShaders::diffusionReachesTheNeighbours_data()
+{
+    QTest::addColumn<float>("diffuse");
+    QTest::addColumn<double>("outside");
+    QTest::newRow("none") << 0.0F << 0.0;
+    QTest::newRow("half") << 0.5F << 0.25 * 0.4375;
+    QTest::newRow("full") << 1.0F << 0.5 * 0.4375;
+}
+
+void TestLcdShaders::diffusionReachesTheNeighbours()
+{
+    QFETCH(float, diffuse);
+    QFETCH(double, outside);
+    Picture dot = grey({5, 5}, 0.0F);
+    dot.at(2, 2) = {1.0F, 1.0F, 1.0F, 1.0F};
+    const Picture shown = evaluate(
+            u"gba-subpixel"_s, {{.picture = &dot}}, {40, 40},
+            with(kBareSubpixel, {{u"lcd_diffuse"_s, diffuse}, {u"lcd_grid_contrast"_s, 0.0F}}));
+    double all = 0.0;
+    double own = 0.0;
+    for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 40; ++x) {
+            all += lightAt(shown, x, y) / 64.0;
+            own += x / 8 == 2 && y / 8 == 2 ? lightAt(shown, x, y) / 64.0 : 0.0;
+        }
+    }
+    QVERIFY2(std::fabs(all - 1.0) < 1e-3, QByteArray::number(all).constData());
+    QVERIFY2(std::fabs(all - own - outside) < 1e-3, QByteArray::number(all - own).constData());
+}
+
+// How far each colour's light swings between its stripe and the others, on grey and on white.
+void TestLcdShaders::subpixelsShowAtTheirOwnValues_data()
+{
+    QTest::addColumn<QString>("presetName");
+    QTest::addColumn<float>("level");
+    for (const char *preset : {"gba-lcd", "gameboy-lcd"}) {
+        for (const float level : {0.5F, 1.0F})
+            QTest::addRow("%s %g", preset, double(level)) << QString::fromLatin1(preset) << level;
+    }
+}
+
+void TestLcdShaders::subpixelsShowAtTheirOwnValues()
+{
+    QFETCH(QString, presetName);
+    QFETCH(float, level);
+    const PresetEntry &preset = presetEntry(presetName);
+    PresetDrawing drawing(preset);
+    const Picture shown = drawing.draw(grey({16, 8}, level),
+                                       {.params = initialParams(preset), .viewport = {96, 48}});
+    for (std::size_t c = 0; c < 3; ++c) {
+        double least = 1.0;
+        double most = 0.0;
+        for (int x = 24; x < 72; ++x) {
+            least = std::min(least, lightAt(shown, x, 27, c));
+            most = std::max(most, lightAt(shown, x, 27, c));
+        }
+        const double contrast = (most - least) / (most + least);
+        QVERIFY2(contrast > 0.085, QByteArray::number(contrast).constData());
+    }
+}
+
+void TestLcdShaders::crosstalkMovesLightAlongItsColumnOnly()
+{
+    Picture cells({5, 81}, {0.0F, 0.0F, 0.0F, 1.0F});
+    cells.at(2, 40) = {1.0F, 1.0F, 1.0F, 1.0F};
+    const Picture result = evaluate(u"dmg-crosstalk"_s, {{.picture = &cells}}, cells.size,
+                                    {{u"dmg_crosstalk"_s, 1.0F}, {u"dmg_crosstalk_reach"_s, 1.5F}});
+    double column = 0.0;
+    double elsewhere = 0.0;
+    for (int y = 0; y < 81; ++y) {
+        for (int x = 0; x < 5; ++x)
+            (x == 2 ? column : elsewhere) += double(result.at(x, y)[0]);
+    }
+    QVERIFY(std::fabs(column - 1.0) < 1e-4);
+    QCOMPARE(elsewhere, 0.0);
+    QVERIFY(result.at(2, 41)[0] > 0.05F);
+}
+
+void TestLcdShaders::shadowMovesByTheGap()
+{
+    // A dark cell on clear glass (grey, so a tint of 0 in alpha).
+    Picture cells({21, 21}, {0.665F, 0.665F, 0.665F, 0.0F});
+    cells.at(10, 10) = {0.184F, 0.184F, 0.184F, 0.0F};
+    const Picture shadow = evaluate(u"dmg-occlusion"_s, {{.picture = &cells}}, cells.size,
+                                    {{u"dmg_shadow_offset"_s, 2.5F}});
+    double sum = 0.0;
+    double momentX = 0.0;
+    double momentY = 0.0;
+    for (int y = 0; y < 21; ++y) {
+        for (int x = 0; x < 21; ++x) {
+            const double missing = decoded(0.665) - decoded(double(shadow.at(x, y)[0]));
+            sum += missing;
+            momentX += missing * (x - 10);
+            momentY += missing * (y - 10);
+        }
+    }
+    QVERIFY(std::fabs(sum - (decoded(0.665) - decoded(0.184))) < 1e-4);
+    QVERIFY2(std::fabs(momentX / sum - 2.5) < 1e-2, QByteArray::number(momentX / sum).constData());
+    QVERIFY(std::fabs(momentY / sum - 2.5) < 1e-2);
+}
+
+// The mean light of dark cells, and that in the middle of a cell and of a gap.
+void TestLcdShaders::gapsBetweenGreyCells_data()
+{
+    QTest::addColumn<float>("gap");
+    QTest::addColumn<QSize>("viewport");
+    for (const float gap : {0.0F, 0.2F, 0.4F}) {
+        for (const QSize size : {QSize(80, 60), QSize(83, 47), QSize(11, 7), QSize(3, 2)})
+            QTest::addRow("%g at %dx%d", double(gap), size.width(), size.height()) << gap << size;
+    }
+}
+
+void TestLcdShaders::gapsBetweenGreyCells()
+{
+    QFETCH(float, gap);
+    QFETCH(QSize, viewport);
+    const Picture cells({8, 6}, kInk);
+    const Picture shown = grid(cells, cells, viewport, {{u"dmg_grid_gap"_s, gap}});
+    const double glass = 0.407575; // 0.665^2.2
+    const double ink = 0.024132; // 0.184^2.2
+    const double dark = (1.0 - double(gap)) * (1.0 - double(gap));
+    const double expected = dark * ink + (1.0 - dark) * glass;
+    // Where a footprint is narrowed to 4 cells it counts some less than others.
+    QVERIFY2(std::fabs(meanLight(shown) - expected) < 1e-4,
+             QByteArray::number(meanLight(shown)).constData());
+    if (viewport == QSize(80, 60)) {
+        QVERIFY(std::fabs(lightAt(shown, 45, 25) - ink) < 1e-4);
+        const double corner = gap > 0.0F ? glass : ink;
+        QVERIFY2(std::fabs(lightAt(shown, 40, 20) - corner) < 1e-4,
+                 QByteArray::number(lightAt(shown, 40, 20)).constData());
+    }
+}
+
+// The centroid of a dark cell's shade, in panel pixels.
+void TestLcdShaders::greyCellsStandInTheirPlaces_data()
+{
+    QTest::addColumn<float>("margin");
+    QTest::addColumn<QSize>("viewport");
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("y");
+    QTest::newRow("no margin") << 0.0F << QSize(60, 50) << 3.5 << 1.5;
+    QTest::newRow("odd scale") << 0.0F << QSize(67, 41) << 3.5 << 1.5;
+    QTest::newRow("margin") << 3.0F << QSize(120, 110) << 6.5 << 4.5;
+    QTest::newRow("shrunk") << 2.0F << QSize(5, 6) << 5.5 << 3.5;
+}
+
+void TestLcdShaders::greyCellsStandInTheirPlaces()
+{
+    QFETCH(float, margin);
+    QFETCH(QSize, viewport);
+    QFETCH(double, x);
+    QFETCH(double, y);
+    const Picture clear({6, 5}, kGlass);
+    Picture cells = clear;
+    cells.at(3, 1) = kInk;
+    const Picture shown = grid(cells, clear, viewport, {{u"dmg_panel_margin"_s, margin}});
+    const QSizeF pixel((6.0 + 2.0 * double(margin)) / viewport.width(),
+                       (5.0 + 2.0 * double(margin)) / viewport.height());
+    double sum = 0.0;
+    double momentX = 0.0;
+    double momentY = 0.0;
+    for (int row = 0; row < viewport.height(); ++row) {
+        for (int column = 0; column < viewport.width(); ++column) {
+            const double missing = 0.407575 - lightAt(shown, column, row);
+            sum += missing;
+            momentX += missing * (column + 0.5) * pixel.width();
+            momentY += missing * (row + 0.5) * pixel.height();
+        }
+    }
+    const double shade = sum * pixel.width() * pixel.height();
+    QVERIFY2(std::fabs(shade - 0.383443) < 1e-3, QByteArray::number(shade).constData());
+    const double within = 0.3 * std::max(pixel.width(), 0.02); // of where the pixels happen to lie
+    QVERIFY2(std::fabs(momentX / sum - x) < within, QByteArray::number(momentX / sum).constData());
+    QVERIFY2(std::fabs(momentY / sum - y) < within, QByteArray::number(momentY / sum).constData());
+}
+
+// Light of clear cells before a shadow that is dark everywhere: 0.407575 without any.
+void TestLcdShaders::shadowHasItsOpacity_data()
+{
+    QTest::addColumn<float>("strength");
+    QTest::addColumn<float>("offset");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("none") << 0.0F << 2.0F << 0.407575;
+    QTest::newRow("half") << 0.5F << 2.0F << 0.215854;
+    QTest::newRow("full") << 1.0F << 2.0F << 0.024132;
+    QTest::newRow("no air gap") << 1.0F << 0.0F << 0.407575;
+}
+
+void TestLcdShaders::shadowHasItsOpacity()
+{
+    QFETCH(float, strength);
+    QFETCH(float, offset);
+    QFETCH(double, expected);
+    const Picture shown =
+            grid(Picture({6, 5}, kGlass), Picture({6, 5}, kInk), {60, 50},
+                 {{u"dmg_shadow_strength"_s, strength}, {u"dmg_shadow_offset"_s, offset}});
+    QVERIFY2(std::fabs(lightAt(shown, 31, 22) - expected) < 1e-4,
+             QByteArray::number(lightAt(shown, 31, 22)).constData());
+}
+
+// Light beside the cells, at a distance of so many of them.
+void TestLcdShaders::marginFades_data()
+{
+    QTest::addColumn<float>("gain");
+    QTest::addColumn<double>("beyond");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("on the cells") << 1.4F << -0.5 << 0.407575;
+    QTest::newRow("beside them") << 1.4F << 0.5 << 0.407575 * 1.375;
+    QTest::newRow("half way") << 1.4F << 4.0 << 0.407575 * 1.2;
+    QTest::newRow("far away") << 1.4F << 10.0 << 0.407575;
+    QTest::newRow("darker") << 0.6F << 4.0 << 0.407575 * 0.8;
+}
+
+void TestLcdShaders::marginFades()
+{
+    QFETCH(float, gain);
+    QFETCH(double, beyond);
+    QFETCH(double, expected);
+    const Picture clear({6, 6}, kGlass);
+    const Picture shown = grid(clear, clear, {300, 30},
+                               {{u"dmg_panel_margin"_s, 12.0F}, {u"dmg_margin_gain"_s, gain}});
+    const int x = int((12.0 - beyond) * 10.0);
+    QVERIFY2(std::fabs(lightAt(shown, x, 15) - expected) < 3e-3,
+             QByteArray::number(lightAt(shown, x, 15)).constData());
+}
+
+// The standard deviation of the light: of values in -1..1 that are blended from four, 0.385.
+void TestLcdShaders::grain_data()
+{
+    QTest::addColumn<float>("strength");
+    QTest::addColumn<QSize>("viewport");
+    for (const float strength : {0.0F, 0.1F, 0.3F}) {
+        for (const QSize size : {QSize(320, 240), QSize(483, 361)}) {
+            QTest::addRow("%g at %dx%d", double(strength), size.width(), size.height())
+                    << strength << size;
+        }
+    }
+}
+
+void TestLcdShaders::grain()
+{
+    QFETCH(float, strength);
+    QFETCH(QSize, viewport);
+    const Picture clear({32, 24}, kGlass);
+    const Picture shown = grid(clear, clear, viewport, {{u"dmg_grain"_s, strength}});
+    const double average = meanLight(shown);
+    double square = 0.0;
+    for (const Pixel &pixel : shown.pixels)
+        square += std::pow(decoded(double(pixel[0])) - average, 2.0);
+    const double deviation = std::sqrt(square / double(shown.pixels.size())) / average;
+    QVERIFY2(std::fabs(average - 0.407575) < 0.01 * double(strength) + 1e-4,
+             QByteArray::number(average).constData());
+    QVERIFY2(std::fabs(deviation - 0.385 * double(strength)) < 0.03 * double(strength) + 1e-4,
+             QByteArray::number(deviation).constData());
+}
+
+void TestLcdShaders::scalerKeepsStraightEdges_data()
+{
+    QTest::addColumn<std::function<bool(int, int)>>("isWhite");
+    QTest::addColumn<Params>("changes");
+    const auto row = [](const char *name, const std::function<bool(int, int)> &isWhite,
+                        const Params &changes = {}) { QTest::newRow(name) << isWhite << changes; };
+    row("flat", [](int, int) { return true; });
+    row("vertical edge", [](int x, int) { return x >= 6; });
+    row("horizontal edge", [](int, int y) { return y >= 5; });
+    row("vertical line", [](int x, int) { return x == 6; });
+    row("crossing of lines", [](int x, int y) { return x == 6 || y == 5; });
+    row("dark crossing of lines", [](int x, int y) { return x != 6 && y != 5; });
+    row("line that meets a line", [](int x, int y) { return y == 5 || (x == 6 && y > 5); });
+    row("line that meets an area", [](int x, int y) { return y <= 5 || x == 6; });
+    row("line that meets a block",
+        [](int x, int y) { return (x >= 3 && x <= 9 && y <= 5) || x == 6; },
+        {{u"SFX_SCN"_s, 0.0F}});
+}
+
+void TestLcdShaders::scalerKeepsStraightEdges()
+{
+    QFETCH(std::function<bool(int, int)>, isWhite);
+    QFETCH(Params, changes);
+    Picture picture({14, 12});
+    for (int y = 0; y < 12; ++y) {
+        for (int x = 0; x < 14; ++x) {
+            if (isWhite(x, y))
+                picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
+        }
+    }
+    const Picture larger = tripled(picture, changes);
+    QCOMPARE(larger.size, QSize(42, 36));
+    for (int y = 0; y < 36; ++y) {
+        for (int x = 0; x < 42; ++x)
+            QCOMPARE(larger.at(x, y)[0], picture.at(x / 3, y / 3)[0]);
+    }
+}
+
+// Both sides of it, and so it keeps its width.
+void TestLcdShaders::scalerRoundsABend()
+{
+    Picture picture({14, 14});
+    for (int i = 5; i < 14; ++i) {
+        picture.at(5, i) = {1.0F, 1.0F, 1.0F, 1.0F};
+        picture.at(i, 5) = {1.0F, 1.0F, 1.0F, 1.0F};
+    }
+    const Picture bend = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
+    QCOMPARE(bend.at(15, 15)[0], 0.0F);
+    QCOMPARE(bend.at(16, 16)[0], 1.0F);
+    QCOMPARE(bend.at(18, 18)[0], 1.0F);
+    QCOMPARE(bend.at(19, 19)[0], 0.0F);
+    const Picture sharp = tripled(picture, {{u"SFX_SAA"_s, 0.0F}, {u"SFX_SCN"_s, 0.0F}});
+    QCOMPARE(sharp.at(15, 15)[0], 1.0F);
+    QCOMPARE(sharp.at(18, 18)[0], 0.0F);
+}
+
+void TestLcdShaders::scalerSmoothsAStaircase()
+{
+    const Picture picture = staircase(1.0F, 1.0F);
+    // In the middle of the edge: of the dark pixel (7, 7) the upper right corner is cut.
+    const Picture smooth = tripled(picture);
+    QCOMPARE(smooth.at(22, 22)[0], 0.0F);
+    QVERIFY(smooth.at(23, 21)[0] > 0.5F);
+    QVERIFY(smooth.at(23, 21)[0] < 1.0F);
+    const Picture hard = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
+    QCOMPARE(hard.at(23, 21)[0], 1.0F);
+    QCOMPARE(hard.at(22, 22)[0], 0.0F);
+    QCOMPARE(hard.at(21, 23)[0], 0.0F);
+}
+
+// The steps' two bright neighbours differ by 0.3, and by 0.7 at least from the dark pixel.
+void TestLcdShaders::scalerComparesByItsThreshold_data()
+{
+    QTest::addColumn<float>("threshold");
+    QTest::addColumn<bool>("isCut");
+    QTest::newRow("strict") << 0.05F << false;
+    QTest::newRow("just too strict") << 0.41F << false;
+    QTest::newRow("just lenient enough") << 0.45F << true;
+    QTest::newRow("lenient") << 1.0F << true;
+}
+
+void TestLcdShaders::scalerComparesByItsThreshold()
+{
+    QFETCH(float, threshold);
+    QFETCH(bool, isCut);
+    const Picture hard =
+            tripled(staircase(0.7F, 1.0F), {{u"SFX_CLR"_s, threshold}, {u"SFX_SAA"_s, 0.0F}});
+    QCOMPARE(hard.at(23, 21)[0] > 0.0F, isCut);
+}
+
+void TestLcdShaders::resamplerEncodesLight()
+{
+    const Picture light = noise({24, 18});
+    const Picture shown = evaluate(u"smooth-resample"_s, {{.picture = &light}}, light.size);
+    for (std::size_t i = 0; i < light.pixels.size(); ++i)
+        QVERIFY(std::fabs(decoded(double(shown.pixels[i][0])) - double(light.pixels[i][0])) < 1e-4);
+}
+
+void TestLcdShaders::resamplerAveragesWhenShrinking()
+{
+    const Picture picture = noise({30, 30});
+    const Picture small = evaluate(u"smooth-resample"_s, {{.picture = &picture}}, {10, 5});
+    for (int y = 0; y < 5; ++y) {
+        for (int x = 0; x < 10; ++x) {
+            double light = 0.0;
+            for (int i = 0; i < 18; ++i)
+                light += double(picture.at(3 * x + i % 3, 6 * y + i / 3)[1]);
+            QVERIFY(std::fabs(decoded(double(small.at(x, y)[1])) - light / 18.0) < 1e-4);
+        }
+    }
+    // Nothing rings: enlarging a step stays within its levels.
+    Picture step({8, 4}, {0.2F, 0.2F, 0.2F, 1.0F});
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 4; x < 8; ++x)
+            step.at(x, y) = {0.8F, 0.8F, 0.8F, 1.0F};
+    }
+    const Picture large = evaluate(u"smooth-resample"_s, {{.picture = &step}}, {61, 17});
+    for (const Pixel &pixel : large.pixels)
+        QVERIFY(decoded(double(pixel[0])) > 0.2 - 1e-4 && decoded(double(pixel[0])) < 0.8 + 1e-4);
+}
+
+QTEST_GUILESS_MAIN(TestLcdShaders)
+#include "tst_LcdShaders.moc"
