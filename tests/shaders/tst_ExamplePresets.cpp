@@ -73,6 +73,7 @@ Params company(const QString &id)
             {u"signal_active_us"_s, {{u"signal_bandwidth_mhz"_s, 1.0F}}},
             {u"halation_sigma"_s, {{u"halation_strength"_s, 0.5F}}},
             {u"halation_wide"_s, {{u"halation_strength"_s, 0.5F}}},
+            {u"hdr_peak"_s, {{u"crt_white"_s, 400.0F}}},
     };
     return kCompany.value(id);
 }

@@ -22,9 +22,9 @@ vec3 normalCdf(vec3 x)
     return 1.0 / (1.0 + exp(-z * (1.5976 + 0.07056 * z * z)));
 }
 
-// The same less 1/2 for filters that end: x in parts of their reach, 2.9 sigmas. The polynomial of
-// its degree that fits best and ends level, at most 0.002 off; shares from one end to the other sum
-// to 1.
+// The same less 1/2, for filters that end: x in parts of their reach, 2.9 sigmas. Of its degree the
+// polynomial that fits best and ends level, at most 0.002 off; the shares between places from one
+// end to the other sum to 1.
 const float kReach = 2.9;
 
 float normalShare(float x)
