@@ -94,10 +94,10 @@ const Params kComposite = {
 constexpr double kCarrierCycles = 190.909; // on a line
 constexpr int kReceivedColumns = 2048;
 
-Picture received(const Picture &source, const Params &params, const Tweak &tweak = {})
+Picture received(const Picture &source, const Params &changes, const Tweak &tweak = {})
 {
     return evaluate(u"crt-consumer-composite"_s, {{.picture = &source}},
-                    {kReceivedColumns, source.size.height()}, with(kComposite, params), tweak);
+                    {kReceivedColumns, source.size.height()}, with(kComposite, changes), tweak);
 }
 
 using Yiq = std::array<double, 3>;
@@ -105,9 +105,9 @@ using Yiq = std::array<double, 3>;
 // SMPTE 170M.
 Yiq toYiq(const Pixel &pixel)
 {
-    const double r = double(pixel[0]);
-    const double g = double(pixel[1]);
-    const double b = double(pixel[2]);
+    const auto r = double(pixel[0]);
+    const auto g = double(pixel[1]);
+    const auto b = double(pixel[2]);
     return {0.299 * r + 0.587 * g + 0.114 * b, 0.5959 * r - 0.2746 * g - 0.3213 * b,
             0.2115 * r - 0.5227 * g + 0.3112 * b};
 }
