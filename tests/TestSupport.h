@@ -14,6 +14,14 @@
 
 #include <unistd.h>
 
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+inline constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#else
+inline constexpr bool kIsSanitized = false;
+#endif
+
 // What `action` writes to `stream`. Verify nothing inside: QTest reports on these streams itself.
 template<typename Action>
 QByteArray captured(std::FILE *stream, Action action)

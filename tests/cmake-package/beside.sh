@@ -40,6 +40,7 @@ meson setup meson/build meson >log 2>&1 || fail 'configuring with Meson'
 ninja -C meson/build >log 2>&1 || fail 'building with Meson'
 lists meson/build/my_app no
 cp "$moving" meson/shaders/vulkan/components/stock.frag
-ninja -C meson/build >log 2>&1 || fail 'building again with Meson'
+ninja -v -C meson/build >log 2>&1 || fail 'building again with Meson'
+[ "$(lines "shaders-dir")" = 1 ] || fail 'Meson: an edited component is not read again'
 ninja -C meson/build >log 2>&1
 [ "$(lines 'no work to do')" = 1 ] || fail 'Meson: the build after it has something to do'

@@ -1,20 +1,26 @@
-# The tool that PackagesWork.cmake packed is hardened. Takes HARDENING_CHECK, PROCESSOR, WORK_DIR.
+# The programs that PackagesWork.cmake packed are hardened. Takes HARDENING_CHECK, PROCESSOR, WORK_DIR.
 cmake_minimum_required(VERSION 3.21)
 
 # What it says of stack clashes and of control flow is looked up below: the one shows only in large
 # stack frames, the other only where the C library's own objects have it.
-execute_process(
-    COMMAND "${HARDENING_CHECK}" --nocfprotection "${WORK_DIR}/deb/usr/bin/render-graph-compile"
-    OUTPUT_VARIABLE report ERROR_VARIABLE report)
-foreach(feature IN ITEMS
-        "Position Independent Executable"
-        "Stack protected"
-        "Fortify Source functions"
-        "Read-only relocations"
-        "Immediate binding")
-    if(NOT report MATCHES "\n ${feature}: yes")
-        message(FATAL_ERROR "Not ${feature}:\n${report}")
-    endif()
+file(GLOB programs "${WORK_DIR}/deb/usr/bin/*" "${WORK_DIR}/preview/usr/bin/*")
+if(NOT programs)
+    message(FATAL_ERROR "No program below ${WORK_DIR}")
+endif()
+foreach(program IN LISTS programs)
+    execute_process(
+        COMMAND "${HARDENING_CHECK}" --nocfprotection "${program}"
+        OUTPUT_VARIABLE report ERROR_VARIABLE report)
+    foreach(feature IN ITEMS
+            "Position Independent Executable"
+            "Stack protected"
+            "Fortify Source functions"
+            "Read-only relocations"
+            "Immediate binding")
+        if(NOT report MATCHES "\n ${feature}: yes")
+            message(FATAL_ERROR "${program} is not ${feature}:\n${report}")
+        endif()
+    endforeach()
 endforeach()
 
 file(READ "${WORK_DIR}/build/compile_commands.json" commands)

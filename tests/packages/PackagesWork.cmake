@@ -15,7 +15,7 @@ function(run)
 endfunction()
 
 # Which files make up the CMake package and the examples is not for this test to know.
-function(expect_tree root prefix)
+function(expect_files root)
     file(GLOB_RECURSE found LIST_DIRECTORIES FALSE RELATIVE "${root}" "${root}/*")
     list(FILTER found EXCLUDE REGEX "/(cmake|examples)/")
     set(expected ${ARGN})
@@ -24,6 +24,10 @@ function(expect_tree root prefix)
     if(NOT found STREQUAL expected)
         message(FATAL_ERROR "${root} holds ${found}\n and not ${expected}")
     endif()
+endfunction()
+
+function(expect_tree root prefix)
+    expect_files("${root}" ${ARGN})
     set(tool "${root}/${prefix}bin/render-graph-compile")
     run("${tool}" --shaders-dir "${shaders_dir}" --out "${root}/RenderGraphManifest.h")
     run("${CMAKE_COMMAND}" -E compare_files "${root}/RenderGraphManifest.h" "${manifest}")
@@ -130,3 +134,52 @@ expect_tree("${WORK_DIR}/tar" "${top}/"
     "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp"
     "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h")
 expect_modes("${tar}" "${CMAKE_COMMAND}" -E tar tvf)
+
+# The preview's, where it is built: in a package of its own, and in no other.
+if(NOT EXISTS "${build}/CPackPreviewConfig.cmake")
+    return()
+endif()
+foreach(umask IN ITEMS 022 077)
+    run(sh -c "umask ${umask} && exec \"$@\"" sh
+        "${CPACK}" --config "${build}/CPackPreviewConfig.cmake" -B "${WORK_DIR}/preview-${umask}")
+endforeach()
+file(GLOB deb "${WORK_DIR}/preview-077/render-graph-preview_${VERSION}_*.deb")
+get_filename_component(name "${deb}" NAME)
+run("${CMAKE_COMMAND}" -E compare_files "${deb}" "${WORK_DIR}/preview-022/${name}")
+run(dpkg-deb --field "${deb}")
+# Nothing links to the Vulkan loader, which is opened at run time.
+foreach(expected IN ITEMS
+        "Package: render-graph-preview"
+        "Version: ${VERSION}"
+        "Section: graphics"
+        "Depends: [^\n]*libqt6gui6(t64)? [(]>= 6[.]"
+        "Depends: [^\n]*libqt6widgets6(t64)? [(]>= 6[.]"
+        "Depends: ([^\n]*, )?libvulkan1(,|\n)"
+        "Recommends: graphviz, mesa-vulkan-drivers [|] vulkan-icd\n")
+    if(NOT "\n${output}" MATCHES "\n${expected}")
+        message(FATAL_ERROR "The preview's .deb does not say \"${expected}\":\n${output}")
+    endif()
+endforeach()
+expect_modes("${deb}" dpkg-deb --contents)
+set(tree "${WORK_DIR}/preview")
+run(dpkg-deb --extract "${deb}" "${tree}")
+file(GLOB_RECURSE shaders RELATIVE "${shaders_dir}" "${shaders_dir}/*")
+list(REMOVE_ITEM shaders CMakeLists.txt)
+list(TRANSFORM shaders PREPEND usr/share/render-graph-preview/shaders/)
+expect_files("${tree}"
+    usr/bin/render-graph-preview
+    usr/share/applications/render-graph-preview.desktop
+    usr/share/doc/render-graph-preview/changelog.gz
+    usr/share/doc/render-graph-preview/copyright
+    usr/share/icons/hicolor/scalable/apps/render-graph-preview.svg
+    usr/share/man/man1/render-graph-preview.1.gz
+    ${shaders})
+
+# The desktop entry starts what is there, under an icon that is there; the program finds its shaders.
+file(STRINGS "${tree}/usr/share/applications/render-graph-preview.desktop" entry)
+foreach(expected IN ITEMS "Exec=render-graph-preview window" "Icon=render-graph-preview" "Type=Application")
+    if(NOT expected IN_LIST entry)
+        message(FATAL_ERROR "The desktop entry does not say ${expected}: ${entry}")
+    endif()
+endforeach()
+run("${tree}/usr/bin/render-graph-preview" graph crt-pvm --out "${WORK_DIR}/crt-pvm.dot")

@@ -1,12 +1,12 @@
 #!/bin/sh
-# Adds a preset to a copy of the project by the steps that README.md gives, and no others.
+# Adds a preset to a copy of the project by the steps that CONTRIBUTING.md gives, but for the gallery's.
 set -eu
 . "$(dirname "$0")/../cmake-package/common.sh"
 
 rm -rf "$WORK_DIR"
 mkdir -p "$WORK_DIR"
 cd "$WORK_DIR"
-for part in CMakeLists.txt CMakePresets.json README.md cmake docs examples packaging scripts src tests \
+for part in CMakeLists.txt CMakePresets.json cmake docs examples packaging scripts src tests \
     tools; do
     cp -R "$SOURCE_DIR/$part" .
 done

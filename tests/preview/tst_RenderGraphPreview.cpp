@@ -7,6 +7,8 @@
 #include <QJsonObject>
 #include <QProcess>
 
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 
 // The real binary, drawing small pictures.
@@ -85,6 +87,8 @@ private Q_SLOTS:
     void pictureInHighRange();
     void pictureOfAComparison();
     void failedPictureLeavesTheOldOne();
+    void memoryRunsOut();
+    void deviceIsLost();
     void graphOfOnePreset();
     void graphWithThumbnails();
     void graphOfAllPresets();
@@ -363,6 +367,42 @@ void TestRenderGraphPreview::failedPictureLeavesTheOldOne()
     QCOMPARE(list.exitStatus, 1);
 }
 
+void TestRenderGraphPreview::memoryRunsOut()
+{
+    if (kIsSanitized)
+        QSKIP("the address sanitizer needs more address space than there is memory");
+    QProcess process;
+    process.setChildProcessModifier([] {
+        constexpr rlimit kAddressSpace = {rlim_t(2) << 30, rlim_t(2) << 30}; // one picture's bytes
+        ::setrlimit(RLIMIT_AS, &kAddressSpace);
+    });
+    process.start(QStringLiteral(RENDER_GRAPH_PREVIEW),
+                  words(u"picture stock --out a.png --size 16384x16384"_s));
+    QVERIFY(process.waitForFinished(-1));
+    QCOMPARE(process.readAllStandardError(),
+             "render-graph-preview: the Vulkan device has not enough memory: choose a smaller "
+             "size or source\n");
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(files(), QStringList());
+}
+
+void TestRenderGraphPreview::deviceIsLost()
+{
+    writeFile(u"layers/lost.json"_s,
+              R"({ "file_format_version": "1.1.2", "layer": { "name": "VK_LAYER_TEST_lost",
+                   "type": "GLOBAL", "api_version": "1.3.0", "implementation_version": "1",
+                   "description": "Loses its device.", "library_path": ")" LOST_DEVICE R"(" } })");
+    const Run result = run(words(u"picture stock --out a.png --size 8x8"_s),
+                           {{u"VK_LAYER_PATH"_s, QDir().absoluteFilePath(u"layers"_s)},
+                            {u"VK_INSTANCE_LAYERS"_s, u"VK_LAYER_TEST_lost"_s}});
+    QCOMPARE(result.err,
+             "render-graph-preview: the Vulkan device was lost: start again, or choose another "
+             "one\n");
+    QCOMPARE(result.exitStatus, 1);
+    QCOMPARE(files(), QStringList());
+}
+
 void TestRenderGraphPreview::badComponents_data()
 {
     QTest::addColumn<QByteArray>("before");
@@ -501,6 +541,8 @@ void TestRenderGraphPreview::profileTellsNumbers()
             lines.at(4).startsWith(
                     "  0  stock                      drawn         64x48 RGBA16F           24576 "),
             lines.at(4).constData());
+    // Below the passes' own columns.
+    QCOMPARE(lines.at(6).size(), lines.at(3).indexOf("p95 ms") + 6);
     QVERIFY(lines.at(8).startsWith("     memory held: "));
 }
 

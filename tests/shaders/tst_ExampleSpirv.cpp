@@ -146,7 +146,7 @@ class TestExampleSpirv : public TestInEmptyDirectory
 private Q_SLOTS:
     void sourcesCompileWithoutAWarning_data();
     void sourcesCompileWithoutAWarning();
-    void componentInTheReadmeCompiles();
+    void componentInTheDocumentCompiles();
     void everySourceHasItsModule();
     void modulesAgreeWithTheManifest_data();
     void modulesAgreeWithTheManifest();
@@ -176,10 +176,11 @@ void TestExampleSpirv::sourcesCompileWithoutAWarning()
     QCOMPARE(validated.exitStatus, 0);
 }
 
-void TestExampleSpirv::componentInTheReadmeCompiles()
+void TestExampleSpirv::componentInTheDocumentCompiles()
 {
-    const QString readme = QString::fromUtf8(readFile(QStringLiteral(SOURCE_DIR "/README.md")));
-    const QString component = readme.section(u"A new component, in ten lines"_s, 1, 1)
+    const QString text =
+            QString::fromUtf8(readFile(QStringLiteral(SOURCE_DIR "/docs/components.md")));
+    const QString component = text.section(u"A new component, in ten lines"_s, 1, 1)
                                       .section(u"```glsl\n"_s, 1, 1)
                                       .section(u"```"_s, 0, 0);
     QCOMPARE(component.count(u'\n'), 10);

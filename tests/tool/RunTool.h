@@ -11,14 +11,6 @@
 
 // Runs of the real binary, as a build makes them.
 
-#if defined(__SANITIZE_ADDRESS__)
-inline constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-inline constexpr bool kIsSanitized = __has_feature(address_sanitizer);
-#else
-inline constexpr bool kIsSanitized = false;
-#endif
-
 struct Run
 {
     int exitStatus = -1; // of a normal exit only

@@ -144,7 +144,7 @@ void printTable(const QJsonObject &profile)
     for (const auto &[key, name] : {std::pair(u"deviceTime"_s, "all passes"),
                                     std::pair(u"frameTime"_s, "the frame, by the clock")}) {
         const QJsonObject times = profile[key].toObject();
-        std::printf("%-5s%-26s %67.3f %10.3f\n", "", name, times[u"medianMs"_s].toDouble(),
+        std::printf("%-5s%-26s %54.3f %10.3f\n", "", name, times[u"medianMs"_s].toDouble(),
                     times[u"p95Ms"_s].toDouble());
     }
     std::printf("%-5smemory held: %.1f MiB\n\n", "",

@@ -20,6 +20,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -87,7 +88,9 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     m_strip->setMovement(QListView::Static);
     m_strip->setIconSize(kThumbnail);
     m_strip->setGridSize(kThumbnail + QSize(32, 4 * fontMetrics().height()));
-    m_strip->setFixedHeight(m_strip->gridSize().height() + fontMetrics().height());
+    m_strip->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_strip->setFixedHeight(m_strip->gridSize().height() + 2 * m_strip->frameWidth()
+                            + m_strip->horizontalScrollBar()->sizeHint().height());
     m_strip->setAccessibleName(u"Outputs of all passes"_s);
 
     auto *const central = new QWidget;
@@ -304,7 +307,11 @@ void Window::showFrame()
         m_components = frame.components;
         const QSignalBlocker blocker(m_strip);
         m_strip->clear();
-        m_strip->addItems(m_components);
+        for (const QString &component : std::as_const(m_components)) {
+            // As large as it will be with its picture, so that the last one stays in sight.
+            auto *const item = new QListWidgetItem(component, m_strip);
+            item->setSizeHint(m_strip->gridSize());
+        }
         m_strip->setCurrentRow(m_strip->count() - 1);
     }
     QStringList times;

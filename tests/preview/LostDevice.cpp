@@ -1,0 +1,85 @@
+#include <vulkan/vk_layer.h>
+#include <vulkan/vulkan.h>
+
+#include <cstdint>
+#include <cstring>
+
+// A Vulkan layer under which a device is lost with the first work that it is given.
+
+namespace {
+
+PFN_vkGetInstanceProcAddr nextOfInstance = nullptr;
+PFN_vkGetDeviceProcAddr nextOfDevice = nullptr;
+
+// The link to the next layer, in the chain behind what the loader passes on.
+template<typename Info>
+Info *linkOf(const void *chain, VkStructureType type)
+{
+    for (auto *info = static_cast<const Info *>(chain); info != nullptr;
+         info = static_cast<const Info *>(info->pNext)) {
+        if (info->sType == type && info->function == VK_LAYER_LINK_INFO)
+            return const_cast<Info *>(info);
+    }
+    return nullptr;
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL createInstance(const VkInstanceCreateInfo *info,
+                                              const VkAllocationCallbacks *allocator,
+                                              VkInstance *instance)
+{
+    auto *const link = linkOf<VkLayerInstanceCreateInfo>(
+            info->pNext, VK_STRUCTURE_TYPE_LOADER_INSTANCE_CREATE_INFO);
+    nextOfInstance = link->u.pLayerInfo->pfnNextGetInstanceProcAddr;
+    link->u.pLayerInfo = link->u.pLayerInfo->pNext;
+    const auto next =
+            reinterpret_cast<PFN_vkCreateInstance>(nextOfInstance(nullptr, "vkCreateInstance"));
+    return next(info, allocator, instance);
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physical,
+                                            const VkDeviceCreateInfo *info,
+                                            const VkAllocationCallbacks *allocator,
+                                            VkDevice *device)
+{
+    auto *const link = linkOf<VkLayerDeviceCreateInfo>(info->pNext,
+                                                       VK_STRUCTURE_TYPE_LOADER_DEVICE_CREATE_INFO);
+    nextOfDevice = link->u.pLayerInfo->pfnNextGetDeviceProcAddr;
+    const auto next = reinterpret_cast<PFN_vkCreateDevice>(
+            link->u.pLayerInfo->pfnNextGetInstanceProcAddr(nullptr, "vkCreateDevice"));
+    link->u.pLayerInfo = link->u.pLayerInfo->pNext;
+    return next(physical, info, allocator, device);
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL submit(VkQueue /*queue*/, std::uint32_t /*count*/,
+                                      const VkSubmitInfo * /*submits*/, VkFence /*fence*/)
+{
+    return VK_ERROR_DEVICE_LOST;
+}
+
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofDevice(VkDevice device, const char *name)
+{
+    if (std::strcmp(name, "vkQueueSubmit") == 0)
+        return reinterpret_cast<PFN_vkVoidFunction>(submit);
+    return nextOfDevice(device, name);
+}
+
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofInstance(VkInstance instance, const char *name)
+{
+    if (std::strcmp(name, "vkCreateInstance") == 0)
+        return reinterpret_cast<PFN_vkVoidFunction>(createInstance);
+    if (std::strcmp(name, "vkCreateDevice") == 0)
+        return reinterpret_cast<PFN_vkVoidFunction>(createDevice);
+    return nextOfInstance(instance, name);
+}
+
+} // namespace
+
+extern "C" VK_LAYER_EXPORT VKAPI_ATTR VkResult VKAPI_CALL
+vkNegotiateLoaderLayerInterfaceVersion(VkNegotiateLayerInterface *pVersionStruct)
+{
+    pVersionStruct->loaderLayerInterfaceVersion = 2;
+    pVersionStruct->pfnGetInstanceProcAddr = ofInstance;
+    pVersionStruct->pfnGetDeviceProcAddr = ofDevice;
+    pVersionStruct->pfnGetPhysicalDeviceProcAddr = nullptr;
+    return VK_SUCCESS;
+}
