@@ -638,7 +638,7 @@ void TestCrtScreen::vignette()
     QFETCH(double, expected);
     const Picture shown = lightOf(
             screen(grey({401, 301}, 0.5F), with(kScreen, {{u"vignette_strength"_s, strength}})));
-    const double light = double(shown.at(int(at.x() * 400.0), int(at.y() * 300.0))[1]);
+    const auto light = double(shown.at(int(at.x() * 400.0), int(at.y() * 300.0))[1]);
     QVERIFY2(std::fabs(light - expected) < 1.5e-3, number(light).constData());
 }
 

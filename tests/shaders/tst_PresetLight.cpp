@@ -180,9 +180,9 @@ void TestPresetLight::whiteIsOfItsColour()
     const PresetEntry &entry = presetEntry(preset);
     PresetDrawing drawing(entry);
     const Pixel light = lightOf(drawing.draw(grey(kSource, 1.0F), stateOf(entry, true)), true);
-    const double red = double(light[0]);
-    const double green = double(light[1]);
-    const double blue = double(light[2]);
+    const auto red = double(light[0]);
+    const auto green = double(light[1]);
+    const auto blue = double(light[2]);
     const double bigX = 0.4123908 * red + 0.3575843 * green + 0.1804808 * blue;
     const double bigY = 0.2126390 * red + 0.7151687 * green + 0.0721923 * blue;
     const double bigZ = 0.0193308 * red + 0.1191948 * green + 0.9505322 * blue;
