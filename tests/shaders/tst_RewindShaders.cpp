@@ -313,8 +313,8 @@ void TestRewindShaders::tapeRunsWithTheFrameCounter()
 // After 1.1 s.
 void TestRewindShaders::sameLookAtAnyRate_data()
 {
-    QTest::addColumn<float>("seconds"); // of a frame
-    QTest::addColumn<std::uint32_t>("frame");
+    QTest::addColumn<float>("frameSeconds");
+    QTest::addColumn<std::uint32_t>("frameCount");
     QTest::newRow("50 Hz") << 1.0F / 50.0F << 55U;
     QTest::newRow("60 Hz, a little late") << 1.08F / 60.0F << 66U;
     QTest::newRow("60 Hz, a little early") << 0.9F / 60.0F << 66U;
@@ -325,22 +325,22 @@ void TestRewindShaders::sameLookAtAnyRate_data()
 
 void TestRewindShaders::sameLookAtAnyRate()
 {
-    QFETCH(float, seconds);
-    QFETCH(std::uint32_t, frame);
+    QFETCH(float, frameSeconds);
+    QFETCH(std::uint32_t, frameCount);
     const PresetEntry &preset = presetEntry(u"rewind"_s);
     const Picture picture = noise({80, 60});
     PresetDrawing drawing(preset);
-    const auto shown = [&](float frameSeconds, std::uint32_t count) {
+    const auto shown = [&](float seconds, std::uint32_t count) {
         return drawing.draw(picture,
                             {.params = initialParams(preset),
                              .viewport = {160, 120},
                              .frameCount = count,
-                             .frameSeconds = frameSeconds});
+                             .frameSeconds = seconds});
     };
     const Picture expected = shown(1.0F / 60.0F, 66);
     QVERIFY(difference(expected, shown(1.0F / 60.0F, 67)) > 0.1F);
-    QVERIFY2(difference(shown(seconds, frame), expected) < 2.0F / 255.0F,
-             QByteArray::number(difference(shown(seconds, frame), expected)).constData());
+    QVERIFY2(difference(shown(frameSeconds, frameCount), expected) < 2.0F / 255.0F,
+             QByteArray::number(difference(shown(frameSeconds, frameCount), expected)).constData());
 }
 
 QTEST_GUILESS_MAIN(TestRewindShaders)
