@@ -1,3 +1,5 @@
+#include "fields.glsl"
+
 // What the passes of the tape share; include component.glsl first. The parameters count columns and
 // lines of a picture of 320x240, whatever the size and aspect of the one that is shown: the signal of
 // a line lasts as long in any of them.
@@ -7,22 +9,3 @@ const float kLines = 240.0;
 // The heads are switched up to 8 lines before the vertical synchronisation (IEC 60774-1), three of
 // which are not shown.
 const float kSwitchLine = kLines - 5.0;
-
-// Rates of displays, far enough apart that a frame that comes a little late or early is not taken
-// for one of another rate, which would set the clock.
-const float kRates[] = float[](50.0, 60.0, 90.0, 120.0, 144.0, 240.0);
-// Long enough that nobody sees a pattern start over, short enough for a float.
-const uint kLoopFrames = 65536u;
-
-// Fields of 1/60 s that the picture has run, at any rate of the display.
-float fieldsShown()
-{
-    float rate = 60.0;
-    float least = 1.0;
-    for (int i = 0; i < kRates.length(); ++i) {
-        float off = abs(pc.frameSeconds * kRates[i] - 1.0);
-        rate = off < least ? kRates[i] : rate;
-        least = min(off, least);
-    }
-    return float(60u * (pc.frameCount % kLoopFrames)) / rate;
-}

@@ -1,0 +1,24 @@
+// The time that the picture has run; include component.glsl first.
+
+// Long enough that nobody sees a pattern start over, short enough for a float.
+const uint kLoopFrames = 65536u;
+
+// The nearest of the rates that displays have. They are so far apart that a frame that comes a little
+// late or early is not taken for one of another rate, which would set the clock.
+float displayRate(float frameSeconds)
+{
+    if (frameSeconds <= 0.0)
+        return 60.0; // not known
+    return frameSeconds > 2.0 / (50.0 + 60.0)     ? 50.0
+           : frameSeconds > 2.0 / (60.0 + 90.0)   ? 60.0
+           : frameSeconds > 2.0 / (90.0 + 120.0)  ? 90.0
+           : frameSeconds > 2.0 / (120.0 + 144.0) ? 120.0
+           : frameSeconds > 2.0 / (144.0 + 240.0) ? 144.0
+                                                  : 240.0;
+}
+
+// Fields of 1/60 s that the picture has run, at any rate of the display.
+float fieldsShown()
+{
+    return float(60u * (pc.frameCount % kLoopFrames)) / displayRate(pc.frameSeconds);
+}

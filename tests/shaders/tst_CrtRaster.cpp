@@ -1,0 +1,689 @@
+#include "ShaderTesting.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+// The tube's signal and beam: composite signal, video amplifier, raster and spot.
+
+namespace {
+
+constexpr double kTurn = 6.283185307179586;
+
+const Params kLinearize = {{u"crt_gamma_out"_s, 2.4F},
+                           {u"gun_cutoff"_s, 0.0F},
+                           {u"color_saturation"_s, 1.0F},
+                           {u"desaturate"_s, 0.0F}};
+const Params kScanline = {
+        {u"beam_min"_s, 0.1F},     {u"beam_max"_s, 0.1F},          {u"rgb_beam"_s, 1.0F},
+        {u"raster_lines"_s, 0.0F}, {u"raster_offset"_s, 0.0F},     {u"raster_interlace"_s, 0.0F},
+        {u"conv_rx"_s, 0.0F},      {u"conv_ry"_s, 0.0F},           {u"conv_bx"_s, 0.0F},
+        {u"conv_by"_s, 0.0F},      {u"barrel_distortion"_s, 0.0F}, {u"corner_radius"_s, 0.0F},
+        {u"overscan"_s, 0.0F}};
+
+Picture beam(const Picture &light, QSize size, const Params &params, std::uint32_t frame = 0)
+{
+    return evaluate(u"crt-scanline"_s, {{.picture = &light, .linearFilter = true}}, size, params,
+                    [frame](FrameState &state) { state.frameCount = frame; });
+}
+
+Picture amplified(const Picture &light, float megahertz, float microseconds)
+{
+    return evaluate(
+            u"crt-horizontal"_s, {{.picture = &light, .linearFilter = true}}, light.size,
+            {{u"signal_bandwidth_mhz"_s, megahertz}, {u"signal_active_us"_s, microseconds}});
+}
+
+Picture litRow(QSize size, int row)
+{
+    Picture picture = grey(size, 0.0F);
+    for (int x = 0; x < size.width(); ++x)
+        picture.at(x, row) = {1.0F, 1.0F, 1.0F, 1.0F};
+    return picture;
+}
+
+Picture litPixel(QSize size, const Pixel &light)
+{
+    Picture picture = grey(size, 0.0F);
+    picture.at(size.width() / 2, size.height() / 2) = light;
+    return picture;
+}
+
+struct Spot
+{
+    double light = 0.0;
+    double x = 0.0, y = 0.0; // its middle, 0..1 over the picture
+    double varianceX = 0.0, varianceY = 0.0; // in 240ths of the height, squared
+};
+
+// Where a channel's light is, and how far it spreads.
+Spot measured(const Picture &picture, std::size_t channel)
+{
+    Spot spot;
+    const double unit = picture.size.height() / 240.0;
+    const auto summed = [&](const auto &term) {
+        double sum = 0.0;
+        for (int y = 0; y < picture.size.height(); ++y) {
+            for (int x = 0; x < picture.size.width(); ++x)
+                sum += double(picture.at(x, y)[channel]) * term(x + 0.5, y + 0.5);
+        }
+        return sum;
+    };
+    spot.light = summed([](double, double) { return 1.0; });
+    const double x = summed([](double at, double) { return at; }) / spot.light;
+    const double y = summed([](double, double at) { return at; }) / spot.light;
+    spot.x = x / picture.size.width();
+    spot.y = y / picture.size.height();
+    spot.varianceX = summed([&](double at, double) { return (at - x) * (at - x); }) / spot.light
+            / unit / unit;
+    spot.varianceY = summed([&](double, double at) { return (at - y) * (at - y); }) / spot.light
+            / unit / unit;
+    spot.light /= double(picture.pixels.size());
+    return spot;
+}
+
+// The composite signal with neither gain nor a share of the line above.
+const Params kComposite = {
+        {u"composite_strength"_s, 1.0F},    {u"composite_sharp"_s, 0.6F},
+        {u"composite_chroma"_s, 1.1F},      {u"composite_chroma_delay"_s, 0.0F},
+        {u"composite_chroma_gain"_s, 1.0F}, {u"composite_chroma_vertical"_s, 0.0F}};
+constexpr double kCarrierCycles = 190.909; // on a line
+constexpr int kReceivedColumns = 2048;
+
+Picture received(const Picture &source, const Params &changes, const Tweak &tweak = {})
+{
+    return evaluate(u"crt-consumer-composite"_s, {{.picture = &source}},
+                    {kReceivedColumns, source.size.height()}, with(kComposite, changes), tweak);
+}
+
+using Yiq = std::array<double, 3>;
+
+// SMPTE 170M.
+Yiq toYiq(const Pixel &pixel)
+{
+    const auto r = double(pixel[0]);
+    const auto g = double(pixel[1]);
+    const auto b = double(pixel[2]);
+    return {0.299 * r + 0.587 * g + 0.114 * b, 0.5959 * r - 0.2746 * g - 0.3213 * b,
+            0.2115 * r - 0.5227 * g + 0.3112 * b};
+}
+
+Pixel fromYi(double y, double i)
+{
+    return {float(y + 0.9560 * i), float(y - 0.2720 * i), float(y - 1.1067 * i), 1.0F};
+}
+
+// A 256-pixel line of grey whose luma or I swings by 0.2, so many times.
+Picture wave(std::size_t component, double cycles)
+{
+    Picture picture({256, 4});
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 256; ++x) {
+            const double swing = 0.2 * std::cos(kTurn * cycles * (x + 0.5) / 256.0);
+            picture.at(x, y) = component == 0 ? fromYi(0.5 + swing, 0.0) : fromYi(0.5, swing);
+        }
+    }
+    return picture;
+}
+
+// What of that wave there is in a row: its amplitude, and where it is along the line, in cycles.
+struct Wave
+{
+    double amplitude = 0.0;
+    double phase = 0.0;
+};
+
+Wave analysed(const Picture &picture, int row, std::size_t component, double cycles)
+{
+    // Whole waves, in the middle of the line.
+    const double wavelength = picture.size.width() / cycles;
+    const int first = picture.size.width() / 8;
+    const int count = int(std::floor(0.75 * cycles) * wavelength);
+    double cosine = 0.0;
+    double sine = 0.0;
+    for (int x = first; x < first + count; ++x) {
+        const double at = kTurn * (x + 0.5) / wavelength;
+        const double value = toYiq(picture.at(x, row))[component];
+        cosine += 2.0 * value * std::cos(at) / count;
+        sine += 2.0 * value * std::sin(at) / count;
+    }
+    return {std::hypot(cosine, sine), std::atan2(sine, cosine) / kTurn};
+}
+
+// The distance between two phases, in cycles.
+double apart(double a, double b)
+{
+    return std::fabs(a - b - std::round(a - b));
+}
+
+QByteArray shown(double value)
+{
+    return QByteArray::number(value, 'g', 8);
+}
+
+} // namespace
+
+class TestCrtRaster : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void compositeBandwidths_data();
+    void compositeBandwidths();
+    void chromaComesLate();
+    void chromaIsSharedWithTheLineAbove_data();
+    void chromaIsSharedWithTheLineAbove();
+    void zonePlateTurnsColourfulAtTheCarrier();
+    void dotsCrawl_data();
+    void dotsCrawl();
+    void bandwidthIsThreeDecibelsDownAtTheCutoff_data();
+    void bandwidthIsThreeDecibelsDownAtTheCutoff();
+    void blackLineOnWhite_data();
+    void blackLineOnWhite();
+    void rowsLieOnLines_data();
+    void rowsLieOnLines();
+    void linesWithoutPictureAreDark();
+    void fieldsAlternate_data();
+    void fieldsAlternate();
+    void beamKeepsItsEnergy_data();
+    void beamKeepsItsEnergy();
+    void detailKeepsItsEnergy();
+    void spotIsRoundAndGrowsWithTheLight_data();
+    void spotIsRoundAndGrowsWithTheLight();
+    void gunsHaveSpotsOfTheirOwn();
+    void spotIsGaussian_data();
+    void spotIsGaussian();
+    void convergenceMovesOneGun_data();
+    void convergenceMovesOneGun();
+};
+
+void TestCrtRaster::compositeBandwidths_data()
+{
+    QTest::addColumn<int>("component");
+    QTest::addColumn<double>("cycles");
+    QTest::addColumn<Params>("params");
+    QTest::addColumn<double>("kept"); // by the Gaussian, and by holding the pixels
+    const auto chroma = [](float spread, float gain) {
+        return Params({{u"composite_chroma"_s, spread}, {u"composite_chroma_gain"_s, gain}});
+    };
+    QTest::newRow("chroma, narrow") << 1 << 32.0 << chroma(0.5F, 1.0F) << 0.9022;
+    QTest::newRow("chroma, usual") << 1 << 32.0 << chroma(1.35F, 1.0F) << 0.5555;
+    QTest::newRow("chroma, wide") << 1 << 32.0 << chroma(3.0F, 1.0F) << 0.0607;
+    QTest::newRow("chroma, amplified") << 1 << 32.0 << chroma(1.35F, 1.5F) << 0.8332;
+    QTest::newRow("luma, soft") << 0 << 64.0 << Params({{u"composite_sharp"_s, 0.2F}}) << 0.0206;
+    QTest::newRow("luma, usual") << 0 << 64.0 << Params({{u"composite_sharp"_s, 0.6F}}) << 0.5917;
+    QTest::newRow("luma, sharp") << 0 << 64.0 << Params({{u"composite_sharp"_s, 1.0F}}) << 0.7740;
+}
+
+void TestCrtRaster::compositeBandwidths()
+{
+    QFETCH(int, component);
+    QFETCH(double, cycles);
+    QFETCH(Params, params);
+    QFETCH(double, kept);
+    const auto which = std::size_t(component);
+    const Picture result = received(wave(which, cycles), params);
+    const double amplitude = analysed(result, 1, which, cycles).amplitude / 0.2;
+    QVERIFY2(std::fabs(amplitude - kept) < 0.01, shown(amplitude).constData());
+}
+
+void TestCrtRaster::chromaComesLate()
+{
+    for (const float delay : {-1.5F, 0.0F, 2.0F}) {
+        const Picture result = received(wave(1, 32.0), {{u"composite_chroma_delay"_s, delay}});
+        // 256 samples to a line, 32 cycles: a cycle is 8 samples.
+        const double phase = analysed(result, 1, 1, 32.0).phase;
+        QVERIFY2(apart(phase, double(delay) / 8.0) < 0.003, shown(phase).constData());
+    }
+}
+
+void TestCrtRaster::chromaIsSharedWithTheLineAbove_data()
+{
+    QTest::addColumn<float>("share");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("not") << 0.0F << 0.2;
+    QTest::newRow("a quarter") << 0.25F << 0.1;
+    QTest::newRow("half") << 0.5F << 0.0;
+}
+
+// Lines of opposite colours.
+void TestCrtRaster::chromaIsSharedWithTheLineAbove()
+{
+    QFETCH(float, share);
+    QFETCH(double, expected);
+    Picture picture({256, 4});
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 256; ++x)
+            picture.at(x, y) = fromYi(0.5, y % 2 == 0 ? 0.2 : -0.2);
+    }
+    const Picture result = received(picture, {{u"composite_chroma_vertical"_s, share}});
+    const double even = toYiq(result.at(1000, 2))[1];
+    const double odd = toYiq(result.at(1000, 3))[1];
+    QVERIFY2(std::fabs(even - expected) < 1e-3, shown(even).constData());
+    QVERIFY2(std::fabs(odd + expected) < 1e-3, shown(odd).constData());
+}
+
+// Grey whose frequency rises from 0 to 384 cycles a line takes the colour carrier's in the middle.
+void TestCrtRaster::zonePlateTurnsColourfulAtTheCarrier()
+{
+    Picture plate({1024, 2});
+    for (int y = 0; y < 2; ++y) {
+        for (int x = 0; x < 1024; ++x) {
+            const double at = (x + 0.5) / 1024.0;
+            plate.at(x, y) = fromYi(0.5 + 0.25 * std::cos(0.5 * kTurn * 384.0 * at * at), 0.0);
+        }
+    }
+    const Picture result = received(plate, {});
+    double most = 0.0;
+    double where = 0.0;
+    double elsewhere = 0.0;
+    for (int x = 0; x < kReceivedColumns; ++x) {
+        const double at = (x + 0.5) / kReceivedColumns;
+        const Yiq yiq = toYiq(result.at(x, 1));
+        const double chroma = std::hypot(yiq[1], yiq[2]);
+        where = chroma > most ? at : where;
+        most = std::max(most, chroma);
+        // Beyond what the chroma filter lets past.
+        if (std::fabs(at - kCarrierCycles / 384.0) > 0.3)
+            elsewhere = std::max(elsewhere, chroma);
+    }
+    // Half of it gets past the trap: 0.25 * 0.5, and 0.944 of that as the pixels are held.
+    QVERIFY2(std::fabs(most - 0.118) < 0.006, shown(most).constData());
+    QVERIFY2(std::fabs(where - kCarrierCycles / 384.0) < 0.02, shown(where).constData());
+    QVERIFY2(elsewhere < 0.02, shown(elsewhere).constData());
+}
+
+void TestCrtRaster::dotsCrawl_data()
+{
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<quint32>("frame");
+    QTest::addColumn<double>("cycles"); // that the carrier is on, 0.75 for each field of 1/60 s
+    QTest::newRow("the beginning") << 1.0F / 60.0F << 0U << 0.0;
+    QTest::newRow("60 Hz, 1 frame") << 1.0F / 60.0F << 1U << 0.75;
+    QTest::newRow("60 Hz, 2 frames") << 1.0F / 60.0F << 2U << 0.5;
+    QTest::newRow("60 Hz, 3 frames") << 1.0F / 60.0F << 3U << 0.25;
+    QTest::newRow("60 Hz, an hour") << 1.0F / 60.0F << 216003U << 0.25;
+    QTest::newRow("120 Hz, 1 frame") << 1.0F / 120.0F << 1U << 0.0;
+    QTest::newRow("120 Hz, 2 frames") << 1.0F / 120.0F << 2U << 0.75;
+    QTest::newRow("120 Hz, 6 frames") << 1.0F / 120.0F << 6U << 0.25;
+    QTest::newRow("50 Hz, 1 frame") << 1.0F / 50.0F << 1U << 0.75;
+    QTest::newRow("50 Hz, 5 frames") << 1.0F / 50.0F << 5U << 0.5;
+    QTest::newRow("unknown, 1 frame") << 0.0F << 1U << 0.75;
+}
+
+// What is left of the carrier in the luma of a red field.
+void TestCrtRaster::dotsCrawl()
+{
+    QFETCH(float, seconds);
+    QFETCH(quint32, frame);
+    QFETCH(double, cycles);
+    const Picture result = received(flat({256, 4}, 1.0F, 0.0F, 0.0F),
+                                    {{u"composite_sharp"_s, 1.0F}}, [&](FrameState &state) {
+                                        state.frameSeconds = seconds;
+                                        state.frameCount = frame;
+                                    });
+    const Wave first = analysed(result, 0, 0, kCarrierCycles);
+    // 0.632 is red's chroma, 0.130 what trap and filter leave of it.
+    QVERIFY2(std::fabs(first.amplitude - 0.0823) < 0.002, shown(first.amplitude).constData());
+    // Red's colour stands at atan2(Q, I), which leads the carrier.
+    const double red = std::atan2(0.2115, 0.5959) / kTurn;
+    QVERIFY2(apart(first.phase, red - cycles) < 0.005, shown(first.phase).constData());
+    const Wave second = analysed(result, 1, 0, kCarrierCycles);
+    QVERIFY2(apart(second.phase, first.phase + 0.5) < 0.005, shown(second.phase).constData());
+}
+
+void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff_data()
+{
+    QTest::addColumn<float>("megahertz");
+    for (const float megahertz : {1.0F, 3.0F, 6.0F, 12.0F})
+        QTest::addRow("%g MHz", double(megahertz)) << megahertz;
+}
+
+// Of the voltage, as an amplifier is measured.
+void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff()
+{
+    QFETCH(float, megahertz);
+    // A whole number of cycles over the line, at the cutoff.
+    const double cycles = double(megahertz) * 50.0;
+    Picture line({4096, 1});
+    for (int x = 0; x < 4096; ++x) {
+        const double voltage = 0.5 + 0.4 * std::cos(kTurn * cycles * (x + 0.5) / 4096.0);
+        const auto light = float(std::pow(voltage, 2.4));
+        line.at(x, 0) = {light, light, light, 1.0F};
+    }
+    const Picture result = amplified(line, megahertz, 50.0F);
+    // Amplitude by correlation, over the middle of the line.
+    double amplitude = 0.0;
+    double reference = 0.0;
+    for (int x = 1024; x < 3072; ++x) {
+        const double phase = std::cos(kTurn * cycles * (x + 0.5) / 4096.0);
+        const double voltage = std::pow(double(result.at(x, 0)[1]), 1.0 / 2.4);
+        amplitude += (voltage - 0.5) * phase;
+        reference += 0.4 * phase * phase;
+    }
+    const double decibels = 20.0 * std::log10(amplitude / reference);
+    QVERIFY2(std::fabs(decibels + 3.01) < 0.1, shown(decibels).constData());
+}
+
+void TestCrtRaster::blackLineOnWhite_data()
+{
+    QTest::addColumn<int>("columns");
+    QTest::addColumn<double>("expected"); // (2 - 2 Phi(half a pixel / sigma))^2.4
+    QTest::newRow("320 columns") << 320 << 0.00113;
+    QTest::newRow("512 columns") << 512 << 0.0319;
+}
+
+// What a voltage of 3 MHz leaves in the middle of a pixel that is black among white ones; filtered
+// light would leave 0.06 and 0.24.
+void TestCrtRaster::blackLineOnWhite()
+{
+    QFETCH(int, columns);
+    QFETCH(double, expected);
+    Picture line = grey({columns, 1}, 1.0F);
+    line.at(columns / 2, 0) = {0.0F, 0.0F, 0.0F, 1.0F};
+    const Picture light = evaluate(u"crt-linearize"_s, {{.picture = &line}}, {4096, 1}, kLinearize);
+    const Picture result = amplified(light, 3.0F, 53.333332F);
+    float darkest = 1.0F;
+    for (const Pixel &pixel : result.pixels)
+        darkest = std::min(darkest, pixel[1]);
+    QVERIFY2(std::fabs(double(darkest) - expected) < 5e-4 + 0.05 * expected,
+             shown(double(darkest)).constData());
+}
+
+void TestCrtRaster::rowsLieOnLines_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<float>("lines");
+    QTest::addColumn<float>("offset");
+    QTest::addColumn<int>("row"); // the one that is lit
+    QTest::addColumn<double>("middle"); // of its light, in parts of the face's height
+    QTest::addColumn<double>("light"); // that it gives, in parts of the face
+
+    const auto row = [](const char *name, int rows, float lines, float offset, int lit,
+                        double middle, double light) {
+        QTest::newRow(name) << rows << lines << offset << lit << middle << light;
+    };
+    row("224 fill the face by themselves, top", 224, 0.0F, 0.0F, 0, 0.5 / 224.0, 1.0 / 224.0);
+    row("224 fill the face by themselves, bottom", 224, 0.0F, 0.0F, 223, 223.5 / 224.0,
+        1.0 / 224.0);
+    row("240 by themselves", 240, 0.0F, 0.0F, 100, 100.5 / 240.0, 1.0 / 240.0);
+    row("256 by themselves", 256, 0.0F, 0.0F, 100, 100.5 / 256.0, 1.0 / 256.0);
+    row("480 by themselves", 480, 0.0F, 0.0F, 100, 100.5 / 480.0, 1.0 / 480.0);
+    row("600 by themselves", 600, 0.0F, 0.0F, 100, 100.5 / 600.0, 1.0 / 600.0);
+    // Lines 238 and 239, of which the former is shared with the row above: 3 rows are 5 lines.
+    row("144 by themselves take 240", 144, 0.0F, 0.0F, 143, 239.1 / 240.0, 1.0 / 144.0);
+    row("224 on 240, top", 224, 240.0F, 8.0F, 0, 8.5 / 240.0, 1.0 / 240.0);
+    row("224 on 240, bottom", 224, 240.0F, 8.0F, 223, 231.5 / 240.0, 1.0 / 240.0);
+    row("160 on 240", 160, 240.0F, 40.0F, 100, 140.5 / 240.0, 1.0 / 240.0);
+    row("240 on 480", 240, 480.0F, 0.0F, 100, 201.0 / 480.0, 2.0 / 480.0);
+    row("224 on 480", 224, 480.0F, 16.0F, 223, 463.0 / 480.0, 2.0 / 480.0);
+    row("200 on 400", 200, 400.0F, 0.0F, 199, 399.0 / 400.0, 2.0 / 400.0);
+    row("480 on 240", 480, 240.0F, 0.0F, 101, 50.5 / 240.0, 0.5 / 240.0);
+    // A line shows 1.2 rows: line 83 has 0.8 of row 100, line 84 the rest.
+    row("240 on 200", 240, 200.0F, 0.0F, 100, 83.7 / 200.0, 1.0 / 240.0);
+}
+
+void TestCrtRaster::rowsLieOnLines()
+{
+    QFETCH(int, rows);
+    QFETCH(float, lines);
+    QFETCH(float, offset);
+    QFETCH(int, row);
+    QFETCH(double, middle);
+    QFETCH(double, light);
+    const Params params =
+            with(kScanline, {{u"raster_lines"_s, lines}, {u"raster_offset"_s, offset}});
+    const Picture drawn = beam(litRow({32, rows}, row), {320, 720}, params);
+    const Spot spot = measured(drawn, 1);
+    QVERIFY2(std::fabs(spot.y - middle) < 1e-4, shown(spot.y - middle).constData());
+    // A little is lost beyond the picture's sides.
+    QVERIFY2(std::fabs(spot.light / light - 1.0) < 2e-3, shown(spot.light / light).constData());
+}
+
+void TestCrtRaster::linesWithoutPictureAreDark()
+{
+    const Params params =
+            with(kScanline, {{u"raster_lines"_s, 240.0F}, {u"raster_offset"_s, 8.0F}});
+    const Picture drawn = beam(grey({32, 224}, 1.0F), {320, 720}, params);
+    // Lines 8 to 231 are lit, three pixels each.
+    for (int y = 0; y < 720; ++y) {
+        const bool isLit = y >= 3 * 8 && y < 3 * 232;
+        const float light = drawn.at(160, y)[1];
+        QVERIFY2(isLit == (light > 1e-3F), shown(double(light)).constData());
+    }
+    QVERIFY(std::fabs(mean(drawn, 1) / (224.0 / 240.0) - 1.0) < 2e-3);
+}
+
+void TestCrtRaster::fieldsAlternate_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<float>("lines");
+    QTest::addColumn<quint32>("frame");
+    QTest::addColumn<int>("row");
+    QTest::addColumn<double>("middle"); // in parts of the face's height
+    QTest::addColumn<double>("light");
+    // A picture that holds both fields: every other row is shown, as bright as two lines.
+    QTest::newRow("even row, even frame") << 480 << 0.0F << 0U << 20 << 20.5 / 480 << 1.0 / 240;
+    QTest::newRow("odd row, even frame") << 480 << 0.0F << 0U << 21 << 0.0 << 0.0;
+    QTest::newRow("even row, odd frame") << 480 << 0.0F << 1U << 20 << 0.0 << 0.0;
+    QTest::newRow("odd row, odd frame") << 480 << 480.0F << 1U << 21 << 21.5 / 480 << 1.0 / 240;
+    // A picture that is a field: all its rows, between those of the other field.
+    QTest::newRow("field, even frame") << 240 << 480.0F << 0U << 20 << 40.5 / 480 << 1.0 / 240;
+    QTest::newRow("field, odd frame") << 240 << 480.0F << 1U << 20 << 41.5 / 480 << 1.0 / 240;
+    QTest::newRow("field on 240 lines, even")
+            << 240 << 240.0F << 2U << 20 << 40.5 / 480 << 1.0 / 240;
+    QTest::newRow("field on 240 lines, odd")
+            << 240 << 240.0F << 3U << 20 << 41.5 / 480 << 1.0 / 240;
+}
+
+void TestCrtRaster::fieldsAlternate()
+{
+    QFETCH(int, rows);
+    QFETCH(float, lines);
+    QFETCH(quint32, frame);
+    QFETCH(int, row);
+    QFETCH(double, middle);
+    QFETCH(double, light);
+    const Params params =
+            with(kScanline, {{u"raster_lines"_s, lines}, {u"raster_interlace"_s, 1.0F}});
+    const Picture drawn = beam(litRow({32, rows}, row), {320, 720}, params, frame);
+    const Spot spot = measured(drawn, 1);
+    QVERIFY2(std::fabs(spot.light - light) < 2e-3 * light + 1e-7, shown(spot.light).constData());
+    if (light > 0.0)
+        QVERIFY2(std::fabs(spot.y - middle) < 1e-4, shown(spot.y).constData());
+}
+
+void TestCrtRaster::beamKeepsItsEnergy_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<Params>("raster");
+    QTest::addColumn<float>("light");
+    QTest::addColumn<float>("sigma");
+    QTest::addColumn<double>("tolerance"); // of what wide beams lose beyond the picture's edges
+
+    const auto row = [](const char *name, int rows, const Params &raster, float light, float sigma,
+                        double tolerance) {
+        QTest::newRow(name) << rows << raster << light << sigma << tolerance;
+    };
+    row("narrow", 240, {}, 0.5F, 0.02F, 1e-3);
+    row("usual", 240, {}, 0.5F, 0.24F, 1.5e-3);
+    row("wide", 240, {}, 0.5F, 0.55F, 4e-3);
+    row("dark", 240, {}, 0.01F, 0.1F, 1e-3);
+    row("beyond white", 240, {}, 2.5F, 0.24F, 1.5e-3);
+    row("224 rows", 224, {}, 0.5F, 0.24F, 1.5e-3);
+    row("a handheld's rows", 144, {}, 0.5F, 0.24F, 1.5e-3);
+    row("doubled", 240, {{u"raster_lines"_s, 480.0F}}, 0.5F, 0.24F, 1.5e-3);
+    row("halved", 480, {{u"raster_lines"_s, 240.0F}}, 0.5F, 0.24F, 1.5e-3);
+    row("fewer lines", 240, {{u"raster_lines"_s, 200.0F}}, 0.5F, 0.24F, 1.5e-3);
+    row("interlaced", 480, {{u"raster_interlace"_s, 1.0F}}, 0.5F, 0.24F, 2e-3);
+}
+
+void TestCrtRaster::beamKeepsItsEnergy()
+{
+    QFETCH(int, rows);
+    QFETCH(Params, raster);
+    QFETCH(float, light);
+    QFETCH(float, sigma);
+    QFETCH(double, tolerance);
+    const Params params =
+            with(with(kScanline, raster), {{u"beam_min"_s, sigma}, {u"beam_max"_s, sigma}});
+    const Picture drawn = beam(grey({320, rows}, light), {640, 480}, params);
+    for (std::size_t c = 0; c < 3; ++c) {
+        const double kept = mean(drawn, c) / double(light);
+        QVERIFY2(std::fabs(kept - 1.0) < tolerance, shown(kept).constData());
+    }
+}
+
+// Bright beside dark, where spots of different widths meet; the margin takes what spreads outwards.
+void TestCrtRaster::detailKeepsItsEnergy()
+{
+    Picture picture = noise({64, 48});
+    for (int y = 0; y < 48; ++y) {
+        for (int x = 0; x < 64; ++x) {
+            if (x < 2 || x > 61 || y < 2 || y > 45)
+                picture.at(x, y) = {0.0F, 0.0F, 0.0F, 1.0F};
+        }
+    }
+    const Params params = with(
+            kScanline, {{u"raster_lines"_s, 48.0F}, {u"beam_min"_s, 0.05F}, {u"beam_max"_s, 0.5F}});
+    const Picture drawn = beam(picture, {640, 480}, params);
+    for (std::size_t c = 0; c < 3; ++c) {
+        const double kept = mean(drawn, c) / mean(picture, c);
+        QVERIFY2(std::fabs(kept - 1.0) < 2e-3, shown(kept).constData());
+    }
+}
+
+void TestCrtRaster::spotIsRoundAndGrowsWithTheLight_data()
+{
+    QTest::addColumn<QSize>("viewport");
+    QTest::addColumn<float>("light");
+    QTest::addColumn<float>("overscan");
+    QTest::addColumn<double>("sigma"); // 0.15 + 0.25 sqrt(light), in 240ths of the picture height
+    QTest::newRow("white") << QSize(960, 720) << 1.0F << 0.0F << 0.4;
+    QTest::newRow("white, wide screen") << QSize(1280, 720) << 1.0F << 0.0F << 0.4;
+    QTest::newRow("white, overscanned") << QSize(960, 720) << 1.0F << 0.1F << 0.4;
+    QTest::newRow("half") << QSize(960, 720) << 0.5F << 0.0F << 0.32678;
+    QTest::newRow("quarter") << QSize(960, 720) << 0.25F << 0.0F << 0.275;
+    QTest::newRow("dark") << QSize(960, 720) << 0.04F << 0.0F << 0.2;
+}
+
+// A spot's variance is what is left of the drawn one when the pixels' are taken away.
+void TestCrtRaster::spotIsRoundAndGrowsWithTheLight()
+{
+    QFETCH(QSize, viewport);
+    QFETCH(float, light);
+    QFETCH(float, overscan);
+    QFETCH(double, sigma);
+    constexpr QSize kSource(320, 240);
+    const Params params = with(
+            kScanline, {{u"beam_min"_s, 0.15F}, {u"beam_max"_s, 0.4F}, {u"overscan"_s, overscan}});
+    const Picture drawn = beam(litPixel(kSource, {light, light, light, 1.0F}), viewport, params);
+    const Spot spot = measured(drawn, 1);
+
+    // In 240ths of the viewport; overscan enlarges the picture by so much.
+    const double aspect = double(viewport.width()) / viewport.height();
+    const double zoomX = 1.0 / (1.0 - 2.0 * double(overscan) / aspect);
+    const double zoomY = 1.0 / (1.0 - 2.0 * double(overscan));
+    const double sourcePixel = zoomX * 240.0 * aspect / kSource.width();
+    const double pixel = 240.0 / viewport.height();
+    const double x = std::sqrt(spot.varianceX - (sourcePixel * sourcePixel + pixel * pixel) / 12.0);
+    const double y = std::sqrt(spot.varianceY - pixel * pixel / 12.0);
+    QVERIFY2(std::fabs(x / (zoomY * sigma) - 1.0) < 0.03, shown(x / zoomY).constData());
+    QVERIFY2(std::fabs(y / (zoomY * sigma) - 1.0) < 0.03, shown(y / zoomY).constData());
+}
+
+void TestCrtRaster::gunsHaveSpotsOfTheirOwn()
+{
+    const Picture pixel = litPixel({320, 240}, {1.0F, 0.04F, 0.04F, 1.0F});
+    const Params params = with(kScanline, {{u"beam_min"_s, 0.15F}, {u"beam_max"_s, 0.4F}});
+    const auto sigma = [](const Picture &picture, std::size_t channel) {
+        return std::sqrt(measured(picture, channel).varianceY - 1.0 / 9.0 / 12.0);
+    };
+    const Picture own = beam(pixel, {960, 720}, params);
+    QVERIFY2(std::fabs(sigma(own, 0) / 0.4 - 1.0) < 0.03, shown(sigma(own, 0)).constData());
+    QVERIFY2(std::fabs(sigma(own, 1) / 0.2 - 1.0) < 0.03, shown(sigma(own, 1)).constData());
+    const Picture same = beam(pixel, {960, 720}, with(params, {{u"rgb_beam"_s, 0.0F}}));
+    for (const std::size_t channel : {0U, 1U, 2U})
+        QVERIFY2(std::fabs(sigma(same, channel) / 0.4 - 1.0) < 0.03,
+                 shown(sigma(same, channel)).constData());
+}
+
+void TestCrtRaster::spotIsGaussian_data()
+{
+    QTest::addColumn<bool>("isVertical");
+    QTest::addColumn<double>("tolerance"); // in parts of the light of a wide field
+    QTest::newRow("along the line") << false << 0.006;
+    QTest::newRow("down the picture") << true << 0.006;
+}
+
+// The light at the edge of a white half, against the normal distribution function. Lines so close
+// that they merge make the vertical edge.
+void TestCrtRaster::spotIsGaussian()
+{
+    QFETCH(bool, isVertical);
+    QFETCH(double, tolerance);
+    constexpr double kSigma = 0.5;
+    Picture picture = grey({320, 1200}, 0.0F);
+    for (int y = 0; y < 1200; ++y) {
+        for (int x = 0; x < 320; ++x) {
+            if (isVertical ? y >= 600 : x >= 160)
+                picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
+        }
+    }
+    const Params params = with(kScanline, {{u"beam_max"_s, float(kSigma)}});
+    const Picture drawn = beam(picture, {640, 480}, params);
+    for (int i = -4; i < 4; ++i) {
+        const float light = isVertical ? drawn.at(500, 240 + i)[1] : drawn.at(320 + i, 100)[1];
+        // A pixel is half a 240th of the height, and shows its mean.
+        double expected = 0.0;
+        for (int sub = 0; sub < 16; ++sub) {
+            const double from = 0.5 * (i + (sub + 0.5) / 16.0) / kSigma;
+            expected += 0.5 * (1.0 + std::erf(from / std::sqrt(2.0))) / 16.0;
+        }
+        QVERIFY2(std::fabs(double(light) - expected) < tolerance,
+                 shown(double(light) - expected).constData());
+    }
+}
+
+void TestCrtRaster::convergenceMovesOneGun_data()
+{
+    QTest::addColumn<QString>("param");
+    QTest::addColumn<int>("channel");
+    QTest::addColumn<double>("right"); // for 1.5, in 240ths of the picture height
+    QTest::addColumn<double>("down");
+    QTest::newRow("red x") << u"conv_rx"_s << 0 << 1.5 << 0.0;
+    QTest::newRow("red y") << u"conv_ry"_s << 0 << 0.0 << 1.5;
+    QTest::newRow("blue x") << u"conv_bx"_s << 2 << 1.5 << 0.0;
+    QTest::newRow("blue y") << u"conv_by"_s << 2 << 0.0 << 1.5;
+}
+
+void TestCrtRaster::convergenceMovesOneGun()
+{
+    QFETCH(QString, param);
+    QFETCH(int, channel);
+    QFETCH(double, right);
+    QFETCH(double, down);
+    const Picture pixel = litPixel({320, 240}, {1.0F, 1.0F, 1.0F, 1.0F});
+    for (const float sign : {1.0F, -1.0F}) {
+        const Picture drawn = beam(pixel, {960, 720},
+                                   with(kScanline, {{u"beam_max"_s, 0.3F}, {param, 1.5F * sign}}));
+        for (const int gun : {0, 1, 2}) {
+            const Spot spot = measured(drawn, std::size_t(gun));
+            const double moved = gun == channel ? double(sign) : 0.0;
+            // The lit pixel is column 160 of 320 and row 120 of 240.
+            const double x = (spot.x - 160.5 / 320.0) * 320.0;
+            const double y = (spot.y - 120.5 / 240.0) * 240.0;
+            QVERIFY2(std::fabs(x - moved * right) < 0.01, shown(x).constData());
+            QVERIFY2(std::fabs(y - moved * down) < 0.01, shown(y).constData());
+            QVERIFY2(std::fabs(spot.light * 320.0 * 240.0 - 1.0) < 2e-3,
+                     shown(spot.light * 320.0 * 240.0).constData());
+        }
+    }
+}
+
+QTEST_GUILESS_MAIN(TestCrtRaster)
+#include "tst_CrtRaster.moc"

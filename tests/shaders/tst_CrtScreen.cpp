@@ -1,0 +1,749 @@
+#include "ShaderTesting.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+// The passes of the tube behind its beam: limiter, white point, phosphors, halation and face.
+
+namespace {
+
+using Chromaticity = std::array<double, 2>;
+
+const Params kScreen = {
+        {u"barrel_distortion"_s, 0.0F}, {u"black_floor"_s, 0.0F},       {u"corner_radius"_s, 0.0F},
+        {u"crt_white"_s, 100.0F},       {u"halation_strength"_s, 0.0F}, {u"halation_wide"_s, 1.0F},
+        {u"hdr_peak"_s, 0.0F},          {u"mask_pitch"_s, 2.5F},        {u"mask_strength"_s, 0.0F},
+        {u"phosphor_gamut"_s, 0.0F},    {u"vignette_strength"_s, 0.0F}};
+const Params kDrive = {
+        {u"color_temperature"_s, 0.0F}, {u"desaturate"_s, 0.0F}, {u"mono_warmth"_s, 0.5F}};
+const Params kScanline = {
+        {u"beam_min"_s, 0.2F},     {u"beam_max"_s, 0.2F},          {u"rgb_beam"_s, 1.0F},
+        {u"raster_lines"_s, 0.0F}, {u"raster_offset"_s, 0.0F},     {u"raster_interlace"_s, 0.0F},
+        {u"conv_rx"_s, 0.0F},      {u"conv_ry"_s, 0.0F},           {u"conv_bx"_s, 0.0F},
+        {u"conv_by"_s, 0.0F},      {u"barrel_distortion"_s, 0.0F}, {u"corner_radius"_s, 0.0F},
+        {u"overscan"_s, 0.0F}};
+
+Picture phosphorTile(float type, float duty, float edge)
+{
+    return evaluate(u"crt-phosphor-tile"_s, {}, {256, 256},
+                    {{u"mask_type"_s, type}, {u"mask_duty"_s, duty}, {u"mask_edge"_s, edge}});
+}
+
+// crt-screen over this light behind a grille, without halation.
+Picture screen(const Picture &light, const Params &params, const Tweak &tweak = {})
+{
+    static const Picture kTile = phosphorTile(0.0F, 0.7F, 0.06F);
+    const Picture dark;
+    return evaluate(u"crt-screen"_s,
+                    {{.picture = &kTile, .linearFilter = true, .mipmap = true, .wrapMode = 2},
+                     {.picture = &dark},
+                     {.picture = &light},
+                     {.picture = &dark},
+                     {.picture = &dark}},
+                    light.size, params, tweak);
+}
+
+Picture lightOf(Picture picture)
+{
+    for (Pixel &pixel : picture.pixels) {
+        for (std::size_t c = 0; c < 3; ++c)
+            pixel[c] = float(decoded(double(pixel[c])));
+    }
+    return picture;
+}
+
+Chromaticity chromaticity(double red, double green, double blue)
+{
+    const double x = 0.4123908 * red + 0.3575843 * green + 0.1804808 * blue;
+    const double y = 0.2126390 * red + 0.7151687 * green + 0.0721923 * blue;
+    const double z = 0.0193308 * red + 0.1191948 * green + 0.9505322 * blue;
+    return {x / (x + y + z), y / (x + y + z)};
+}
+
+// Where the light's middle lies, in pixels, and how far it spreads about that.
+struct Spread
+{
+    double centre = 0.0;
+    double sigma = 0.0;
+};
+
+Spread spread(const QList<double> &profile)
+{
+    double sum = 0.0;
+    double moment = 0.0;
+    double square = 0.0;
+    for (qsizetype i = 0; i < profile.size(); ++i) {
+        const double at = double(i) + 0.5;
+        sum += profile.at(i);
+        moment += at * profile.at(i);
+        square += at * at * profile.at(i);
+    }
+    const double centre = moment / sum;
+    return {centre, std::sqrt(square / sum - centre * centre)};
+}
+
+QList<double> row(const Picture &picture, int y, std::size_t channel = 1)
+{
+    QList<double> values;
+    for (int x = 0; x < picture.size.width(); ++x)
+        values.append(double(picture.at(x, y)[channel]));
+    return values;
+}
+
+QList<double> column(const Picture &picture, int x, std::size_t channel = 1)
+{
+    QList<double> values;
+    for (int y = 0; y < picture.size.height(); ++y)
+        values.append(double(picture.at(x, y)[channel]));
+    return values;
+}
+
+double autocorrelation(const QList<double> &values, int lag)
+{
+    double average = 0.0;
+    for (const double value : values)
+        average += value / double(values.size());
+    double sum = 0.0;
+    for (qsizetype i = 0; i + lag < values.size(); ++i)
+        sum += (values.at(i) - average) * (values.at(i + lag) - average);
+    return sum / double(values.size() - lag);
+}
+
+// From the first strong peak of the autocorrelation, and more exactly from that ten periods along.
+double period(const QList<double> &values)
+{
+    const auto peakNear = [&](double from, double to) {
+        int best = int(std::ceil(from));
+        for (int lag = best; lag <= int(to); ++lag) {
+            if (autocorrelation(values, lag) > autocorrelation(values, best))
+                best = lag;
+        }
+        const double before = autocorrelation(values, best - 1);
+        const double at = autocorrelation(values, best);
+        const double after = autocorrelation(values, best + 1);
+        return best + 0.5 * (before - after) / (before - 2.0 * at + after);
+    };
+    const double whole = autocorrelation(values, 0);
+    int first = 2;
+    while (first < 60
+           && (autocorrelation(values, first) < 0.5 * whole
+               || autocorrelation(values, first) < autocorrelation(values, first + 1)))
+        ++first;
+    const double once = peakNear(first - 1, first + 1);
+    return peakNear(10.0 * once - 0.5 * once, 10.0 * once + 0.5 * once) / 10.0;
+}
+
+QByteArray number(double value)
+{
+    return QByteArray::number(value);
+}
+
+} // namespace
+
+class TestCrtScreen : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void meansAreKept_data();
+    void meansAreKept();
+    void limiterSagsTowardsItsBudget_data();
+    void limiterSagsTowardsItsBudget();
+    void limiterTakesItsTime_data();
+    void limiterTakesItsTime();
+    void persistence_data();
+    void persistence();
+    void driveBalancesTheGuns_data();
+    void driveBalancesTheGuns();
+    void colourTemperature_data();
+    void colourTemperature();
+    void haloIsRound_data();
+    void haloIsRound();
+    void maskTransmission_data();
+    void maskTransmission();
+    void maskPitch_data();
+    void maskPitch();
+    void maskKeepsTheMean_data();
+    void maskKeepsTheMean();
+    void whiteKeepsItsMask_data();
+    void whiteKeepsItsMask();
+    void highlightsBendEachGunAlone();
+    void screenHighlights_data();
+    void screenHighlights();
+    void vignette_data();
+    void vignette();
+    void cornerRadius_data();
+    void cornerRadius();
+    void curvatureOfTheFace_data();
+    void curvatureOfTheFace();
+    void pictureOnTheFace_data();
+    void pictureOnTheFace();
+};
+
+void TestCrtScreen::meansAreKept_data()
+{
+    QTest::addColumn<QString>("component");
+    QTest::addColumn<QSize>("from");
+    QTest::addColumn<QSize>("to");
+    QTest::newRow("optics-down") << u"crt-optics-down"_s << QSize(1920, 1080) << QSize(320, 240);
+    QTest::newRow("optics-down, enlarging")
+            << u"crt-optics-down"_s << QSize(200, 100) << QSize(320, 240);
+    QTest::newRow("wide-down") << u"crt-halation-wide-down"_s << QSize(320, 240) << QSize(80, 60);
+    QTest::newRow("abl-reduce") << u"crt-abl-reduce"_s << QSize(256, 240) << QSize(256, 30);
+}
+
+void TestCrtScreen::meansAreKept()
+{
+    QFETCH(QString, component);
+    QFETCH(QSize, from);
+    QFETCH(QSize, to);
+    const Picture picture = noise(from);
+    const Picture result = evaluate(component, {{.picture = &picture}}, to);
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY(std::fabs(mean(result, c) - mean(picture, c)) < 1e-5);
+}
+
+// From 4096 columns and any height down to one texel. The gain is (1 + (mean / budget)^3)^(-1/3).
+void TestCrtScreen::limiterSagsTowardsItsBudget_data()
+{
+    QTest::addColumn<int>("height");
+    QTest::addColumn<float>("light"); // of the picture's left half
+    QTest::addColumn<float>("budget");
+    QTest::addColumn<float>("strength");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("dark") << 240 << 0.0F << 1.0F << 1.0F << 1.0;
+    QTest::newRow("a quarter of full white") << 240 << 0.5F << 1.0F << 1.0F << 0.994845;
+    QTest::newRow("half of full white") << 240 << 1.0F << 1.0F << 1.0F << 0.961500;
+    QTest::newRow("full white") << 240 << 2.0F << 1.0F << 1.0F << 0.793701;
+    QTest::newRow("224 lines") << 224 << 2.0F << 1.0F << 1.0F << 0.793701;
+    QTest::newRow("17 lines") << 17 << 2.0F << 1.0F << 1.0F << 0.793701;
+    QTest::newRow("half of the strength") << 288 << 2.0F << 1.0F << 0.5F << 0.896850;
+    QTest::newRow("off") << 240 << 2.0F << 1.0F << 0.0F << 1.0;
+    QTest::newRow("a large budget") << 240 << 2.0F << 2.0F << 1.0F << 0.961500;
+    QTest::newRow("a small budget") << 240 << 2.0F << 0.1F << 1.0F << 0.0999667;
+}
+
+void TestCrtScreen::limiterSagsTowardsItsBudget()
+{
+    QFETCH(int, height);
+    QFETCH(float, light);
+    QFETCH(float, budget);
+    QFETCH(float, strength);
+    QFETCH(double, expected);
+    // It takes the mean of the three guns.
+    Picture field({4096, height});
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < 2048; ++x)
+            field.at(x, y) = {1.5F * light, light, 0.5F * light, 1.0F};
+    }
+    const Picture tiles = evaluate(u"crt-abl-tiles"_s, {{.picture = &field}}, {256, 240});
+    const Picture rows = evaluate(u"crt-abl-reduce"_s, {{.picture = &tiles}}, {256, 30});
+    const Picture few = evaluate(u"crt-abl-reduce"_s, {{.picture = &rows}}, {8, 30});
+    const Picture gain =
+            evaluate(u"crt-abl"_s, {{.picture = &few}}, {1, 1},
+                     {{u"abl_strength"_s, strength}, {u"abl_current_limit"_s, budget}});
+    QVERIFY2(std::fabs(double(gain.at(0, 0)[0]) - expected) < 2e-5,
+             number(gain.at(0, 0)[0]).constData());
+}
+
+// It goes the share 1 - exp(-t / 0.25 s) of its way, from 1 to 0.5.
+void TestCrtScreen::limiterTakesItsTime_data()
+{
+    QTest::addColumn<float>("last");
+    QTest::addColumn<float>("wanted");
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<float>("expected");
+    QTest::newRow("down, 60 Hz") << 1.0F << 0.5F << 1.0F / 60.0F << 0.967753F;
+    QTest::newRow("down, 120 Hz") << 1.0F << 0.5F << 1.0F / 120.0F << 0.983607F;
+    QTest::newRow("down, 50 Hz") << 1.0F << 0.5F << 1.0F / 50.0F << 0.961558F;
+    QTest::newRow("down, time unknown") << 1.0F << 0.5F << 0.0F << 0.967753F;
+    QTest::newRow("down, a quarter of a second") << 1.0F << 0.5F << 0.25F << 0.683940F;
+    QTest::newRow("up") << 0.5F << 1.0F << 1.0F / 60.0F << 0.532247F;
+    QTest::newRow("settled") << 0.75F << 0.75F << 1.0F / 60.0F << 0.75F;
+    QTest::newRow("the last bit") << 0.75F + 1.0F / 4096.0F << 0.75F << 1.0F / 60.0F << 0.75F;
+    QTest::newRow("nearly the last bit")
+            << 0.75F + 1.0F / 1024.0F << 0.75F << 1.0F / 60.0F << 0.75F + 1.0F / 2048.0F;
+}
+
+void TestCrtScreen::limiterTakesItsTime()
+{
+    QFETCH(float, last);
+    QFETCH(float, wanted);
+    QFETCH(float, seconds);
+    QFETCH(float, expected);
+    const Picture light = flat({2, 2}, 2.0F, 1.0F, 0.5F, wanted);
+    const Picture history = flat({2, 2}, 0.0F, 0.0F, 0.0F, last);
+    const Picture limited =
+            evaluate(u"crt-persistence"_s, {{.picture = &light}, {.picture = &history}}, {2, 2},
+                     {{u"persist_r"_s, 0.0F}, {u"persist_g"_s, 0.0F}, {u"persist_b"_s, 0.0F}},
+                     [seconds](FrameState &state) { state.frameSeconds = seconds; });
+    QVERIFY2(std::fabs(limited.at(0, 0)[3] - expected) < 2e-6F,
+             number(limited.at(0, 0)[3]).constData());
+    QVERIFY(difference(limited, flat({2, 2}, 2.0F * expected, expected, 0.5F * expected)) < 4e-6F);
+}
+
+void TestCrtScreen::persistence_data()
+{
+    QTest::addColumn<float>("retention");
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<float>("expected"); // of a history of 1 under no new light
+    QTest::newRow("none") << 0.0F << 1.0F / 60.0F << 0.0F;
+    QTest::newRow("half at 60 Hz") << 0.5F << 1.0F / 60.0F << 0.5F;
+    QTest::newRow("half at 120 Hz") << 0.5F << 1.0F / 120.0F << 0.70711F;
+    QTest::newRow("half at 30 Hz") << 0.5F << 1.0F / 30.0F << 0.25F;
+    QTest::newRow("half, time unknown") << 0.5F << 0.0F << 0.5F;
+}
+
+void TestCrtScreen::persistence()
+{
+    QFETCH(float, retention);
+    QFETCH(float, seconds);
+    QFETCH(float, expected);
+    const Params params = {
+            {u"persist_r"_s, retention}, {u"persist_g"_s, 0.0F}, {u"persist_b"_s, 0.0F}};
+    const Tweak time = [seconds](FrameState &state) { state.frameSeconds = seconds; };
+    const Picture dark = flat({2, 2}, 0.0F, 0.0F, 0.0F);
+    const Picture last = grey({2, 2}, 1.0F);
+    const Picture tail = evaluate(u"crt-persistence"_s, {{.picture = &dark}, {.picture = &last}},
+                                  {2, 2}, params, time);
+    QVERIFY(std::fabs(tail.at(0, 0)[0] - expected) < kRounding);
+    QCOMPARE(tail.at(0, 0)[1], 0.0F);
+    QCOMPARE(tail.at(0, 0)[3], 1.0F);
+    // New light is not added to the tail.
+    const Picture bright = grey({2, 2}, 2.0F);
+    const Picture held = evaluate(u"crt-persistence"_s, {{.picture = &bright}, {.picture = &last}},
+                                  {2, 2}, params, time);
+    QCOMPARE(held.at(0, 0)[0], 2.0F);
+}
+
+// White keeps its luminance, the limiter's gain is handed on in alpha.
+void TestCrtScreen::driveBalancesTheGuns_data()
+{
+    QTest::addColumn<Params>("params");
+    QTest::addColumn<Pixel>("expected"); // of 0.8, 0.4, 0.2 and a gain of 0.75
+    const auto row = [](const char *name, float temperature, float monochrome, float warmth,
+                        const Pixel &expected) {
+        QTest::newRow(name) << Params({{u"color_temperature"_s, temperature},
+                                       {u"desaturate"_s, monochrome},
+                                       {u"mono_warmth"_s, warmth}})
+                            << expected;
+    };
+    row("D65", 0.0F, 0.0F, 0.5F, {0.8F, 0.4F, 0.2F, 0.75F});
+    row("halfway", 0.5F, 0.0F, 0.5F, {0.738727F, 0.402199F, 0.234226F, 0.75F});
+    row("D93", 1.0F, 0.0F, 0.5F, {0.677454F, 0.404398F, 0.268452F, 0.75F});
+    row("cool phosphor", 0.0F, 1.0F, 0.0F, {0.531851F, 0.425284F, 0.272216F, 0.75F});
+    row("paper-white phosphor, which is no matter of temperature", 1.0F, 1.0F, 1.0F,
+        {0.941171F, 0.390247F, 0.144356F, 0.75F});
+}
+
+void TestCrtScreen::driveBalancesTheGuns()
+{
+    QFETCH(Params, params);
+    QFETCH(Pixel, expected);
+    const Picture gain = flat({1, 1}, 0.75F, 0.75F, 0.75F);
+    const Picture light = flat({4, 4}, 0.8F, 0.4F, 0.2F);
+    const Picture driven =
+            evaluate(u"crt-drive"_s, {{.picture = &gain}, {.picture = &light}}, {4, 4}, params);
+    QVERIFY2(difference(driven, Picture({4, 4}, expected)) < 2e-6F,
+             number(difference(driven, Picture({4, 4}, expected))).constData());
+    QCOMPARE(driven.at(0, 0)[3], expected[3]);
+}
+
+// CIE 15's daylight, in equal steps of its reciprocal temperature; P4 and D50 for monochrome tubes.
+void TestCrtScreen::colourTemperature_data()
+{
+    QTest::addColumn<float>("temperature");
+    QTest::addColumn<float>("monochrome");
+    QTest::addColumn<float>("warmth");
+    QTest::addColumn<Chromaticity>("expected");
+    QTest::newRow("6504 K") << 0.0F << 0.0F << 0.0F << Chromaticity({0.3127, 0.3291});
+    QTest::newRow("7033 K") << 0.25F << 0.0F << 0.0F << Chromaticity({0.3049, 0.3212});
+    QTest::newRow("7655 K") << 0.5F << 0.0F << 0.0F << Chromaticity({0.2974, 0.3131});
+    QTest::newRow("8398 K") << 0.75F << 0.0F << 0.0F << Chromaticity({0.2901, 0.3051});
+    QTest::newRow("9300 K") << 1.0F << 0.0F << 0.0F << Chromaticity({0.2831, 0.2971});
+    QTest::newRow("P4") << 0.0F << 1.0F << 0.0F << Chromaticity({0.270, 0.300});
+    QTest::newRow("D50") << 0.0F << 1.0F << 1.0F << Chromaticity({0.3457, 0.3585});
+}
+
+void TestCrtScreen::colourTemperature()
+{
+    QFETCH(float, temperature);
+    QFETCH(float, monochrome);
+    QFETCH(float, warmth);
+    QFETCH(Chromaticity, expected);
+    const Picture gain = grey({1, 1}, 1.0F);
+    const Picture white = grey({4, 4}, 1.0F);
+    const Picture driven =
+            evaluate(u"crt-drive"_s, {{.picture = &gain}, {.picture = &white}}, {4, 4},
+                     {{u"color_temperature"_s, temperature},
+                      {u"desaturate"_s, monochrome},
+                      {u"mono_warmth"_s, warmth}});
+    const Pixel &pixel = driven.at(0, 0);
+    const Chromaticity found = chromaticity(double(pixel[0]), double(pixel[1]), double(pixel[2]));
+    QVERIFY2(std::fabs(found[0] - expected[0]) < 0.003, number(found[0]).constData());
+    QVERIFY2(std::fabs(found[1] - expected[1]) < 0.003, number(found[1]).constData());
+}
+
+// The light of one point, in parts of the picture's height: halation_sigma / 240, and the wide halo
+// four times that; the grids add a little.
+void TestCrtScreen::haloIsRound_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<float>("sigma");
+    QTest::addColumn<bool>("isWide");
+    for (const QSize size : {QSize(640, 480), QSize(1440, 1080), QSize(854, 480), QSize(1920, 1080),
+                             QSize(480, 640)}) {
+        for (const float sigma : {3.0F, 8.0F}) {
+            QTest::addRow("%dx%d, %g", size.width(), size.height(), double(sigma))
+                    << size << sigma << false;
+        }
+        QTest::addRow("%dx%d, wide", size.width(), size.height()) << size << 3.0F << true;
+    }
+}
+
+void TestCrtScreen::haloIsRound()
+{
+    QFETCH(QSize, size);
+    QFETCH(float, sigma);
+    QFETCH(bool, isWide);
+    Picture point(size, {0.0F, 0.0F, 0.0F, 1.0F});
+    point.at(size.width() / 2, size.height() / 2) = {100.0F, 100.0F, 100.0F, 1.0F};
+    const Params params = {{u"halation_sigma"_s, sigma}};
+    Picture halo = evaluate(u"crt-optics-down"_s, {{.picture = &point}}, {320, 240});
+    const double light = mean(halo, 1);
+    const auto blur = [&](const char *component) {
+        const Picture last = halo;
+        halo = evaluate(QString::fromLatin1(component), {{.picture = &last, .linearFilter = true}},
+                        last.size, params);
+    };
+    if (isWide) {
+        const Picture last = halo;
+        halo = evaluate(u"crt-halation-wide-down"_s, {{.picture = &last}}, {80, 60});
+    }
+    blur("crt-halation-blur-h");
+    blur("crt-halation-blur-v");
+    QVERIFY(std::fabs(mean(halo, 1) / light - 1.0) < 1e-3);
+    QList<double> across(halo.size.width());
+    QList<double> down(halo.size.height());
+    for (int y = 0; y < halo.size.height(); ++y) {
+        for (int x = 0; x < halo.size.width(); ++x) {
+            across[x] += double(halo.at(x, y)[1]);
+            down[y] += double(halo.at(x, y)[1]);
+        }
+    }
+    const double aspect = double(size.width()) / size.height();
+    const double wide = spread(across).sigma / halo.size.width() * aspect;
+    const double high = spread(down).sigma / halo.size.height();
+    const double expected = double(sigma) / (isWide ? 60.0 : 240.0);
+    QVERIFY2(std::fabs(high / expected - 1.0) < 0.03, number(high / expected).constData());
+    QVERIFY2(std::fabs(wide / high - 1.0) < 0.03, number(wide / high).constData());
+}
+
+// At every softness; touching dots lose a little where their edges meet.
+void TestCrtScreen::maskTransmission_data()
+{
+    QTest::addColumn<float>("type");
+    QTest::addColumn<float>("duty");
+    QTest::addColumn<float>("edge");
+    QTest::addColumn<double>("expected");
+    for (const float edge : {0.0F, 0.06F, 0.12F, 0.2F}) {
+        const auto row = [edge](const char *name, float type, float duty, double expected) {
+            QTest::addRow("%s, softness %g", name, double(edge))
+                    << type << duty << edge << expected;
+        };
+        row("grille", 0.0F, 0.7F, 0.7 / 3.0);
+        row("narrow grille", 0.0F, 0.4F, 0.4 / 3.0);
+        row("open grille", 0.0F, 1.0F, 1.0 / 3.0);
+        row("dots", 1.0F, 0.7F, 7.0 * 3.14159265 * 0.7 / 72.0);
+        row("small dots", 1.0F, 0.4F, 7.0 * 3.14159265 * 0.4 / 72.0);
+        row("touching dots", 1.0F, 1.0F, 7.0 * 3.14159265 / 72.0);
+        row("slots", 2.0F, 0.55F, 0.8 * 0.55 / 3.0);
+        row("open slots", 2.0F, 1.0F, 0.8 / 3.0);
+    }
+}
+
+void TestCrtScreen::maskTransmission()
+{
+    QFETCH(float, type);
+    QFETCH(float, duty);
+    QFETCH(float, edge);
+    QFETCH(double, expected);
+    const Picture tile = phosphorTile(type, duty, edge);
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY2(std::fabs(mean(tile, c) - expected) < 1e-3, number(mean(tile, c)).constData());
+    QVERIFY2(std::fabs(mean(tile, 3) - expected) < 1e-3, number(mean(tile, 3)).constData());
+    for (const Pixel &pixel : tile.pixels)
+        QVERIFY(*std::min_element(pixel.begin(), pixel.end()) >= 0.0F
+                && *std::max_element(pixel.begin(), pixel.end()) <= 1.0F);
+}
+
+// In pixels at a height of 960, and in proportion at others.
+void TestCrtScreen::maskPitch_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<float>("pitch");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("6 at 960") << QSize(400, 960) << 6.0F << 6.0;
+    QTest::newRow("4.188482 at 960") << QSize(400, 960) << 4.188482F << 4.188;
+    QTest::newRow("12 at 480") << QSize(400, 480) << 12.0F << 6.0;
+    QTest::newRow("9 at 720") << QSize(700, 720) << 9.0F << 6.75;
+    QTest::newRow("2.5 at 2160") << QSize(700, 2160) << 2.5F << 5.625;
+}
+
+void TestCrtScreen::maskPitch()
+{
+    QFETCH(QSize, size);
+    QFETCH(float, pitch);
+    QFETCH(double, expected);
+    const Params params = with(kScreen, {{u"mask_pitch"_s, pitch}, {u"mask_strength"_s, 1.0F}});
+    const Picture shown = lightOf(screen(grey(size, 0.2F), params));
+    const double found = period(row(shown, size.height() / 2));
+    QVERIFY2(std::fabs(found / expected - 1.0) < 0.003, number(found).constData());
+}
+
+// Whatever the pitch in pixels: what the peak cannot show of an open part goes to the rest.
+void TestCrtScreen::maskKeepsTheMean_data()
+{
+    QTest::addColumn<float>("pitch"); // in pixels
+    QTest::addColumn<float>("light");
+    for (const float pitch : {1.57F, 2.3F, 4.7F, 9.4F}) {
+        for (const float light : {0.05F, 0.2F, 0.5F, 0.6F})
+            QTest::addRow("pitch %g, light %g", double(pitch), double(light)) << pitch << light;
+    }
+}
+
+void TestCrtScreen::maskKeepsTheMean()
+{
+    QFETCH(float, pitch);
+    QFETCH(float, light);
+    const QSize size(940, 96);
+    const Params params =
+            with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, 0.9F}});
+    const Picture shown = lightOf(screen(grey(size, light), params));
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY2(std::fabs(mean(shown, c) / double(light) - 1.0) < 0.01,
+                 number(mean(shown, c)).constData());
+}
+
+// Light of 1 under masks of several strengths: how bright it is, and how deep the mask.
+void TestCrtScreen::whiteKeepsItsMask_data()
+{
+    QTest::addColumn<float>("strength");
+    QTest::addColumn<float>("pitch"); // in pixels
+    QTest::addColumn<float>("headroom"); // 0: SDR
+    QTest::addColumn<double>("light");
+    QTest::addColumn<double>("deepest"); // the darkest pixel's light over the mean
+    QTest::newRow("SDR, none") << 0.0F << 8.0F << 0.0F << 0.908 << 1.0;
+    QTest::newRow("SDR, 0.65") << 0.65F << 8.0F << 0.0F << 0.826 << 0.936;
+    QTest::newRow("SDR, 0.9") << 0.9F << 8.0F << 0.0F << 0.789 << 0.918;
+    QTest::newRow("SDR, 1") << 1.0F << 8.0F << 0.0F << 0.773 << 0.911;
+    QTest::newRow("SDR, 0.9, of few pixels") << 0.9F << 2.3F << 0.0F << 0.789 << 0.8;
+    QTest::newRow("HDR, 0.9") << 0.9F << 8.0F << 8.0F << 1.0 << 0.1;
+}
+
+void TestCrtScreen::whiteKeepsItsMask()
+{
+    QFETCH(float, strength);
+    QFETCH(float, pitch);
+    QFETCH(float, headroom);
+    QFETCH(double, light);
+    QFETCH(double, deepest);
+    const Params params =
+            with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, strength}});
+    const Picture shown = lightOf(
+            screen(grey({800, 96}, 1.0F), params, headroom > 0.0F ? hdr(headroom) : Tweak()));
+    QVERIFY2(std::fabs(mean(shown, 1) / light - 1.0) < 0.005, number(mean(shown, 1)).constData());
+    const QList<double> greens = row(shown, 48);
+    const double darkest = *std::ranges::min_element(greens) / mean(shown, 1);
+    QVERIFY2(std::fabs(darkest - deepest) < 0.01, number(darkest).constData());
+    const double peak = headroom > 0.0F ? double(headroom) : 1.0;
+    QVERIFY(*std::ranges::max_element(greens) < peak + 1e-3);
+    if (strength > 0.0F && headroom == 0.0F)
+        QVERIFY2(*std::ranges::max_element(greens) > 0.96,
+                 number(*std::ranges::max_element(greens)).constData());
+}
+
+// Of a bright skin tone red alone gives way on a display without headroom.
+void TestCrtScreen::highlightsBendEachGunAlone()
+{
+    const Picture skin = flat({800, 96}, 0.9F, 0.5F, 0.35F);
+    const Params params = with(kScreen, {{u"mask_pitch"_s, 40.0F}, {u"mask_strength"_s, 0.9F}});
+    const Picture shown = lightOf(screen(skin, params));
+    QVERIFY2(std::fabs(mean(shown, 0) - 0.769) < 0.005, number(mean(shown, 0)).constData());
+    QVERIFY2(std::fabs(mean(shown, 1) - 0.5) < 0.005, number(mean(shown, 1)).constData());
+    QVERIFY2(std::fabs(mean(shown, 2) - 0.35) < 0.005, number(mean(shown, 2)).constData());
+}
+
+void TestCrtScreen::screenHighlights_data()
+{
+    QTest::addColumn<Params>("changes");
+    QTest::addColumn<float>("headroom"); // 0: SDR
+    QTest::addColumn<float>("light");
+    QTest::addColumn<double>("expected"); // light
+    QTest::newRow("SDR") << Params() << 0.0F << 0.5F << 0.5;
+    QTest::newRow("SDR ends at white") << Params() << 0.0F << 3.0F << 1.0;
+    QTest::newRow("SDR knows no reference white")
+            << Params({{u"crt_white"_s, 400.0F}}) << 0.0F << 0.5F << 0.5;
+    QTest::newRow("HDR below the knee") << Params() << 4.0F << 3.0F << 3.0;
+    QTest::newRow("HDR above the knee") << Params() << 4.0F << 4.0F << 4.0 - std::exp(-1.0);
+    QTest::newRow("HDR far above") << Params() << 4.0F << 1000.0F << 4.0;
+    QTest::newRow("HDR with a peak of its own")
+            << Params({{u"hdr_peak"_s, 2.0F}}) << 4.0F << 1000.0F << 2.0;
+    QTest::newRow("HDR with a brighter tube")
+            << Params({{u"crt_white"_s, 200.0F}}) << 4.0F << 0.5F << 1.0;
+    for (const float gamut : {1.0F, 2.0F, 3.0F}) {
+        QTest::addRow("white in gamut %g", double(gamut))
+                << Params({{u"phosphor_gamut"_s, gamut}}) << 0.0F << 0.5F << 0.5;
+    }
+    QTest::newRow("room light") << Params({{u"black_floor"_s, 0.1F}}) << 0.0F << 0.0F << 0.1;
+}
+
+void TestCrtScreen::screenHighlights()
+{
+    QFETCH(Params, changes);
+    QFETCH(float, headroom);
+    QFETCH(float, light);
+    QFETCH(double, expected);
+    const Picture field = grey({40, 30}, light);
+    const Picture shown =
+            screen(field, with(kScreen, changes), headroom > 0.0F ? hdr(headroom) : Tweak());
+    const auto signal = float(encoded(expected));
+    QVERIFY2(difference(shown, grey(shown.size, signal)) < 1e-4F,
+             QByteArray::number(difference(shown, grey(shown.size, signal))).constData());
+}
+
+// Darker with the square of the distance from the middle; the strength is what the corners lose.
+void TestCrtScreen::vignette_data()
+{
+    QTest::addColumn<float>("strength");
+    QTest::addColumn<QPointF>("at");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("off, in a corner") << 0.0F << QPointF(0.0, 0.0) << 0.5;
+    QTest::newRow("middle") << 0.4F << QPointF(0.5, 0.5) << 0.5;
+    QTest::newRow("middle of an edge") << 0.4F << QPointF(1.0, 0.5) << 0.4;
+    QTest::newRow("middle of the upper edge") << 0.4F << QPointF(0.5, 0.0) << 0.4;
+    QTest::newRow("corner") << 0.4F << QPointF(0.0, 1.0) << 0.3;
+    QTest::newRow("halfway to a corner") << 0.4F << QPointF(0.25, 0.25) << 0.45;
+}
+
+void TestCrtScreen::vignette()
+{
+    QFETCH(float, strength);
+    QFETCH(QPointF, at);
+    QFETCH(double, expected);
+    const Picture shown = lightOf(
+            screen(grey({401, 301}, 0.5F), with(kScreen, {{u"vignette_strength"_s, strength}})));
+    const auto light = double(shown.at(int(at.x() * 400.0), int(at.y() * 300.0))[1]);
+    QVERIFY2(std::fabs(light - expected) < 1.5e-3, number(light).constData());
+}
+
+// In parts of the height: what four quarter circles leave of their squares is dark.
+void TestCrtScreen::cornerRadius_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<float>("radius");
+    QTest::newRow("none") << QSize(400, 300) << 0.0F;
+    QTest::newRow("0.05") << QSize(400, 300) << 0.05F;
+    QTest::newRow("0.1") << QSize(400, 300) << 0.1F;
+    QTest::newRow("0.1, 16:9") << QSize(960, 540) << 0.1F;
+}
+
+void TestCrtScreen::cornerRadius()
+{
+    QFETCH(QSize, size);
+    QFETCH(float, radius);
+    const Picture shown =
+            lightOf(screen(grey(size, 0.5F), with(kScreen, {{u"corner_radius"_s, radius}})));
+    const double pixels = double(radius) * size.height();
+    const double dark = (4.0 - 3.14159265) * pixels * pixels;
+    const double found = (1.0 - mean(shown, 1) / 0.5) * size.width() * size.height();
+    QVERIFY2(std::fabs(found - dark) < 0.01 * dark + 1.0, number(found).constData());
+    // Of the corner's diagonal the dark part is (sqrt 2 - 1) / sqrt 2 of the radius, both ways.
+    int first = 0;
+    while (shown.at(first, first)[1] < 0.25F)
+        ++first;
+    QVERIFY2(std::fabs(first - 0.292893 * pixels) < 1.0, number(first).constData());
+    QVERIFY(shown.at(size.width() / 2, 0)[1] > 0.49F);
+    QVERIFY(shown.at(0, size.height() / 2)[1] > 0.49F);
+}
+
+// The corners are drawn in, to where s (1 + 8 b s^2) / (1 + b) is a half; the edges' middles stay.
+void TestCrtScreen::curvatureOfTheFace_data()
+{
+    QTest::addColumn<float>("barrel");
+    QTest::addColumn<double>("expected"); // from the middle to a corner, in parts of the diagonal
+    QTest::newRow("flat") << 0.0F << 0.5;
+    QTest::newRow("0.03") << 0.03F << 0.48724;
+    QTest::newRow("0.15") << 0.15F << 0.45898;
+}
+
+void TestCrtScreen::curvatureOfTheFace()
+{
+    QFETCH(float, barrel);
+    QFETCH(double, expected);
+    const Picture shown = lightOf(
+            screen(grey({800, 800}, 0.5F), with(kScreen, {{u"barrel_distortion"_s, barrel}})));
+    for (const bool isLower : {false, true}) {
+        double lit = 0.0;
+        for (int i = 0; i < 400; ++i)
+            lit += double(shown.at(399 - i, isLower ? 400 + i : 399 - i)[1]) / 0.5 / 800.0;
+        QVERIFY2(std::fabs(lit - expected) < 1.5e-3, number(lit).constData());
+    }
+    QVERIFY(shown.at(400, 0)[1] > 0.49F);
+    QVERIFY(shown.at(799, 400)[1] > 0.49F);
+}
+
+// A line of the picture, at `line` of its width or height, is drawn at `expected` of the screen's:
+// overscan is in heights, and the curved face has its middle rows and columns straight.
+void TestCrtScreen::pictureOnTheFace_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<float>("overscan");
+    QTest::addColumn<float>("barrel");
+    QTest::addColumn<bool>("isColumn");
+    QTest::addColumn<double>("line");
+    QTest::addColumn<double>("expected");
+    const QSize usual(640, 480);
+    const QSize wide(960, 540);
+    // 0.5 + (line - 0.5) / (1 - 2 overscan), across with overscan / aspect.
+    QTest::newRow("column") << usual << 0.0F << 0.0F << true << 0.25 << 0.25;
+    QTest::newRow("row") << usual << 0.0F << 0.0F << false << 0.25 << 0.25;
+    QTest::newRow("column, overscan") << usual << 0.1F << 0.0F << true << 0.25 << 0.205882;
+    QTest::newRow("row, overscan") << usual << 0.1F << 0.0F << false << 0.25 << 0.1875;
+    QTest::newRow("column, overscan, 16:9") << wide << 0.1F << 0.0F << true << 0.25 << 0.218310;
+    QTest::newRow("row, overscan, 16:9") << wide << 0.1F << 0.0F << false << 0.25 << 0.1875;
+    // s (1 + 4 b s^2) / (1 + b) = 0.25 for s from the middle.
+    QTest::newRow("column, curved") << usual << 0.0F << 0.15F << true << 0.25 << 0.224981;
+    QTest::newRow("row, curved") << usual << 0.0F << 0.15F << false << 0.25 << 0.224981;
+}
+
+void TestCrtScreen::pictureOnTheFace()
+{
+    QFETCH(QSize, size);
+    QFETCH(float, overscan);
+    QFETCH(float, barrel);
+    QFETCH(bool, isColumn);
+    QFETCH(double, line);
+    QFETCH(double, expected);
+    Picture picture({320, 240}, {0.0F, 0.0F, 0.0F, 1.0F});
+    const int at = int(line * (isColumn ? 320 : 240));
+    // Two texels, on either side of the place.
+    for (const int i : {at - 1, at}) {
+        for (int along = 0; along < (isColumn ? 240 : 320); ++along)
+            picture.at(isColumn ? i : along, isColumn ? along : i) = {1.0F, 1.0F, 1.0F, 1.0F};
+    }
+    const Picture drawn = evaluate(
+            u"crt-scanline"_s, {{.picture = &picture, .linearFilter = true}}, size,
+            with(kScanline, {{u"overscan"_s, overscan}, {u"barrel_distortion"_s, barrel}}));
+    const double found = isColumn ? spread(row(drawn, size.height() / 2)).centre / size.width()
+                                  : spread(column(drawn, size.width() / 2)).centre / size.height();
+    QVERIFY2(std::fabs(found - expected) < 1e-3, number(found).constData());
+}
+
+QTEST_GUILESS_MAIN(TestCrtScreen)
+#include "tst_CrtScreen.moc"

@@ -1,0 +1,255 @@
+#include "ShaderTesting.h"
+
+#include <QTest>
+
+#include <array>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+using namespace RenderGraphManifestData;
+
+// How much light whole presets keep at their own values, on flat fields and over time.
+
+namespace {
+
+constexpr QSize kSource(80, 120); // which a raster of 240 lines shows
+constexpr QSize kViewport(320, 720); // narrow, as all that counts here is down the picture
+constexpr float kHeadroom = 4.0F;
+
+// In parts of the source's light: 18 % and 50 % of reference white, and white.
+using Kept = std::array<double, 3>;
+constexpr std::array<double, 3> kLevels = {0.18, 0.5, 1.0};
+
+struct Stated
+{
+    const char *preset;
+    Kept sdr;
+    Kept hdr;
+};
+
+// A table stays a table.
+// clang-format off
+
+// A row that fails prints what it measured: copy that here if the preset was meant to change.
+constexpr Stated kStated[] = {
+    // The tubes: greys are right, but for what their gamma does (crt-pc 2.2 above a toe, crt-consumer
+    // 2.5). Full white is limited to .79. In SDR bright greys and white give way to the mask, the more
+    // the finer the lines. In HDR all is as much brighter as crt_white says.
+    {"crt-pvm", {1.00, 0.87, 0.63}, {1.00, 0.95, 0.79}},
+    {"crt-bvm", {0.96, 0.75, 0.53}, {0.96, 0.94, 0.79}},
+    {"crt-arcade", {1.00, 0.92, 0.68}, {1.21, 1.14, 0.94}},
+    {"crt-pc", {1.11, 0.95, 0.70}, {1.11, 1.00, 0.79}},
+    {"crt-bw", {1.00, 0.93, 0.76}, {1.20, 1.12, 0.93}},
+    {"crt-consumer", {0.95, 0.88, 0.66}, {1.34, 1.29, 1.09}},
+    // The panels: a gamma of 2.8 and dark gaps; a backing that never is black; grey cells on green.
+    {"gba-lcd", {0.60, 0.71, 0.71}, {0.60, 0.72, 0.75}},
+    {"gameboy-lcd", {1.05, 0.87, 0.74}, {1.05, 0.88, 0.77}},
+    {"dmg-lcd", {0.83, 0.49, 0.41}, {0.84, 0.51, 0.44}},
+    // These leave the light as it is.
+    {"no-pixels", {1.00, 1.00, 1.00}, {1.00, 1.00, 1.00}},
+    {"rewind", {1.00, 1.00, 1.00}, {1.00, 1.00, 1.00}},
+    {"stock", {1.00, 1.00, 1.00}, {1.00, 1.00, 1.00}},
+};
+
+// clang-format on
+
+FrameState stateOf(const PresetEntry &preset, bool isHdr)
+{
+    return {.params = initialParams(preset),
+            .viewport = kViewport,
+            .hdrOutputActive = isHdr,
+            .hdrHeadroom = isHdr ? kHeadroom : 1.0F};
+}
+
+// Linear light, the mean over a part of the shown picture: what is closer to its middle than these
+// parts of its size.
+Pixel lightOf(const Picture &shown, bool isHdr, double reach = 0.25)
+{
+    std::array<double, 3> sum = {};
+    int count = 0;
+    for (int y = 0; y < shown.size.height(); ++y) {
+        for (int x = 0; x < shown.size.width(); ++x) {
+            if (std::fabs((x + 0.5) / shown.size.width() - 0.5) > reach
+                || std::fabs((y + 0.5) / shown.size.height() - 0.5) > reach)
+                continue;
+            ++count;
+            for (std::size_t c = 0; c < 3; ++c) {
+                const auto value = double(shown.at(x, y)[c]);
+                sum[c] += isHdr ? value : decoded(value);
+            }
+        }
+    }
+    return {float(sum[0] / count), float(sum[1] / count), float(sum[2] / count), 1.0F};
+}
+
+double luminance(const Pixel &light)
+{
+    return 0.2126 * double(light[0]) + 0.7152 * double(light[1]) + 0.0722 * double(light[2]);
+}
+
+// White where it is closer to the middle than this part of the picture's size.
+Picture whitePatch(double reach)
+{
+    Picture picture(kSource, {0.0F, 0.0F, 0.0F, 1.0F});
+    for (int y = 0; y < kSource.height(); ++y) {
+        for (int x = 0; x < kSource.width(); ++x) {
+            if (std::fabs((x + 0.5) / kSource.width() - 0.5) < reach
+                && std::fabs((y + 0.5) / kSource.height() - 0.5) < reach)
+                picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
+        }
+    }
+    return picture;
+}
+
+} // namespace
+
+class TestPresetLight : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyPresetIsStated();
+    void lightIsKept_data();
+    void lightIsKept();
+    void whiteIsOfItsColour_data();
+    void whiteIsOfItsColour();
+    void fullWhiteIsLimited_data();
+    void fullWhiteIsLimited();
+    void limiterTakesItsTime_data();
+    void limiterTakesItsTime();
+};
+
+void TestPresetLight::everyPresetIsStated()
+{
+    QCOMPARE(std::size(kStated), std::size(kPresets));
+    for (std::size_t i = 0; i < std::size(kPresets); ++i)
+        QCOMPARE(&presetEntry(QString::fromLatin1(kStated[i].preset)), &kPresets[i]);
+}
+
+// Over the middle of the screen, within 3 %.
+void TestPresetLight::lightIsKept_data()
+{
+    QTest::addColumn<const PresetEntry *>("preset");
+    QTest::addColumn<bool>("isHdr");
+    QTest::addColumn<double>("level");
+    QTest::addColumn<double>("stated");
+    for (const Stated &row : kStated) {
+        for (const bool isHdr : {false, true}) {
+            for (std::size_t i = 0; i < kLevels.size(); ++i) {
+                QTest::addRow("%s %s %g %%", row.preset, isHdr ? "HDR" : "SDR", 100.0 * kLevels[i])
+                        << &presetEntry(QString::fromLatin1(row.preset)) << isHdr << kLevels[i]
+                        << (isHdr ? row.hdr : row.sdr)[i];
+            }
+        }
+    }
+}
+
+void TestPresetLight::lightIsKept()
+{
+    QFETCH(const PresetEntry *, preset);
+    QFETCH(bool, isHdr);
+    QFETCH(double, level);
+    QFETCH(double, stated);
+    PresetDrawing drawing(*preset);
+    const Picture shown =
+            drawing.draw(grey(kSource, float(encoded(level))), stateOf(*preset, isHdr));
+    const double kept = luminance(lightOf(shown, isHdr)) / level;
+    QVERIFY2(std::fabs(kept / stated - 1.0) < 0.03, QByteArray::number(kept).constData());
+}
+
+// CIE 15's daylight at color_temperature's place between D65 and D93 in reciprocal temperature, and
+// for crt-bw the mix of the phosphors' whites.
+void TestPresetLight::whiteIsOfItsColour_data()
+{
+    QTest::addColumn<QString>("preset");
+    QTest::addColumn<double>("x");
+    QTest::addColumn<double>("y");
+    QTest::newRow("crt-pvm, 6504 K") << u"crt-pvm"_s << 0.3127 << 0.3291;
+    QTest::newRow("crt-bvm, 6504 K") << u"crt-bvm"_s << 0.3127 << 0.3291;
+    QTest::newRow("crt-arcade, 7269 K") << u"crt-arcade"_s << 0.3019 << 0.3180;
+    QTest::newRow("crt-pc, 7655 K") << u"crt-pc"_s << 0.2974 << 0.3131;
+    QTest::newRow("crt-bw, a fifth of the way from P4 to D50") << u"crt-bw"_s << 0.2851 << 0.3117;
+    QTest::newRow("crt-consumer, 7269 K") << u"crt-consumer"_s << 0.3019 << 0.3180;
+}
+
+void TestPresetLight::whiteIsOfItsColour()
+{
+    QFETCH(QString, preset);
+    QFETCH(double, x);
+    QFETCH(double, y);
+    const PresetEntry &entry = presetEntry(preset);
+    PresetDrawing drawing(entry);
+    const Pixel light = lightOf(drawing.draw(grey(kSource, 1.0F), stateOf(entry, true)), true);
+    const auto red = double(light[0]);
+    const auto green = double(light[1]);
+    const auto blue = double(light[2]);
+    const double bigX = 0.4123908 * red + 0.3575843 * green + 0.1804808 * blue;
+    const double bigY = 0.2126390 * red + 0.7151687 * green + 0.0721923 * blue;
+    const double bigZ = 0.0193308 * red + 0.1191948 * green + 0.9505322 * blue;
+    const double sum = bigX + bigY + bigZ;
+    QVERIFY2(std::fabs(bigX / sum - x) < 0.003, QByteArray::number(bigX / sum).constData());
+    QVERIFY2(std::fabs(bigY / sum - y) < 0.003, QByteArray::number(bigY / sum).constData());
+}
+
+// At the presets' own values full white has .79 of the light of a small patch, as long as the
+// display can show either.
+void TestPresetLight::fullWhiteIsLimited_data()
+{
+    QTest::addColumn<QString>("preset");
+    for (const char *name :
+         {"crt-pvm", "crt-bvm", "crt-arcade", "crt-pc", "crt-bw", "crt-consumer"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestPresetLight::fullWhiteIsLimited()
+{
+    QFETCH(QString, preset);
+    const PresetEntry &entry = presetEntry(preset);
+    PresetDrawing drawing(entry);
+    FrameState state = stateOf(entry, true);
+    state.hdrHeadroom = 40.0F;
+    const auto centre = [&](double reach) {
+        PresetDrawing settled(entry);
+        return luminance(lightOf(settled.draw(whitePatch(reach), state), true, 0.05));
+    };
+    const double share = centre(0.5) / centre(0.15);
+    QVERIFY2(std::fabs(share - 0.794) < 0.012, QByteArray::number(share).constData());
+}
+
+// White comes up at full screen: after the time t its gain is 0.794 + 0.206 exp(-t / 0.25 s),
+// as nearly as half floats can follow it.
+void TestPresetLight::limiterTakesItsTime_data()
+{
+    QTest::addColumn<int>("rate");
+    for (const int rate : {50, 60, 120})
+        QTest::addRow("%d Hz", rate) << rate;
+}
+
+void TestPresetLight::limiterTakesItsTime()
+{
+    QFETCH(int, rate);
+    const PresetEntry &entry = presetEntry(u"crt-pvm"_s);
+    PresetDrawing drawing(entry);
+    FrameState state = stateOf(entry, true);
+    state.viewport = {32, 24};
+    state.hdrHeadroom = 40.0F;
+    state.frameSeconds = 1.0F / float(rate);
+    const auto next = [&](const Picture &picture) {
+        ++state.frameCount;
+        return luminance(lightOf(drawing.draw(picture, state), true));
+    };
+    const Picture white = grey({8, 6}, 1.0F);
+    const double settled = next(white);
+    PresetDrawing restarted(entry);
+    next(grey({8, 6}, 0.0F));
+    QList<double> shares;
+    for (int frame = 0; frame < rate; ++frame)
+        shares.append(next(white) / settled * 0.793701);
+    const auto after = [&](double seconds) { return shares.at(qRound(seconds * rate) - 1); };
+    QVERIFY2(std::fabs(after(0.1) - 0.932) < 0.008, QByteArray::number(after(0.1)).constData());
+    QVERIFY2(std::fabs(after(0.5) - 0.8216) < 0.008, QByteArray::number(after(0.5)).constData());
+    QVERIFY2(std::fabs(after(1.0) - 0.7975) < 0.008, QByteArray::number(after(1.0)).constData());
+}
+
+QTEST_GUILESS_MAIN(TestPresetLight)
+#include "tst_PresetLight.moc"
