@@ -409,9 +409,9 @@ void TestRenderGraphPreview::badComponents_data()
     QTest::addColumn<QByteArray>("after");
     QTest::addColumn<QByteArray>("message");
     QTest::newRow("syntax")
-            << "void main()"_ba
-            << "void main("_ba
-            << "shaders/vulkan/components/rewind.slang:80: '' : syntax error, unexpected LEFT_BRACE, expecting RIGHT_PAREN"_ba;
+            << "#version 450"_ba
+            << "#version 450\nvoid broken( {}"_ba
+            << "shaders/vulkan/components/rewind.slang:2: '' : syntax error, unexpected LEFT_BRACE, expecting RIGHT_PAREN"_ba;
     QTest::newRow("include")
             << "component.glsl"_ba
             << "none.glsl"_ba
