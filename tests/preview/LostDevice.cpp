@@ -74,7 +74,7 @@ VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofInstance(VkInstance instance, const c
 
 } // namespace
 
-extern "C" VK_LAYER_EXPORT VKAPI_ATTR VkResult VKAPI_CALL
+extern "C" VKAPI_ATTR VkResult VKAPI_CALL
 vkNegotiateLoaderLayerInterfaceVersion(VkNegotiateLayerInterface *pVersionStruct)
 {
     pVersionStruct->loaderLayerInterfaceVersion = 2;
