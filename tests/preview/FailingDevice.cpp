@@ -2,9 +2,11 @@
 #include <vulkan/vulkan.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 
-// A Vulkan layer under which a device is lost with the first work that it is given.
+// A Vulkan layer under which the device's function that FAILING_CALL names fails: vkQueueSubmit for
+// a device that is lost with its first work, or vkAllocateMemory for one that has no memory.
 
 namespace {
 
@@ -56,11 +58,22 @@ VKAPI_ATTR VkResult VKAPI_CALL submit(VkQueue /*queue*/, std::uint32_t /*count*/
     return VK_ERROR_DEVICE_LOST;
 }
 
+VKAPI_ATTR VkResult VKAPI_CALL allocateMemory(VkDevice /*device*/,
+                                              const VkMemoryAllocateInfo * /*info*/,
+                                              const VkAllocationCallbacks * /*allocator*/,
+                                              VkDeviceMemory * /*memory*/)
+{
+    return VK_ERROR_OUT_OF_DEVICE_MEMORY;
+}
+
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofDevice(VkDevice device, const char *name)
 {
-    if (std::strcmp(name, "vkQueueSubmit") == 0)
-        return reinterpret_cast<PFN_vkVoidFunction>(submit);
-    return nextOfDevice(device, name);
+    const char *const failing = std::getenv("FAILING_CALL");
+    if (failing == nullptr || std::strcmp(name, failing) != 0)
+        return nextOfDevice(device, name);
+    return std::strcmp(name, "vkQueueSubmit") == 0
+            ? reinterpret_cast<PFN_vkVoidFunction>(submit)
+            : reinterpret_cast<PFN_vkVoidFunction>(allocateMemory);
 }
 
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofInstance(VkInstance instance, const char *name)
