@@ -37,10 +37,10 @@ constexpr Stated kStated[] = {
     // the finer the lines. In HDR all is as much brighter as crt_white says.
     {"crt-pvm", {1.00, 0.87, 0.63}, {1.00, 0.95, 0.79}},
     {"crt-bvm", {0.96, 0.75, 0.53}, {0.96, 0.94, 0.79}},
-    {"crt-arcade", {1.00, 0.92, 0.68}, {1.21, 1.14, 0.94}},
-    {"crt-pc", {1.11, 0.95, 0.70}, {1.11, 1.00, 0.79}},
+    {"crt-arcade", {1.00, 0.94, 0.68}, {1.21, 1.14, 0.94}},
+    {"crt-pc", {1.11, 0.98, 0.70}, {1.11, 1.00, 0.79}},
     {"crt-bw", {1.00, 0.93, 0.76}, {1.20, 1.12, 0.93}},
-    {"crt-consumer", {0.95, 0.88, 0.66}, {1.34, 1.29, 1.09}},
+    {"crt-consumer", {0.95, 0.90, 0.66}, {1.34, 1.29, 1.09}},
     // The panels: a gamma of 2.8 and dark gaps; a backing that never is black; grey cells on green.
     {"gba-lcd", {0.60, 0.71, 0.71}, {0.60, 0.72, 0.75}},
     {"gameboy-lcd", {1.05, 0.87, 0.74}, {1.05, 0.88, 0.77}},
