@@ -5,13 +5,23 @@
 #include <cstdlib>
 #include <cstring>
 
-// A Vulkan layer under which the device's function that FAILING_CALL names fails: vkQueueSubmit for
-// a device that is lost with its first work, or vkAllocateMemory for one that has no memory.
+// A Vulkan layer under which the device's function that FAILING_CALL names at that moment fails:
+// vkQueueSubmit for a device that is lost, and stays it, or vkAllocateMemory for one that has no
+// memory.
 
 namespace {
 
 PFN_vkGetInstanceProcAddr nextOfInstance = nullptr;
 PFN_vkGetDeviceProcAddr nextOfDevice = nullptr;
+PFN_vkQueueSubmit nextSubmit = nullptr;
+PFN_vkAllocateMemory nextAllocateMemory = nullptr;
+bool isLost = false; // the device that was created last
+
+bool isFailing(const char *name)
+{
+    const char *const failing = std::getenv("FAILING_CALL");
+    return failing != nullptr && std::strcmp(name, failing) == 0;
+}
 
 // The link to the next layer, in the chain behind what the loader passes on.
 template<typename Info>
@@ -49,31 +59,38 @@ VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physical,
     const auto next = reinterpret_cast<PFN_vkCreateDevice>(
             link->u.pLayerInfo->pfnNextGetInstanceProcAddr(nullptr, "vkCreateDevice"));
     link->u.pLayerInfo = link->u.pLayerInfo->pNext;
-    return next(physical, info, allocator, device);
+    const VkResult result = next(physical, info, allocator, device);
+    if (result == VK_SUCCESS) {
+        isLost = false;
+        nextSubmit = reinterpret_cast<PFN_vkQueueSubmit>(nextOfDevice(*device, "vkQueueSubmit"));
+        nextAllocateMemory =
+                reinterpret_cast<PFN_vkAllocateMemory>(nextOfDevice(*device, "vkAllocateMemory"));
+    }
+    return result;
 }
 
-VKAPI_ATTR VkResult VKAPI_CALL submit(VkQueue /*queue*/, std::uint32_t /*count*/,
-                                      const VkSubmitInfo * /*submits*/, VkFence /*fence*/)
+VKAPI_ATTR VkResult VKAPI_CALL submit(VkQueue queue, std::uint32_t count,
+                                      const VkSubmitInfo *submits, VkFence fence)
 {
-    return VK_ERROR_DEVICE_LOST;
+    isLost = isLost || isFailing("vkQueueSubmit");
+    return isLost ? VK_ERROR_DEVICE_LOST : nextSubmit(queue, count, submits, fence);
 }
 
-VKAPI_ATTR VkResult VKAPI_CALL allocateMemory(VkDevice /*device*/,
-                                              const VkMemoryAllocateInfo * /*info*/,
-                                              const VkAllocationCallbacks * /*allocator*/,
-                                              VkDeviceMemory * /*memory*/)
+VKAPI_ATTR VkResult VKAPI_CALL allocateMemory(VkDevice device, const VkMemoryAllocateInfo *info,
+                                              const VkAllocationCallbacks *allocator,
+                                              VkDeviceMemory *memory)
 {
-    return VK_ERROR_OUT_OF_DEVICE_MEMORY;
+    return isFailing("vkAllocateMemory") ? VK_ERROR_OUT_OF_DEVICE_MEMORY
+                                         : nextAllocateMemory(device, info, allocator, memory);
 }
 
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofDevice(VkDevice device, const char *name)
 {
-    const char *const failing = std::getenv("FAILING_CALL");
-    if (failing == nullptr || std::strcmp(name, failing) != 0)
-        return nextOfDevice(device, name);
-    return std::strcmp(name, "vkQueueSubmit") == 0
-            ? reinterpret_cast<PFN_vkVoidFunction>(submit)
-            : reinterpret_cast<PFN_vkVoidFunction>(allocateMemory);
+    if (std::strcmp(name, "vkQueueSubmit") == 0)
+        return reinterpret_cast<PFN_vkVoidFunction>(submit);
+    if (std::strcmp(name, "vkAllocateMemory") == 0)
+        return reinterpret_cast<PFN_vkVoidFunction>(allocateMemory);
+    return nextOfDevice(device, name);
 }
 
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofInstance(VkInstance instance, const char *name)

@@ -380,12 +380,8 @@ void TestRenderGraphPreview::deviceFails()
 {
     QFETCH(QString, call);
     QFETCH(QByteArray, message);
-    writeFile(u"layers/failing.json"_s,
-              R"({ "file_format_version": "1.1.2", "layer": { "name": "VK_LAYER_TEST_failing",
-                   "type": "GLOBAL", "api_version": "1.3.0", "implementation_version": "1",
-                   "description": "Fails.", "library_path": ")" FAILING_DEVICE R"(" } })");
     const Run result = run(words(u"picture stock --out a.png --size 8x8"_s),
-                           {{u"VK_LAYER_PATH"_s, QDir().absoluteFilePath(u"layers"_s)},
+                           {{u"VK_LAYER_PATH"_s, QStringLiteral(FAILING_DEVICE_DIR)},
                             {u"VK_INSTANCE_LAYERS"_s, u"VK_LAYER_TEST_failing"_s},
                             {u"FAILING_CALL"_s, call}});
     QCOMPARE(result.err, "render-graph-preview: " + message + '\n');

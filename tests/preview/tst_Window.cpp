@@ -18,6 +18,7 @@
 #include <QListWidget>
 #include <QMimeData>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QSlider>
 #include <QTimer>
 #include <QToolButton>
@@ -65,6 +66,7 @@ private Q_SLOTS:
     void picturesAreCompared();
     void hdrIsToneMappedAndLabelled();
     void aSourceThatCannotBeRead();
+    void aLostDeviceIsFoundAgain();
     void aPictureIsDropped();
     void thePictureIsSaved();
     void theKeyboardReachesEverything();
@@ -360,6 +362,33 @@ void TestWindow::aSourceThatCannotBeRead()
     QCOMPARE(window->session().message(),
              u"cannot read source picture 'none.png': File not found; 'list' names the test "
              "pictures"_s);
+}
+
+void TestWindow::aLostDeviceIsFoundAgain()
+{
+    qputenv("VK_LAYER_PATH", FAILING_DEVICE_DIR);
+    qputenv("VK_INSTANCE_LAYERS", "VK_LAYER_TEST_failing");
+    const auto forget = qScopeGuard([] {
+        for (const char *const name : {"VK_LAYER_PATH", "VK_INSTANCE_LAYERS", "FAILING_CALL"})
+            qunsetenv(name);
+    });
+    const auto window = open(u"stock"_s);
+    const QImage first = settled(*window);
+    const auto *const message = window->findChild<QLabel *>(u"message"_s);
+    QVERIFY(!message->isVisible());
+
+    qputenv("FAILING_CALL", "vkQueueSubmit");
+    window->findChild<QComboBox *>(u"source"_s)->setCurrentText(u"card-160x144"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(message->text(),
+                              u"the Vulkan device was lost: start again, or choose another one"_s,
+                              kPatience);
+    QVERIFY(message->isVisible());
+    QCOMPARE(settled(*window), first);
+
+    qunsetenv("FAILING_CALL");
+    window->session().step();
+    QVERIFY(settled(*window) != first);
+    QVERIFY(!message->isVisible());
 }
 
 void TestWindow::aPictureIsDropped()

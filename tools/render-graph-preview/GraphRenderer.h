@@ -54,8 +54,8 @@ struct PassResult
 // though the display had long been showing this picture.
 //
 // Functions that can fail return false, or nothing, and set `error` to a line or more without a
-// program's name; `error` is left alone otherwise. A failed function changes nothing but for a lost
-// device, after which everything fails: create a new renderer then.
+// program's name; `error` is left alone otherwise. A function that refuses what it is given changes
+// nothing. When the device fails it may be lost, with all that is on it: create a new renderer then.
 class GraphRenderer
 {
 public:

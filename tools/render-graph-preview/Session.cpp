@@ -20,7 +20,6 @@ namespace {
 
 constexpr int kSettlingMilliseconds = 50;
 constexpr double kFramesPerSecond = 60.0;
-constexpr QSize kThumbnail = {128, 96};
 
 // Reference white and what is below it darken a little, so that the headroom has a place below
 // the display's white; a headroom of 1 changes nothing. Gamma-encoded as SDR is.
@@ -192,8 +191,15 @@ private:
     {
         if (!drawer.renderer)
             drawer = {.renderer = GraphRenderer::create(m_device, error)};
-        if (!drawer.renderer)
-            return false;
+        if (drawer.renderer && drawOn(drawer, request, changes, error))
+            return true;
+        drawer.renderer.reset(); // the device may be lost: the next frame begins anew
+        return false;
+    }
+
+    bool drawOn(Drawer &drawer, const Request &request, const QHash<QString, float> &changes,
+                QString &error)
+    {
         if (!drawer.hasGraph) {
             if (!drawer.renderer->setGraph(m_preset.graph, m_preset.modules, error))
                 return false;
@@ -219,10 +225,7 @@ private:
         state.frameCount = std::uint32_t(request.frame);
         state.hdrOutputActive = request.view.headroom.has_value();
         state.hdrHeadroom = request.view.headroom.value_or(1.0F);
-        if (drawer.renderer->drawFrame(state, error))
-            return true;
-        drawer.renderer.reset(); // the device may be lost: the next frame begins anew
-        return false;
+        return drawer.renderer->drawFrame(state, error);
     }
 
     std::shared_ptr<const DrawnFrame> drawnFrame(const Request &request, QString &error)
@@ -278,7 +281,7 @@ private:
                 return; // the next frame will say so
             const QImage image =
                     shownImage(*picture, m_thumbnail == count - 1 ? headroom : std::nullopt)
-                            .scaled(kThumbnail, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+                            .scaled(kThumbnailSize, Qt::KeepAspectRatio, Qt::SmoothTransformation);
             tell([&session = m_session, pass = m_thumbnail, image] {
                 Q_EMIT session.thumbnailDrawn(pass, image);
             });

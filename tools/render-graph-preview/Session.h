@@ -13,6 +13,8 @@
 #include <memory>
 #include <optional>
 
+constexpr QSize kThumbnailSize = {128, 96};
+
 // What a frame shows, beside the preset and its values.
 struct ViewSettings
 {

@@ -29,8 +29,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize kThumbnail = {128, 96};
-
 struct Size
 {
     const char *name;
@@ -85,8 +83,8 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     m_strip->setFlow(QListView::LeftToRight);
     m_strip->setWrapping(false);
     m_strip->setMovement(QListView::Static);
-    m_strip->setIconSize(kThumbnail);
-    m_strip->setGridSize(kThumbnail + QSize(32, 4 * fontMetrics().height()));
+    m_strip->setIconSize(kThumbnailSize);
+    m_strip->setGridSize(kThumbnailSize + QSize(32, 4 * fontMetrics().height()));
     m_strip->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_strip->setFixedHeight(m_strip->gridSize().height() + 2 * m_strip->frameWidth()
                             + m_strip->horizontalScrollBar()->sizeHint().height());
