@@ -416,6 +416,8 @@ void TestCrtRaster::rowsLieOnLines_data()
     row("600 by themselves", 600, 0.0F, 0.0F, 100, 100.5 / 600.0, 1.0 / 600.0);
     // Lines 238 and 239, of which the former is shared with the row above: 3 rows are 5 lines.
     row("144 by themselves take 240", 144, 0.0F, 0.0F, 143, 239.1 / 240.0, 1.0 / 144.0);
+    // Lines 151 and 152, in the same way: 2 rows are 3 lines.
+    row("320 by themselves take 480", 320, 0.0F, 0.0F, 101, 152.16667 / 480.0, 1.0 / 320.0);
     row("224 on 240, top", 224, 240.0F, 8.0F, 0, 8.5 / 240.0, 1.0 / 240.0);
     row("224 on 240, bottom", 224, 240.0F, 8.0F, 223, 231.5 / 240.0, 1.0 / 240.0);
     row("160 on 240", 160, 240.0F, 40.0F, 100, 140.5 / 240.0, 1.0 / 240.0);
