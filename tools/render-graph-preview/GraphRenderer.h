@@ -55,7 +55,7 @@ struct PassResult
 //
 // Functions that can fail return false, or nothing, and set `error` to a line or more without a
 // program's name; `error` is left alone otherwise. A function that refuses what it is given changes
-// nothing. When the device fails it may be lost, with all that is on it: create a new renderer then.
+// nothing. When the device fails it may be lost, with all that is on it: create a new renderer.
 class GraphRenderer
 {
 public:
