@@ -228,7 +228,7 @@ QString writePreset(QTextStream &out, const EmittedPreset &preset)
 
 QString cEscape(const QString &s)
 {
-    return QString(s).replace(u'\\', R"(\\)"_L1).replace(u'"', R"(\")"_L1);
+    return QString(s).replace(u'\\', uR"(\\)"_s).replace(u'"', uR"(\")"_s);
 }
 
 QString floatLiteral(float v)
@@ -238,9 +238,8 @@ QString floatLiteral(float v)
         return u"-0.0f"_s;
     // Nine significant digits bring every float back exactly.
     QString text = QString::number(static_cast<double>(v), 'g', 9);
-    if (!text.contains(u'.') && !text.contains(u'e'))
-        text += ".0"_L1;
-    return text + u'f';
+    text += text.contains(u'.') || text.contains(u'e') ? "f"_L1 : ".0f"_L1;
+    return text;
 }
 
 bool writeManifest(const QString &outPath, const QList<EmittedPreset> &presets)
