@@ -65,10 +65,18 @@ foreach(package IN ITEMS "${deb}" "${tar}")
     run("${CMAKE_COMMAND}" -E compare_files "${package}" "${WORK_DIR}/022/${name}")
 endforeach()
 
-# Where nothing finds the dependencies there is no .deb.
+# Where nothing finds the dependencies there is no .deb; all other programs are there.
+file(MAKE_DIRECTORY "${WORK_DIR}/programs")
+file(GLOB programs "/usr/bin/[a-z]*")
+list(FILTER programs EXCLUDE REGEX "/dpkg-shlibdeps$")
+foreach(program IN LISTS programs)
+    get_filename_component(name "${program}" NAME)
+    file(CREATE_LINK "${program}" "${WORK_DIR}/programs/${name}" SYMBOLIC)
+endforeach()
 execute_process(
-    COMMAND "${CPACK}" --config "${build}/CPackConfig.cmake" -B "${WORK_DIR}/refused"
-        -D "CMAKE_IGNORE_PATH=/usr/bin;/bin"
+    COMMAND "${CMAKE_COMMAND}" -E env "PATH=${WORK_DIR}/programs"
+        "${CPACK}" --config "${build}/CPackConfig.cmake" -B "${WORK_DIR}/refused"
+        -D "CMAKE_IGNORE_PATH=/usr/bin;/bin;/usr/local/bin"
     RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
 string(REGEX REPLACE "[ \n]+" " " output "${output}")
 string(FIND "${output}" "No dpkg-shlibdeps here, which finds what the .deb depends on. \
