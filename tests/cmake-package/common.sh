@@ -63,6 +63,10 @@ quick_sources() {
     find "$1/src" "$1/tools" -name '*.cpp' | while read -r source; do
         : >"$source"
     done
+    {
+        echo 'set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)'
+        cat "$SOURCE_DIR/CMakeLists.txt"
+    } >"$1/CMakeLists.txt"
     cat >"$1/tools/render-graph-compile/main.cpp" <<END
 #include <unistd.h>
 ${2-}

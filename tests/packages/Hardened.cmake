@@ -25,6 +25,7 @@ endforeach()
 
 file(READ "${WORK_DIR}/build/compile_commands.json" commands)
 string(REGEX MATCHALL "\"command\": [^\n]*" commands "${commands}")
+list(FILTER commands EXCLUDE REGEX "/cmake_pch[.]hxx[.]cxx\"") # of headers, which end in no program
 list(LENGTH commands total)
 list(FILTER commands INCLUDE REGEX " -fstack-clash-protection ")
 list(LENGTH commands protected)
