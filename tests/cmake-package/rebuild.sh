@@ -10,6 +10,7 @@ fresh_install
 cp -R "$SOURCE_DIR/examples" 'examples [x]'
 shaders='examples [x]/shaders'
 components=$shaders/vulkan/components
+light_shaders "$shaders"
 header='the build/render-graph/consumer_presets/include/RenderGraphManifest.h'
 configure 'examples [x]/consumer' 'the build' -G "$generator" \
     "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror" ||
