@@ -34,18 +34,25 @@ Picture phosphorTile(float type, float duty, float edge)
                     {{u"mask_type"_s, type}, {u"mask_duty"_s, duty}, {u"mask_edge"_s, edge}});
 }
 
-// crt-screen over this light behind a grille, without halation.
-Picture screen(const Picture &light, const Params &params, const Tweak &tweak = {})
+// crt-screen over this light behind a mask, without halation.
+Picture screenBehind(const Picture &tile, const Picture &light, const Params &params,
+                     const Tweak &tweak = {})
 {
-    static const Picture kTile = phosphorTile(0.0F, 0.7F, 0.06F);
     const Picture dark;
     return evaluate(u"crt-screen"_s,
-                    {{.picture = &kTile, .linearFilter = true, .mipmap = true, .wrapMode = 2},
+                    {{.picture = &tile, .linearFilter = true, .mipmap = true, .wrapMode = 2},
                      {.picture = &dark},
                      {.picture = &light},
                      {.picture = &dark},
                      {.picture = &dark}},
                     light.size, params, tweak);
+}
+
+// The same behind a grille.
+Picture screen(const Picture &light, const Params &params, const Tweak &tweak = {})
+{
+    static const Picture kTile = phosphorTile(0.0F, 0.7F, 0.06F);
+    return screenBehind(kTile, light, params, tweak);
 }
 
 Picture lightOf(Picture picture)
@@ -168,6 +175,8 @@ private Q_SLOTS:
     void maskTransmission();
     void maskPitch_data();
     void maskPitch();
+    void maskIsItsMeanOverAPixel_data();
+    void maskIsItsMeanOverAPixel();
     void maskKeepsTheMean_data();
     void maskKeepsTheMean();
     void whiteKeepsItsMask_data();
@@ -504,6 +513,48 @@ void TestCrtScreen::maskPitch()
     const Picture shown = lightOf(screen(grey(size, 0.2F), params));
     const double found = period(row(shown, size.height() / 2));
     QVERIFY2(std::fabs(found / expected - 1.0) < 0.003, number(found).constData());
+}
+
+// A pixel shows the mean of what the mask lets through over it, as eight times eight smaller ones
+// have it.
+void TestCrtScreen::maskIsItsMeanOverAPixel_data()
+{
+    QTest::addColumn<float>("type");
+    QTest::addColumn<float>("pitch"); // in pixels
+    QTest::addColumn<double>("most"); // of the root mean square, in parts of the light
+    QTest::newRow("grille, 4.7") << 0.0F << 4.7F << 0.014;
+    QTest::newRow("grille, 9.4") << 0.0F << 9.4F << 0.011;
+    QTest::newRow("dots, 4.7") << 1.0F << 4.7F << 0.08;
+    QTest::newRow("dots, 9.4") << 1.0F << 9.4F << 0.04;
+    QTest::newRow("slots, 4.7") << 2.0F << 4.7F << 0.07;
+    QTest::newRow("slots, 9.4") << 2.0F << 9.4F << 0.03;
+}
+
+void TestCrtScreen::maskIsItsMeanOverAPixel()
+{
+    QFETCH(float, type);
+    QFETCH(float, pitch);
+    QFETCH(double, most);
+    constexpr int kFiner = 8;
+    constexpr float kLight = 0.2F;
+    const QSize size(160, 96);
+    const Picture tile = phosphorTile(type, 0.7F, 0.06F);
+    const Params params =
+            with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, 0.9F}});
+    const Picture shown = lightOf(screenBehind(tile, grey(size, kLight), params));
+    const Picture fine = lightOf(screenBehind(tile, grey(size * kFiner, kLight), params));
+    double squares = 0.0;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            double sum = 0.0;
+            for (int at = 0; at < kFiner * kFiner; ++at)
+                sum += double(fine.at(kFiner * x + at % kFiner, kFiner * y + at / kFiner)[1]);
+            const double off = double(shown.at(x, y)[1]) - sum / (kFiner * kFiner);
+            squares += off * off;
+        }
+    }
+    const double off = std::sqrt(squares / (size.width() * size.height())) / double(kLight);
+    QVERIFY2(off < most, number(off).constData());
 }
 
 // Whatever the pitch in pixels: what the peak cannot show of an open part goes to the rest.
