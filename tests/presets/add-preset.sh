@@ -93,9 +93,14 @@ esac
 # shellcheck disable=SC2086 # a list of words
 build --preset release --target $targets || fail 'building'
 programs=$(echo "$targets" | tr -s ' \n' '|')
-ctest --test-dir build/release -R "^(example-$programs|golden-.*)$" -E '^tst_RenderGraphCompile$' >log 2>&1 ||
-    fail 'testing'
+ctest --test-dir build/release -R "^(example-$programs|golden-.*)$" \
+    -E '^tst_(RenderGraphCompile|ExamplePresets)$' >log 2>&1 || fail 'testing'
 [ "$(lines 'Passed')" -ge 6 ] || fail 'hardly a test ran'
-# Its other rows are about huge files and the like.
+# The other rows of these two draw the other presets, and are about huge files and the like.
+drawing=build/release/tests/shaders/tst_ExamplePresets
+if [ -e $drawing ]; then
+    $drawing 'everyParameterIsSeen:a-photographic-negative negative_amount' >log 2>&1 ||
+        fail 'testing what the preset draws'
+fi
 build/release/tests/tool/tst_RenderGraphCompile manifestOfTheExampleShaders sameBytesEverywhere \
     failingRunWritesNothing retiredRewind >log 2>&1 || fail 'testing the tool'

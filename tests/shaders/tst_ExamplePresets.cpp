@@ -2,6 +2,9 @@
 
 #include "TestSupport.h"
 
+#include <QFileInfo>
+#include <QSet>
+
 #include <algorithm>
 #include <cmath>
 
@@ -78,6 +81,21 @@ Params company(const QString &id)
     return kCompany.value(id);
 }
 
+// The parameter's id, then the modules that read it.
+QStringList useOf(const PresetEntry &preset, const char *id)
+{
+    QStringList use = {QString::fromUtf8(id)};
+    for (int pass = 0; pass < preset.passCount; ++pass) {
+        const PassEntry &entry = preset.passes[pass];
+        const bool isRead =
+                std::any_of(entry.params, entry.params + entry.paramCount,
+                            [id](const ParamEntry &param) { return qstrcmp(param.id, id) == 0; });
+        if (isRead)
+            use.append(QString::fromUtf8(entry.fragmentSpirvResource));
+    }
+    return use;
+}
+
 // The range's end, but where both ends mean the same: an unlimited bandwidth.
 float highestEffective(const PresetParamEntry &param)
 {
@@ -99,16 +117,17 @@ void TestExamplePresets::everyParameterIsSeen_data()
 {
     QTest::addColumn<const PresetEntry *>("preset");
     QTest::addColumn<const PresetParamEntry *>("param");
-    // One CRT preset stands for the five that share its passes.
-    for (const char *name : {"crt-arcade", "crt-consumer", "gba-lcd", "gameboy-lcd", "dmg-lcd",
-                             "no-pixels", "rewind"}) {
-        const PresetEntry &preset = presetEntry(QString::fromLatin1(name));
+    // In the first preset of those that bind it in the same components.
+    QSet<QStringList> tried;
+    for (const PresetEntry &preset : kPresets) {
+        const QString name = QFileInfo(QString::fromUtf8(preset.presetQrcPath)).baseName();
         for (int i = 0; i < preset.presetParamCount; ++i) {
             const PresetParamEntry &param = preset.presetParams[i];
-            // Of crt-consumer only what the others do not have.
-            if (QByteArray(name) == "crt-consumer" && !QByteArray(param.id).startsWith("composite"))
+            const QStringList use = useOf(preset, param.id);
+            if (tried.contains(use))
                 continue;
-            QTest::addRow("%s %s", name, param.id) << &preset << &param;
+            tried.insert(use);
+            QTest::addRow("%s %s", qUtf8Printable(name), param.id) << &preset << &param;
         }
     }
 }
