@@ -476,8 +476,8 @@ void TestRenderGraphCompile::hugeComponent()
 {
     QFETCH(QByteArray, unit);
     QFETCH(bool, hasShortLines);
-    constexpr qsizetype kSize = (kIsSanitized ? 20 : 64) * qsizetype(1 << 20);
-    static constexpr rlimit kAddressSpace = {rlim_t(112) << 20, rlim_t(112) << 20};
+    constexpr qsizetype kSize = (kIsSanitized ? 10 : 32) * qsizetype(1 << 20);
+    static constexpr rlimit kAddressSpace = {rlim_t(80) << 20, rlim_t(80) << 20};
     static constexpr rlimit kSeconds = {120, 120};
 
     copyExampleShaders(u"shaders"_s);
