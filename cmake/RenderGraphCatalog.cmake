@@ -7,7 +7,7 @@ cmake_policy(VERSION 3.21)
 function(render_graph_catalog)
     cmake_parse_arguments(PARSE_ARGV 0 arg "" "MANIFEST" "")
     _render_graph_check_call(render_graph_catalog "<library> MANIFEST <library>" MANIFEST)
-    _render_graph_check_manifest("render_graph_catalog(${target})" "${arg_MANIFEST}")
+    _render_graph_check_manifest(manifest "render_graph_catalog(${target})" "${arg_MANIFEST}")
     if(TARGET "${target}")
         message(FATAL_ERROR
             "render_graph_catalog(${target}): there is a target '${target}' already. "
@@ -19,7 +19,7 @@ function(render_graph_catalog)
     endif()
 
     # The sources include the manifest under this name.
-    get_target_property(include ${arg_MANIFEST} _render_graph_include)
+    get_target_property(include ${manifest} _render_graph_include)
     set(include_dir "${CMAKE_CURRENT_BINARY_DIR}/render-graph/${target}/include")
     if(NOT include STREQUAL "RenderGraphManifest.h")
         file(CONFIGURE OUTPUT "${include_dir}/RenderGraphManifest.h" CONTENT "#include <${include}>\n" @ONLY)
@@ -43,7 +43,15 @@ function(render_graph_catalog)
     target_include_directories(${target} PRIVATE "${include_dir}")
     target_link_libraries(${target}
         PUBLIC Qt6::Core
-        PRIVATE "$<BUILD_INTERFACE:${sources}>" "$<BUILD_INTERFACE:${arg_MANIFEST}>"
+        PRIVATE "$<BUILD_INTERFACE:${sources}>" "$<BUILD_INTERFACE:${manifest}>"
+    )
+    # Its functions have other names than those of a catalogue of another manifest.
+    get_target_property(identifier ${manifest} INTERFACE_RENDER_GRAPH_MANIFEST)
+    target_compile_definitions(${target} INTERFACE
+        "VulkanRenderGraphCatalog=VulkanRenderGraphCatalog_${identifier}")
+    set_target_properties(${target} PROPERTIES
+        INTERFACE_RENDER_GRAPH_CATALOG "${identifier}"
+        COMPATIBLE_INTERFACE_STRING RENDER_GRAPH_CATALOG
     )
     get_target_property(catalog_dir ${sources} INTERFACE_INCLUDE_DIRECTORIES)
     target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${catalog_dir}>")

@@ -78,6 +78,20 @@ call_rejected "a SHADERS_DIR shaders HEADER a.h)
 render_graph_manifest(a SHADERS_DIR shaders HEADER b.h" \
     "(a): there is a target 'a' already. Each manifest is a library of its own."
 
+call_rejected '"a;b" SHADERS_DIR shaders HEADER a.h' \
+    '(a;b): an argument holds a semicolon, which CMake takes for the end of one.'
+call_rejected "a.b SHADERS_DIR shaders HEADER a.h)
+render_graph_manifest(a-b SHADERS_DIR shaders HEADER a.h" "(a-b): the namespace of the manifest would be \
+called as the one of 'a.b', since they differ in nothing but _.+- Give it another name."
+mkdir -p project/odd/vulkan/components
+for name in 'a[1.slang' 'a]1.slang' 'a;1.slang'; do
+    : >"project/odd/vulkan/components/$name"
+    call_rejected 'a SHADERS_DIR odd HEADER a.h' "(a): CMake cannot handle the name of \
+'$WORK_DIR/project/odd/vulkan/components/$name', which has a semicolon or a bracket without its partner. \
+Rename it."
+    rm "project/odd/vulkan/components/$name"
+done
+
 for name in my::presets 'my presets'; do
     call_rejected "\"$name\" SHADERS_DIR shaders HEADER a.h" \
         ": '$name' cannot be the name of a library. It consists of letters, digits and any of _.+-"
@@ -106,7 +120,8 @@ add_custom_target(files)
 $1" "$2"
 }
 
-modules_synopsis='Write render_graph_modules(<target> MANIFEST <library> [OUTPUT_DIRECTORY <directory>])'
+modules_synopsis="Write render_graph_modules(<target> MANIFEST <library> [OUTPUT_DIRECTORY <directory>] \
+[DEFINES <name or name=value>...] [INCLUDE_DIRECTORIES <directory>...] [OPTIONS <option>...])"
 more_rejected 'render_graph_modules(MANIFEST a)' \
     "render_graph_modules: the first argument is the name of the target. $modules_synopsis"
 more_rejected 'render_graph_modules(files)' \
@@ -120,6 +135,18 @@ first, but it is '$library'."
 done
 more_rejected 'render_graph_modules(files MANIFEST a)' "render_graph_modules(files): 'files' is no \
 program or library that could hold Qt resources. OUTPUT_DIRECTORY takes the modules as files."
+more_rejected 'add_executable(app IMPORTED)
+add_executable(alias ALIAS app)
+render_graph_modules(alias MANIFEST a)' "render_graph_modules(alias): 'alias' is an alias. Name the target \
+itself, 'app'."
+more_rejected 'render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY "")' "render_graph_modules(files): \
+OUTPUT_DIRECTORY is empty. Without it, the modules become Qt resources of the target."
+more_rejected 'render_graph_modules("a;b" MANIFEST a)' \
+    'render_graph_modules(a;b): an argument holds a semicolon, which CMake takes for the end of one.'
+more_rejected 'add_custom_target(others)
+render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)
+render_graph_modules(others MANIFEST a OUTPUT_DIRECTORY ../build/spirv/)' "render_graph_modules(others): the \
+modules of 'files' are in '$WORK_DIR/build/spirv' already. Each target has a directory of its own."
 more_rejected 'render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)
 render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY again)' "render_graph_modules(files): there is \
 a target 'files_modules' already. Each target has the modules of one manifest."
@@ -132,16 +159,17 @@ more_rejected 'enable_language(CXX)
 add_subdirectory(sub)
 render_graph_modules(library MANIFEST a)' "render_graph_modules(library): the call belongs into the \
 directory of 'library', '$WORK_DIR/project/sub'."
-more_rejected "set(RenderGraphCompile_GLSL_COMPILER \"$CMAKE\")
+for compiler in "$CMAKE" none 'glslc;-O' bin/glslc; do
+    more_rejected "set(RenderGraphCompile_GLSL_COMPILER \"$compiler\")
 render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)" "RenderGraphCompile_GLSL_COMPILER is \
-'$CMAKE', which does not answer --version as glslangValidator, glslang or glslc do. Set it to the full \
-path of one of them."
+'$compiler', which does not answer --version as glslangValidator, glslang or glslc do. Set it to one of them."
+done
 more_rejected 'set(CMAKE_PROGRAM_PATH "")
 set(CMAKE_FIND_USE_SYSTEM_ENVIRONMENT_PATH OFF)
 set(CMAKE_FIND_USE_CMAKE_SYSTEM_PATH OFF)
 render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)' "render_graph_modules: there is no GLSL \
 compiler here: glslangValidator, glslang or glslc (Debian: glslang-tools, glslc). \
-RenderGraphCompile_GLSL_COMPILER can name one by its full path."
+RenderGraphCompile_GLSL_COMPILER can name one."
 more_rejected 'render_graph_catalog(catalog)' \
     'render_graph_catalog(catalog): MANIFEST is missing. Write render_graph_catalog(<library> MANIFEST <library>)'
 more_rejected 'render_graph_catalog(catalog MANIFEST files)' "render_graph_catalog(catalog): MANIFEST is \

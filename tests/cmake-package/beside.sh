@@ -4,8 +4,13 @@ set -eu
 . "$(dirname "$0")/common.sh"
 
 fresh_install
-cp -R "$prefix" "$WORK_DIR/moved"
-export PKG_CONFIG_PATH="$WORK_DIR/moved/share/pkgconfig"
+rm -r "$prefix/share/render-graph-compile/examples/shaders"
+small_shaders "$prefix/share/render-graph-compile/examples/shaders"
+# Make splits the names that pkg-config prints at spaces.
+plain=$(mktemp -d)
+trap 'rm -rf "$plain"' EXIT
+mv "$prefix" "$plain/prefix"
+export PKG_CONFIG_PATH="$plain/prefix/share/pkgconfig"
 
 # project <name> <file>: the code block of that language becomes that file.
 project() {
@@ -24,13 +29,12 @@ lists() {
 
 moving="$WORK_DIR/stock.slang"
 project make Makefile
-sed 's/texCoord/texCoord * (1.0 + pc.frameCount)/' make/shaders/vulkan/components/stock.frag >"$moving"
+moving <make/shaders/vulkan/components/stock.frag >"$moving"
 make -C make -j 2 my_app modules >log 2>&1 || fail 'building with Make'
 lists make/my_app no
-count=$(find make/shaders/vulkan/components -type f | wc -l)
-[ "$(find make/spirv -name '*.spv' | wc -l)" = $((count + 1)) ] || fail 'Make: not every component has a module'
+[ "$(find make/spirv -name '*.spv' | wc -l)" = 4 ] || fail 'Make: not every component has a module'
 make -C make my_app modules >log 2>&1
-[ "$(lines 'render-graph-compile\|glslang')" = 0 ] || fail 'Make: the build after it has something to do'
+[ "$(lines '[-]-shaders-dir\|^glslang')" = 0 ] || fail 'Make: the build after it has something to do'
 cp "$moving" make/shaders/vulkan/components
 make -C make my_app >log 2>&1 || fail 'building with a new component with Make'
 lists make/my_app yes

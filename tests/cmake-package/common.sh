@@ -1,6 +1,7 @@
 # shellcheck shell=sh disable=SC2034,SC2164 # the tests, which set -e, use what is set here
 # What the tests of the installed CMake package share. They run from CTest, which sets CMAKE, CXX, BUILD_DIR (what is
-# installed), CONFIG, SOURCE_DIR and WORK_DIR.
+# installed), CONFIG, SOURCE_DIR, SMALL_TOOL and SMALL_SHADERS_DIR (a tool of few presets, and their sources)
+# and WORK_DIR.
 export LC_ALL=C.UTF-8
 
 fail() {
@@ -15,7 +16,7 @@ skip() {
 }
 
 # A fresh install in "$prefix", moved there from where it was installed.
-fresh_install() {
+fresh_real_install() {
     rm -rf "$WORK_DIR"
     mkdir -p "$WORK_DIR"
     cd "$WORK_DIR"
@@ -23,6 +24,23 @@ fresh_install() {
     "$CMAKE" --install "$BUILD_DIR" --config "$CONFIG" --prefix "$WORK_DIR/first" >log
     mv first "$prefix"
     tool="$prefix/bin/render-graph-compile"
+}
+
+# The same with the small tool.
+fresh_install() {
+    fresh_real_install
+    cp "$SMALL_TOOL" "$tool"
+}
+
+# small_shaders <directory>: the sources of the small tool's presets.
+small_shaders() {
+    mkdir -p "$(dirname "$1")"
+    cp -R "$SMALL_SHADERS_DIR" "$1"
+}
+
+# moving: a component that reads the frame counter, from standard input.
+moving() {
+    sed 's/texCoord)/texCoord * (1.0 + pc.frameCount))/'
 }
 
 # configure <source> <build> <arguments...>
@@ -40,17 +58,6 @@ build() {
 # lines <pattern>: how many lines of the log have it.
 lines() {
     grep -c "$1" log || true
-}
-
-# light_shaders <directory>: its components keep their directives and includes, and are compiled in no time.
-light_shaders() {
-    for component in "$1"/vulkan/components/*.slang; do
-        {
-            grep '^#version\|^#extension\|^#include\|^//!' "$component"
-            echo 'void main() { fragColor = vec4(texCoord, 0.0, 1.0); }'
-        } >light.glsl
-        mv light.glsl "$component"
-    done
 }
 
 # quick_sources <directory> <code>: the project's sources with a tool that only starts "$tool", and so is

@@ -1,7 +1,7 @@
 #!/bin/sh
 # A disk without room for what the build step writes: the step fails, keeps the header and leaves
 # nothing behind, and the next build recovers. On a small file system in a namespace of its own. The same
-# for a manifest that is cut short by anything else.
+# for a module, and for what is cut short by anything else.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -15,19 +15,28 @@ if [ "${1-}" != --in-namespace ]; then
 fi
 
 fresh_install
-mkdir project
-cp -R "$SOURCE_DIR/examples/shaders" project/shaders
-moving=project/shaders/vulkan/components/stock.slang
+small_shaders project/shaders
+components=project/shaders/vulkan/components
+moving=$components/stock.slang
 printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES NONE)' \
     'find_package(RenderGraphCompile 1 REQUIRED)' \
     'render_graph_manifest(presets SHADERS_DIR shaders HEADER m.h)' \
-    'add_custom_target(app ALL)' 'add_dependencies(app presets)' >project/CMakeLists.txt
+    'add_custom_target(app ALL)' 'add_dependencies(app presets)' \
+    'add_custom_target(modules)' 'render_graph_modules(modules MANIFEST presets OUTPUT_DIRECTORY spirv)' \
+    >project/CMakeLists.txt
 disk="$WORK_DIR/build/render-graph/presets"
 header=$disk/include/m.h
 
 current() {
     "$tool" --shaders-dir project/shaders --out expected.h >/dev/null
     cmp -s "$header" expected.h
+}
+
+# fill <KiB>: leaves so much room on the disk.
+fill() {
+    free=$(df -k "$disk" | awk 'NR == 2 { print $4 }')
+    head -c $(((free - $1) * 1024)) /dev/zero >"$disk/ballast"
+    [ "$(df -k "$disk" | awk 'NR == 2 { print $4 }')" = "$1" ] || fail "$name: not so"
 }
 
 for generator in 'Ninja' 'Unix Makefiles'; do
@@ -44,11 +53,9 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     room=0
     while [ $room -le $((2 * size / 1024 + 12)) ]; do
         name="$generator: $room KiB free"
-        if [ -e "$moving" ]; then rm "$moving"; else echo 'x = pc.frameCount;' >"$moving"; fi
+        if [ -e "$moving" ]; then rm "$moving"; else moving <$components/stock.frag >"$moving"; fi
         cp -p "$header" kept.h
-        free=$(df -k "$disk" | awk 'NR == 2 { print $4 }')
-        head -c $(((free - room) * 1024)) /dev/zero >"$disk/ballast"
-        [ "$(df -k "$disk" | awk 'NR == 2 { print $4 }')" = $room ] || fail "$name: not so"
+        fill "$room"
 
         if build build; then
             outcome=built
@@ -68,18 +75,53 @@ for generator in 'Ninja' 'Unix Makefiles'; do
         rm "$disk/ballast"
         build build || fail "$name: the build does not recover"
         current || fail "$name: the header is not what the tool writes afterwards"
-        room=$((room + 20))
+        room=$((room + 4))
     done
     [ "$outcomes" = ' refused built' ] || fail "$generator: in turn it was$outcomes"
+    umount "$disk"
+done
+
+# A module of several pages, with the source in it, on a disk of one: not one that ends after a page, whatever the
+# compiler's exit status. And what the build knows the module to be made of, beside it.
+awk 'BEGIN { while (i++ < 300) print "// some text for the debug information to hold, line " i }' >>$components/tint.slang
+for directory in spirv CMakeFiles/modules_modules.dir/render-graph; do
+    disk="$WORK_DIR/build/$directory"
+    rooms='0 4 8'
+    [ $directory = spirv ] || rooms=0
+    rm -rf build
+    mkdir -p "$disk"
+    mount -t tmpfs -o size=1m tmpfs "$disk" || skip 'mounting is not permitted here'
+    configure project build -G Ninja -DCMAKE_BUILD_TYPE=Debug || fail 'configuring for modules'
+    build build --target presets || fail 'building the header'
+    for room in $rooms; do
+        name="modules, in $directory $room KiB free"
+        touch $components/*
+        fill "$room"
+        if build build --target modules; then fail "$name: the build succeeded"; fi
+        grep -q '^   [a-z.-]*[.]spv was not compiled: ' log || fail "$name: no such line"
+        [ -z "$(find build -name '*.spv.part')" ] || fail "$name: something is left behind"
+        rm "$disk/ballast"
+        build build --target modules || fail "$name: the build does not recover"
+        for module in build/spirv/*.spv; do
+            spirv-val "$module" || fail "$name: not a whole module"
+        done
+        build build --target modules
+        [ "$(lines 'no work to do')" = 1 ] || fail "$name: the build after it has something to do"
+    done
     umount "$disk"
 done
 
 # However little is missing.
 # shellcheck disable=SC2016 # expanded when it runs
 printf '%s\n' '#!/bin/sh' "'$tool' \"\$@\" >/dev/null" 'truncate -s -"$(cat "$0.cut")" "$4"' >short
-chmod +x short
+# shellcheck disable=SC2016
+printf '%s\n' '#!/bin/sh' 'glslangValidator "$@"' \
+    'while [ $# -gt 0 ]; do [ "$1" != -o ] || output=$2; shift; done' \
+    '[ ! -e "$output" ] || truncate -s -"$(cat "$0.cut")" "$output"' >compiler
+chmod +x short compiler
 rm -rf build
-configure project build -G Ninja "-DRenderGraphCompile_EXECUTABLE=$WORK_DIR/short" || fail 'configuring'
+configure project build -G Ninja "-DRenderGraphCompile_EXECUTABLE=$WORK_DIR/short" \
+    "-DRenderGraphCompile_GLSL_COMPILER=$WORK_DIR/compiler" || fail 'configuring'
 for cut in 1 2 50 "$(wc -c <expected.h)"; do
     echo "$cut" >short.cut
     if build build; then fail "$cut bytes short: the build succeeded"; fi
@@ -88,3 +130,33 @@ done
 echo 0 >short.cut
 build build || fail 'the build does not recover from a short manifest'
 current || fail 'after a short manifest the header is not what the tool writes'
+
+# cut_module <name> <words of the message>
+cut_module() {
+    touch $components/tint.slang
+    if build build --target spirv/tint.frag.spv; then fail "$1: the build succeeded"; fi
+    [ "$(lines "^   tint.frag.spv was not compiled: $2")" = 1 ] || fail "$1: no such line"
+}
+echo 0 >compiler.cut
+build build --target modules || fail 'building the modules'
+for cut in 1 4 20; do
+    echo $cut >compiler.cut
+    cut_module "a module $cut bytes short" "what '.*/compiler' wrote is no SPIR-V, or not all of it. Is the disk full?$"
+done
+cp compiler kept
+printf '%s\n' '#!/bin/sh' 'exit 0' >compiler
+cut_module 'a compiler that writes nothing' "'.*/compiler' wrote nothing[.]$"
+
+# Up to the end of its first function: what is missing then, spirv-val alone says.
+cat >compiler <<'END'
+#!/bin/sh
+glslangValidator "$@"
+while [ $# -gt 0 ]; do [ "$1" != -o ] || output=$2; shift; done
+words=$(od -An -v -tx1 -w4 "$output" | grep -n '^ 38 00 01 00' | head -n 1 | cut -d : -f 1)
+truncate -s $((4 * words)) "$output"
+END
+cut_module 'a module without its last function' "'.*/spirv-val' says why above[.]$"
+cp kept compiler
+echo 0 >compiler.cut
+build build --target modules || fail 'the build does not recover from a short module'
+spirv-val build/spirv/tint.frag.spv || fail 'after a short module there is no whole one'

@@ -11,8 +11,7 @@ if [ "$(id -u)" = 0 ] && [ "${1-}" != --without-rights ]; then
 fi
 
 fresh_install
-mkdir project
-cp -R "$SOURCE_DIR/examples/shaders" 'project/some shaders'
+small_shaders 'project/some shaders'
 shaders="$WORK_DIR/project/some shaders"
 components="$shaders/vulkan/components"
 printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES NONE)' \
@@ -48,7 +47,7 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     cp -p "$header" kept.h
 
     # Each in turn with one generator; the other sees the same step.
-    for input in "$shaders/rewind.glslp" "$components"/*; do
+    for input in "$shaders/tint.glslp" "$components"/*; do
         [ "$generator" = Ninja ] || [ "$input" = "$components/stock.frag" ] || continue
         chmod a-r "$input"
         refused "$input" 'cannot be read'

@@ -7,8 +7,8 @@ tests="$SOURCE_DIR/tests/cmake-package"
 fresh_install
 quick_sources render-graph-compile
 cp -R "$SOURCE_DIR/src" render-graph-compile # which the consumer is built with
-cp -R "$SOURCE_DIR/examples" examples
-light_shaders examples/shaders
+small_shaders examples/shaders
+cp -R "$SOURCE_DIR/examples/consumer" examples
 cp -R "$tests/inside" inside
 # Qt is this machine's throughout, also where CMake would look for another system's.
 qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")

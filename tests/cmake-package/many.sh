@@ -5,9 +5,9 @@ set -eu
 
 fresh_install
 cp -R "$SOURCE_DIR/tests/cmake-package/many" many
-cp -R "$SOURCE_DIR/examples/shaders" many/still
-cp -R many/still many/moving
-echo 'x = pc.frameCount;' >many/moving/vulkan/components/stock.slang
+small_shaders many/still
+small_shaders many/moving
+moving <many/still/vulkan/components/stock.frag >many/moving/vulkan/components/stock.slang
 
 for generator in 'Ninja' 'Unix Makefiles' 'Ninja Multi-Config'; do
     configure many "$generator" -G "$generator" || fail "$generator: configuring"
@@ -17,7 +17,7 @@ for generator in 'Ninja' 'Unix Makefiles' 'Ninja Multi-Config'; do
             fail "$generator: $program has the other's manifest"
     done
     build "$generator" || fail "$generator: building the rest"
-    echo '// a remark' >>many/still/rewind.glslp
+    echo '// a remark' >>many/still/tint.glslp
     build "$generator" || fail "$generator: building again"
     [ "$(lines 'Generating RenderGraphManifest.h for still_presets') $(lines 'Generating Moving.h')" \
         = '1 0' ] || fail "$generator: the manifests do not stand for themselves"

@@ -5,7 +5,7 @@ set -eu
 . "$(dirname "$0")/common.sh"
 tests="$SOURCE_DIR/tests/cmake-package"
 
-fresh_install
+fresh_real_install
 mkdir -p project/res
 # shellcheck disable=SC2016 # no command, but Markdown
 sed -n '/^## In a CMake build/,/^## /{/^```cmake$/,/^```$/{/^```/!p}}' "$SOURCE_DIR/README.md" \

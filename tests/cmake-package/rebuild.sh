@@ -1,34 +1,31 @@
 #!/bin/sh
-# Builds the example consumer against the installed package, then changes one thing after another.
-# Each row says how often the tool ran, and how many sources and how many modules were compiled. Takes
-# the generator.
+# Changes one thing after another in a project. Each row says how often the tool ran, and how many sources
+# and how many modules were compiled.
 set -eu
 . "$(dirname "$0")/common.sh"
-generator=$1
 
 fresh_install
-cp -R "$SOURCE_DIR/examples" 'examples [x]'
-shaders='examples [x]/shaders'
+mkdir 'project [x]'
+cp "$SOURCE_DIR/tests/cmake-package/app.cpp" 'project [x]'
+printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES CXX)' \
+    'find_package(RenderGraphCompile 1 REQUIRED)' \
+    'render_graph_manifest(presets SHADERS_DIR shaders HEADER m.h)' \
+    'add_executable(app app.cpp)' 'target_link_libraries(app PRIVATE presets)' \
+    'render_graph_modules(app MANIFEST presets OUTPUT_DIRECTORY spirv)' >'project [x]/CMakeLists.txt'
+shaders='project [x]/shaders'
 components=$shaders/vulkan/components
-light_shaders "$shaders"
-header='the build/render-graph/consumer_presets/include/RenderGraphManifest.h'
-configure 'examples [x]/consumer' 'the build' -G "$generator" \
-    "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror" ||
-    fail "$generator: configuring"
-
-all_modules=$(($(find "$components" -name '*.slang' -o -name '*.frag' | wc -l) + 1))
+header='the build/render-graph/presets/include/m.h'
+modules='the build/spirv'
 
 # built <name> <tool runs> <compilations> <modules>
 built() {
     name="$generator: $1"
     build 'the build' || fail "$name: the build failed"
-    counts="$(lines 'Generating RenderGraphManifest.h for consumer_presets') $(lines \
-        'Building CXX.*\(main\|VulkanRenderGraph\)') $(lines 'Compiling .*[.]spv for consumer')"
+    counts="$(lines 'Generating m.h for presets') $(lines 'Building CXX') $(lines 'Compiling .*[.]spv for app')"
     [ "$counts" = "$2 $3 $4" ] || fail "$name: tool runs, compilations, modules: $counts, not $2 $3 $4"
     [ "$(lines 'retired')" = 0 ] || fail "$name: the build is not quiet"
     "$tool" --shaders-dir "$shaders" --out expected.h >/dev/null
     cmp "$header" expected.h || fail "$name: the header is not what the tool writes"
-    "the build/consumer" check >log || fail "$name: not all modules are in the program"
 }
 
 # row <name> <tool runs> <compilations> <modules>
@@ -39,11 +36,9 @@ row() {
         fail "$name: the build after it has something to do"
 }
 
-# shows <arguments> <pattern>
+# shows <line of the program>
 shows() {
-    # shellcheck disable=SC2086 # a list of words
-    "the build/consumer" $1 >log
-    [ "$(lines "$2")" = 1 ] || fail "$name: 'consumer $1' shows no line '$2'"
+    "the build/app" | grep -qFx "$1" || fail "$name: the program does not show '$1'"
 }
 
 # broken <name> <line of the tool>
@@ -59,60 +54,105 @@ broken() {
     [ -z "$(find "$header" -newer kept.h)" ] || fail "$name: the header was written again"
 }
 
-row 'first build' 1 3 "$all_modules"
-row 'build again' 0 0 0
-shows list '^  stock  *2  *0  no$'
-shows 'show rewind' '^  wiggle  *3  *3 '
+begin() {
+    generator=$1
+    rm -rf 'the build' "$shaders"
+    small_shaders "$shaders"
+    configure 'project [x]' 'the build' -G "$generator" \
+        "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror" ||
+        fail "$generator: configuring"
+    row 'first build' 1 1 4
+    row 'build again' 0 0 0
+    shows ':/shaders/stock.glslp 2 still'
+    shows ':/shaders/tint.glslp 3 still amount=0.25'
+}
 
-echo '// a remark' >>"$components/rewind.slang"
-row 'edit without effect' 1 0 1
+# What Ninja and Make are told in different ways.
+edits() {
+    echo '// a remark' >>"$components/tint.slang"
+    row 'edit without effect' 1 0 1
+    moving <"$components/stock.frag" >"$components/stock.slang"
+    row 'add a component with effect' 1 1 1
+    shows ':/shaders/stock.glslp 2 moves'
+    cp "$components/stock.slang" old.slang
+    rm "$components/stock.slang"
+    row 'remove a component' 1 1 1
+    shows ':/shaders/stock.glslp 2 still'
+
+    echo '// a remark' >>"$shaders/vulkan/include/tint.glsl"
+    row 'edit an include' 0 0 1
+    cp "$modules/tint.frag.spv" kept.spv
+    cp "$components/tint.slang" intact.slang
+    echo 'return 1' >>"$components/tint.slang"
+    name="$generator: a component that does not compile"
+    for attempt in first second; do
+        if build 'the build'; then fail "$name: the $attempt build succeeded"; fi
+        grep -q "$(printf '%s' "$WORK_DIR/$components/tint.slang" | sed 's/[[]/[[]/'):[0-9]*: " log ||
+            fail "$name: the compiler's line is not shown"
+        grep -q "^   tint.frag.spv was not compiled: '[^']*' says why above[.]$" log ||
+            fail "$name: the module is not named"
+        [ "$(lines 'Call Stack')" = 0 ] || fail "$name: the message comes with a call stack"
+    done
+    cmp "$modules/tint.frag.spv" kept.spv || fail "$name: the old module is not there"
+    cp intact.slang "$components/tint.slang"
+    row 'it compiles again' 1 0 1
+
+    rm "$header"
+    row 'delete the header' 0 1 0 # put back from what the tool wrote last
+    rm -r 'the build/render-graph' "$modules"
+    row 'delete all that was generated' 1 1 4
+    build 'the build' --target clean
+    row 'clean' 1 1 4
+    touch "$tool"
+    row 'a new tool' 1 0 0
+
+    # What is dated in the future counts as changed in each build, until it is touched.
+    for dated in "$components/tint.slang" "$tool"; do
+        touch -t 209901010000 "$dated"
+        case $dated in
+            *.slang) modules_too=1 ;;
+            *) modules_too=0 ;;
+        esac
+        built "$dated of tomorrow" 1 0 $modules_too
+        built "$dated of tomorrow, again" 1 0 $modules_too
+        cp old.slang "$components/stock.slang"
+        built "a component beside $dated of tomorrow" 1 1 $((1 + modules_too))
+        rm "$components/stock.slang"
+        touch "$dated"
+        row "$dated of today" 1 1 $((1 + modules_too))
+    done
+}
+
+begin 'Unix Makefiles'
+edits
+begin Ninja
+edits
 
 cp "$components/stock.frag" "$components/stock.slang"
 row 'add a component without effect' 1 0 1
-sed 's/texCoord/texCoord * (1.0 + pc.frameCount)/' "$components/stock.frag" >"$components/stock.slang"
-row 'edit with effect' 1 1 1
-shows list '^  stock  *2  *0  yes$'
-cp "$components/stock.slang" old.slang
-rm "$components/stock.slang"
-row 'remove a component' 1 1 1
-shows list '^  stock  *2  *0  no$'
 touch -t 200101010000 old.slang
+rm "$components/stock.slang"
+row 'remove it' 1 0 1
 cp -p old.slang "$components/stock.slang"
 row 'add a component with an old time stamp' 1 1 1
-shows list '^  stock  *2  *0  yes$'
+shows ':/shaders/stock.glslp 2 moves'
 mv "$components/stock.frag" stock.frag
 row 'remove what is not needed' 1 0 0
 mv stock.frag "$components/stock.frag"
 row 'put it back' 1 0 0
 
-cp -p "$shaders/rewind.glslp" .
-echo 'wiggle = "4"' >>"$shaders/rewind.glslp"
+cp -p "$shaders/tint.glslp" .
+sed 's/0.25/0.5/' tint.glslp >"$shaders/tint.glslp"
 row 'change a .glslp' 1 1 0
-shows 'show rewind' '^  wiggle  *4  *3 '
-rm "$shaders/rewind.glslp"
+shows ':/shaders/tint.glslp 3 moves amount=0.5'
+rm "$shaders/tint.glslp"
 row 'remove a .glslp' 1 1 0
-shows 'show rewind' '^  wiggle  *3  *3 '
-cp -p rewind.glslp "$shaders"
-row 'put the .glslp back with its time stamp' 1 0 0
+shows ':/shaders/tint.glslp 3 moves amount=0'
+cp -p tint.glslp "$shaders"
+row 'put the .glslp back with its time stamp' 1 1 0
 
-echo '// a remark' >>"$shaders/vulkan/include/lcd.glsl"
-row 'edit an include' 0 0 "$(grep -l lcd.glsl "$components"/* | wc -l)"
-echo 'return 1' >>"$components/gba-color.slang"
-name="$generator: a component that does not compile"
-for attempt in first second; do
-    if build 'the build'; then fail "$name: the $attempt build succeeded"; fi
-    grep -q "$(printf '%s' "$WORK_DIR/$components/gba-color.slang" | sed 's/[[]/[[]/'):[0-9]*: " log ||
-        fail "$name: the compiler's line is not shown"
-    tr -s ' \n' ' ' <log >message
-    grep -q "gba-color.frag.spv was not compiled: '[^']*' says why above[.] " message ||
-        fail "$name: the module is not named"
-done
-sed '$d' "$components/gba-color.slang" >repaired.slang
-mv repaired.slang "$components/gba-color.slang"
-row 'it compiles again' 1 0 1
 cp "$components/stock.frag" "$components/surplus.frag"
 row 'add a component that no preset uses' 1 0 1
-modules='the build/render-graph/consumer_modules/spirv'
 [ -e "$modules/surplus.frag.spv" ] || fail "$name: it is not compiled"
 mv "$components/surplus.frag" "$components/renamed.slang"
 row 'rename it' 1 0 1
@@ -122,59 +162,31 @@ row 'remove it' 1 0 0
 mv "$components/hdr-color-boost.slang" .
 name="$generator: remove a component that the tool does not read"
 if build 'the build'; then fail "$name: the build succeeded"; fi
-tr -s ' \n' ' ' <log >message
-grep -q "RenderGraphManifest.h names modules that have no source in the shaders directory: \
+grep -q "^   .*m.h names modules that have no source in the shaders directory: \
 hdr-color-boost.frag.spv. A source that another rule generates has to stand in DEPENDS of \
-render_graph_manifest() by its full path[.]" message || fail "$name: the module is not named"
+render_graph_manifest() by its full path[.]$" log || fail "$name: the module is not named"
 mv hdr-color-boost.slang "$components"
 row 'put that one back' 1 0 0
 
 echo 'a note' >"$components/notes.txt"
-mkdir -p "$shaders/vulkan/include"
 echo '// read by no one here' >"$shaders/vulkan/include/new.glsl"
 row 'add what the tool does not read' 0 0 0
-ln -s nowhere "$components/.#rewind.slang"
+ln -s nowhere "$components/.#tint.slang"
 row "an editor's dangling link" 1 0 0
-rm "$components/.#rewind.slang"
+rm "$components/.#tint.slang"
 row 'the link is gone' 1 0 0
 
-rm "$header"
-row 'delete the header' 0 1 0 # put back from what the tool wrote last
-rm -r 'the build/render-graph'
-row 'delete all that was generated' 1 1 "$all_modules"
-build 'the build' --target clean
-row 'clean' 1 3 "$all_modules"
-touch "$tool"
-row 'a new tool' 1 0 0
-
-cp -p "$components/rewind-noise.slang" intact.slang
-echo '//! input NOWHERE' >>"$components/rewind-noise.slang"
-broken 'break a component' "preset 'rewind' pass 1 ('rewind-noise') declares //! input NOWHERE but \
-no earlier pass carries that alias ($WORK_DIR/$components/rewind-noise.slang)"
-cp intact.slang "$components/rewind-noise.slang"
+cp -p "$components/tint.slang" intact.slang
+echo '//! input NOWHERE' >>"$components/tint.slang"
+broken 'break a component' "preset 'tint' pass 0 ('tint') declares //! input NOWHERE but \
+no earlier pass carries that alias ($WORK_DIR/$components/tint.slang)"
+cp intact.slang "$components/tint.slang"
 row 'repair it' 1 0 1
-rm "$components/rewind-noise.slang"
-broken 'remove a needed component' \
-    "preset 'rewind' pass 1 ('rewind-noise') has no shaders/vulkan/components source"
-cp -p intact.slang "$components/rewind-noise.slang"
+rm "$components/tint.slang"
+broken 'remove a needed component' "preset 'tint' pass 0 ('tint') has no shaders/vulkan/components source"
+cp -p intact.slang "$components/tint.slang"
 row 'put it back with its time stamp' 1 0 0
 
-# What is dated in the future counts as changed in each build, until it is touched.
-for dated in "$components/rewind.slang" "$tool"; do
-    touch -t 209901010000 "$dated"
-    case $dated in
-        *.slang) modules_too=1 ;;
-        *) modules_too=0 ;;
-    esac
-    built "$dated of tomorrow" 1 0 $modules_too
-    built "$dated of tomorrow, again" 1 0 $modules_too
-    rm "$components/stock.slang"
-    built "a component gone beside $dated of tomorrow" 1 1 $((1 + modules_too))
-    cp -p old.slang "$components/stock.slang"
-    touch "$dated"
-    row "$dated of today" 1 1 $((1 + modules_too))
-done
-
-touch "$components/rewind.slang"
+touch "$components/tint.slang"
 export LC_ALL=C
 row 'a locale that is not UTF-8' 1 0 1

@@ -7,8 +7,7 @@ tests="$SOURCE_DIR/tests/cmake-package"
 
 fresh_install
 quick_sources render-graph-compile
-mkdir -p project/sub
-cp -R "$SOURCE_DIR/examples/shaders" project/shaders
+small_shaders project/shaders
 cp "$tests/readme/main.cpp" project
 qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
 
@@ -66,7 +65,7 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     # shellcheck disable=SC2016 # expanded by CMake
     configured "made with $generator" 'set(RenderGraphCompile_EXECUTABLE "${CMAKE_BINARY_DIR}/a tool")
 add_custom_command(OUTPUT "${RenderGraphCompile_EXECUTABLE}"
-    COMMAND "${CMAKE_COMMAND}" -E create_symlink "'"$tool"'" "${RenderGraphCompile_EXECUTABLE}")' \
+    COMMAND "${CMAKE_COMMAND}" -E create_symlink "'"$tool"'" "${RenderGraphCompile_EXECUTABLE}" VERBATIM)' \
         '' -G "$generator" -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON ||
         fail "$generator: configuring with a tool that a rule makes"
     build "made with $generator" || fail "$generator: building with a tool that a rule makes"

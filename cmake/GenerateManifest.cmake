@@ -1,10 +1,12 @@
 # The build steps of render_graph_manifest(). Takes LATEST, which the tool writes and whose time stamp
-# says when, and HEADER, which follows it where the content differs. The step that runs the tool has
-# TOOL (a command) and SHADERS_DIR too.
+# says when, HEADER, which follows it where the content differs, and LOCK, a file that only one step at a time
+# holds. The step that runs the tool has TOOL (a command) and SHADERS_DIR too.
 #
 # The tool exits with 0 though it could not read a component, or not write to the end. So what it is
 # to read and what came out is looked at here. A step that fails leaves LATEST and HEADER as they were.
 cmake_policy(VERSION 3.21)
+include("${CMAKE_CURRENT_LIST_DIR}/RenderGraphArguments.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/WriteFile.cmake")
 
 # What keeps the tool from reading an input; empty if nothing does. A link to nowhere, such as an
 # editor's, is no file for the tool either, which then says what it misses.
@@ -41,9 +43,9 @@ function(input_problem variable path)
 endfunction()
 
 function(check_inputs problem_variable)
-    string(REGEX REPLACE "([[*?])" "[\\1]" pattern "${SHADERS_DIR}")
-    set(components "${pattern}/vulkan/components")
-    file(GLOB inputs "${pattern}/*.glslp" "${components}/*.slang" "${components}/*.frag")
+    _render_graph_glob_literal(literal "${SHADERS_DIR}")
+    set(components "${literal}/vulkan/components")
+    file(GLOB inputs "${literal}/*.glslp" "${components}/*.slang" "${components}/*.frag")
     foreach(input IN LISTS inputs)
         input_problem(is_unfit "${input}")
         if(is_unfit)
@@ -88,6 +90,7 @@ endfunction()
 cmake_path(GET HEADER FILENAME name)
 cmake_path(GET HEADER PARENT_PATH include_dir)
 file(MAKE_DIRECTORY "${include_dir}")
+take_turns("${LOCK}")
 set(problem "")
 
 if(DEFINED TOOL)

@@ -1,0 +1,38 @@
+# Holds what render_graph_modules() compiles against what the manifest names, and removes the modules whose
+# components are gone. SETTINGS, a file, sets header, spirv_dir, names, those of the modules, and built, a file
+# that has them from the run before.
+cmake_policy(VERSION 3.21)
+include("${SETTINGS}")
+include("${CMAKE_CURRENT_LIST_DIR}/WriteFile.cmake")
+take_turns("${built}.lock")
+
+set(problem "")
+file(READ "${header}" text)
+string(REGEX MATCHALL "\":/shaders/vulkan/spirv/[^\"]*\"" named "${text}")
+list(TRANSFORM named REPLACE "^\":/shaders/vulkan/spirv/([^\"]*)\"$" "\\1")
+list(REMOVE_DUPLICATES named)
+list(REMOVE_ITEM named ${names})
+if(named)
+    list(SORT named)
+    list(JOIN named ", " missing)
+    set(problem "${header} names modules that have no source in the shaders directory: ${missing}. A source \
+that another rule generates has to stand in DEPENDS of render_graph_manifest() by its full path.")
+else()
+    set(names_before)
+    include("${built}" OPTIONAL)
+    list(REMOVE_ITEM names_before ${names})
+    foreach(name IN LISTS names_before)
+        if(name MATCHES "^[^/]+[.](frag|vert)[.]spv$")
+            file(REMOVE "${spirv_dir}/${name}")
+        endif()
+    endforeach()
+    set(content "")
+    foreach(name IN LISTS names)
+        string(APPEND content "list(APPEND names_before [==[${name}]==])\n")
+    endforeach()
+    write_file(problem "${built}" "${content}")
+endif()
+if(problem)
+    # The space in front keeps CMake from breaking the line.
+    message(FATAL_ERROR " ${problem}")
+endif()

@@ -1,0 +1,95 @@
+# What the functions of the package share: checks of their arguments, and lists of files.
+cmake_policy(VERSION 3.21)
+
+# For a function whose arguments are parsed into arg_: its first one becomes `target`, and what is
+# missing or unknown is an error. Takes the function, how to call it, and the keywords that have to be there.
+macro(_render_graph_check_call function arguments)
+    set(synopsis "  ${function}(${arguments})")
+    list(POP_FRONT arg_UNPARSED_ARGUMENTS target)
+    list(LENGTH ARGV words)
+    if(words GREATER ARGC)
+        message(FATAL_ERROR
+            "${function}(${target}): an argument holds a semicolon, which CMake takes for the end of one.")
+    endif()
+    if("${target}" STREQUAL "" OR NOT ARGV0 STREQUAL target)
+        message(FATAL_ERROR
+            "${function}: the first argument is the name of the target. Write\n${synopsis}")
+    endif()
+    if(arg_UNPARSED_ARGUMENTS)
+        list(JOIN arg_UNPARSED_ARGUMENTS "', '" unknown)
+        message(FATAL_ERROR
+            "${function}(${target}): unknown argument '${unknown}'. Write\n${synopsis}")
+    endif()
+    foreach(keyword IN ITEMS ${ARGN})
+        if("${arg_${keyword}}" STREQUAL "")
+            message(FATAL_ERROR
+                "${function}(${target}): ${keyword} is missing. Write\n${synopsis}")
+        endif()
+    endforeach()
+endmacro()
+
+# The library of a render_graph_manifest(), which may be given by an alias. `call` begins the message.
+function(_render_graph_check_manifest manifest_variable call name)
+    set(manifest "${name}")
+    set(shaders_dir NOTFOUND)
+    if(TARGET "${manifest}")
+        get_target_property(original "${manifest}" ALIASED_TARGET)
+        if(original)
+            set(manifest "${original}")
+        endif()
+        get_target_property(shaders_dir "${manifest}" _render_graph_shaders_dir)
+    endif()
+    if(NOT shaders_dir)
+        message(FATAL_ERROR
+            "${call}: MANIFEST is the library of a render_graph_manifest() that comes first, "
+            "but it is '${name}'.")
+    endif()
+    set(${manifest_variable} "${manifest}" PARENT_SCOPE)
+endfunction()
+
+# The directory as a pattern that matches nothing else, for file(GLOB).
+function(_render_graph_glob_literal literal_variable directory)
+    string(REGEX REPLACE "([[*?])" "[\\1]" literal "${directory}")
+    set(${literal_variable} "${literal}" PARENT_SCOPE)
+endfunction()
+
+# The full paths of what matches a pattern below the directory, looked for again in each build.
+function(_render_graph_glob paths_variable call directory)
+    _render_graph_glob_literal(literal "${directory}")
+    list(TRANSFORM ARGN PREPEND "${literal}/" OUTPUT_VARIABLE patterns)
+    file(GLOB paths CONFIGURE_DEPENDS ${patterns})
+
+    # CMake splits a list at each semicolon, but for those that follow a bracket without its partner.
+    string(ASCII 1 opened)
+    string(ASCII 2 closed)
+    string(REPLACE "[" "${opened}" pieces "${paths};${directory}")
+    string(REPLACE "]" "${closed}" pieces "${pieces}")
+    list(POP_BACK pieces start)
+    set(other "[^${opened}${closed}]*")
+    set(before "")
+    foreach(piece IN LISTS pieces)
+        string(FIND "${piece}" "${start}/" position)
+        if(NOT position EQUAL 0)
+            string(PREPEND piece "${before};")
+        endif()
+        set(before "${piece}")
+        if(NOT position EQUAL 0 OR NOT piece MATCHES "^${other}(${opened}${other}${closed}${other})*$")
+            string(REPLACE "${opened}" "[" piece "${piece}")
+            string(REPLACE "${closed}" "]" piece "${piece}")
+            message(FATAL_ERROR
+                "${call}: CMake cannot handle the name of '${piece}', which has a semicolon or a bracket "
+                "without its partner. Rename it.")
+        endif()
+    endforeach()
+    set(${paths_variable} "${paths}" PARENT_SCOPE)
+endfunction()
+
+# CMake code that sets the variables, of the caller's, to the values that they have here. In brackets, since
+# a value may hold anything else that CMake code gives a meaning to.
+function(_render_graph_settings code_variable)
+    set(code "")
+    foreach(name IN LISTS ARGN)
+        string(APPEND code "set(${name} [==[${${name}}]==])\n")
+    endforeach()
+    set(${code_variable} "${code}" PARENT_SCOPE)
+endfunction()

@@ -1,0 +1,64 @@
+#!/bin/sh
+# Directories whose names hold what CMake, Make and depfiles give a meaning to: nothing outside the module
+# directory is removed, and nothing runs without need.
+set -eu
+. "$(dirname "$0")/common.sh"
+
+fresh_install
+printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES NONE)' \
+    'find_package(RenderGraphCompile 1 REQUIRED)' \
+    'render_graph_manifest(presets SHADERS_DIR shaders HEADER m.h)' \
+    'add_custom_target(app ALL)' \
+    'render_graph_modules(app MANIFEST presets OUTPUT_DIRECTORY spirv)' >CMakeLists.txt
+
+# module_runs: how many modules the last build compiled.
+module_runs() {
+    lines 'Compiling .*[.]spv for app'
+}
+
+# trial <generator> <compiler> <directory> <a file that a piece of its name could be taken for>
+trial() {
+    name="$1, $2, in '$3'"
+    rm -rf trial
+    mkdir -p "trial/$3"
+    cp CMakeLists.txt "trial/$3"
+    small_shaders "trial/$3/shaders"
+    components="trial/$3/shaders/vulkan/components"
+    : >"trial/$4"
+    configure "trial/$3" "trial/$3/build" -G "$1" "-DRenderGraphCompile_GLSL_COMPILER=$(command -v "$2")" ||
+        fail "$name: configuring"
+    build "trial/$3/build" || fail "$name: building"
+    [ "$(module_runs)" = 4 ] || fail "$name: not all modules"
+    build "trial/$3/build" || fail "$name: building again"
+    [ "$(module_runs)" = 0 ] || fail "$name: modules are compiled again for nothing"
+    echo '// a remark' >>"trial/$3/shaders/vulkan/include/tint.glsl"
+    cp "$components/stock.frag" "$components/surplus.frag"
+    build "trial/$3/build" || fail "$name: building with another include and component"
+    [ "$(module_runs)" = 2 ] || fail "$name: not the two modules that changed"
+    rm "$components/surplus.frag"
+    build "trial/$3/build" || fail "$name: building without the component"
+    [ "$(module_runs)" = 0 ] || fail "$name: a component is gone, and others are compiled"
+    [ -e "trial/$4" ] || fail "$name: the build removed a file outside its tree"
+    [ ! -e "trial/$3/build/spirv/surplus.frag.spv" ] || fail "$name: its module is still there"
+}
+
+trial Ninja glslangValidator 'Projektübersicht' 'Projekt'
+trial Ninja glslc 'a [b] (c) {d} %e' 'a '
+# CMake's own rules for Ninja lose what follows a '$'.
+# shellcheck disable=SC2016 # a name
+trial 'Unix Makefiles' glslc 'a $HOME [b] (c)' 'a '
+# shellcheck disable=SC2016
+trial 'Unix Makefiles' glslangValidator 'a $HOME $(umläut) [b] ' 'a '
+
+# What a list of the earlier run says, true or not, is removed from the module directory alone.
+list=$(find trial -name built.cmake)
+: >trial/outside.frag.spv
+for path in "$WORK_DIR/trial/outside.frag.spv" ../../../outside.frag.spv gone.frag.spv; do
+    echo "list(APPEND names_before [==[$path]==])" >>"$list"
+done
+: >"$(dirname "$(find trial -name tint.frag.spv -path '*build/spirv/*')")/gone.frag.spv"
+sed 's/0.25/0.5/' "$components/../../tint.glslp" >changed.glslp
+cp changed.glslp "$components/../../tint.glslp"
+build "$components/../../../build" || fail 'building with a wrong list'
+[ -e trial/outside.frag.spv ] || fail 'a wrong list removes a file outside'
+[ -z "$(find trial -name gone.frag.spv)" ] || fail 'a module that the list names is still there'
