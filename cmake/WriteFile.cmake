@@ -6,16 +6,8 @@ function(take_turns lock)
     file(LOCK "${lock}" TIMEOUT 300 RESULT_VARIABLE ignored)
 endfunction()
 
-# Writes the file whole or not at all. What CMake could not write for want of room it does not report.
-function(write_file problem_variable path content)
+# Writes the file whole or not at all.
+function(write_file path content)
     file(WRITE "${path}.part" "${content}")
-    file(READ "${path}.part" written)
-    if(written STREQUAL content)
-        file(RENAME "${path}.part" "${path}")
-        return()
-    endif()
-    file(REMOVE "${path}.part")
-    cmake_path(GET path PARENT_PATH directory)
-    set(${problem_variable} "'${path}' could not be written to its end. Make room in '${directory}', and build \
-again." PARENT_SCOPE)
+    file(RENAME "${path}.part" "${path}")
 endfunction()

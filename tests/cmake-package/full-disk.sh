@@ -144,6 +144,9 @@ for cut in 1 4 20; do
     cut_module "a module $cut bytes short" "what '.*/compiler' wrote is no SPIR-V, or not all of it. Is the disk full?$"
 done
 cp compiler kept
+sed 's/-o ]/--depfile ]/' kept >compiler
+echo 1 >compiler.cut
+cut_module 'a short depfile' "'.*/tint.frag.spv.d' was not written to its end. Is the disk full?$"
 printf '%s\n' '#!/bin/sh' 'exit 0' >compiler
 cut_module 'a compiler that writes nothing' "'.*/compiler' wrote nothing[.]$"
 

@@ -30,7 +30,7 @@ configure "$sources" "$sources/out" -G Ninja -DBUILD_TESTING=OFF -DCMAKE_BUILD_T
     "-DCMAKE_INSTALL_DATADIR=$WORK_DIR/shared data" || fail 'configuring'
 build "$sources/out" --target render-graph-compile || fail 'building'
 "$CMAKE" --install "$sources/out" >log 2>&1 || fail 'installing'
-installed/bin/render-graph-compile --shaders-dir "$SOURCE_DIR/examples/shaders" --out m.h >log 2>&1 ||
+installed/bin/render-graph-compile --shaders-dir "$SMALL_SHADERS_DIR" --out m.h >log 2>&1 ||
     fail 'the installed tool does not find its Qt'
 
 mkdir project

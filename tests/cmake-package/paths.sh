@@ -5,11 +5,15 @@ set -eu
 . "$(dirname "$0")/common.sh"
 
 fresh_install
+# Where a name is cut is for the directories below alone to say.
+plain=$(mktemp -d)
+trap 'rm -rf "$plain"' EXIT
+cd "$plain"
 printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES NONE)' \
     'find_package(RenderGraphCompile 1 REQUIRED)' \
     'render_graph_manifest(presets SHADERS_DIR shaders HEADER m.h)' \
     'add_custom_target(app ALL)' \
-    'render_graph_modules(app MANIFEST presets OUTPUT_DIRECTORY spirv)' >CMakeLists.txt
+    'render_graph_modules(app MANIFEST presets OUTPUT_DIRECTORY spirv INCLUDE_DIRECTORIES more)' >CMakeLists.txt
 
 # module_runs: how many modules the last build compiled.
 module_runs() {
@@ -24,6 +28,10 @@ trial() {
     cp CMakeLists.txt "trial/$3"
     small_shaders "trial/$3/shaders"
     components="trial/$3/shaders/vulkan/components"
+    mkdir "trial/$3/more"
+    mv "trial/$3/shaders/vulkan/include/tint.glsl" "trial/$3/more"
+    sed 's|../include/tint.glsl|tint.glsl|' "$components/tint.slang" >tint.slang
+    mv tint.slang "$components"
     : >"trial/$4"
     configure "trial/$3" "trial/$3/build" -G "$1" "-DRenderGraphCompile_GLSL_COMPILER=$(command -v "$2")" ||
         fail "$name: configuring"
@@ -31,7 +39,7 @@ trial() {
     [ "$(module_runs)" = 4 ] || fail "$name: not all modules"
     build "trial/$3/build" || fail "$name: building again"
     [ "$(module_runs)" = 0 ] || fail "$name: modules are compiled again for nothing"
-    echo '// a remark' >>"trial/$3/shaders/vulkan/include/tint.glsl"
+    echo '// a remark' >>"trial/$3/more/tint.glsl"
     cp "$components/stock.frag" "$components/surplus.frag"
     build "trial/$3/build" || fail "$name: building with another include and component"
     [ "$(module_runs)" = 2 ] || fail "$name: not the two modules that changed"
@@ -53,7 +61,7 @@ trial 'Unix Makefiles' glslangValidator 'a $HOME $(umläut) [b] ' 'a '
 # What a list of the earlier run says, true or not, is removed from the module directory alone.
 list=$(find trial -name built.cmake)
 : >trial/outside.frag.spv
-for path in "$WORK_DIR/trial/outside.frag.spv" ../../../outside.frag.spv gone.frag.spv; do
+for path in "$plain/trial/outside.frag.spv" ../../../outside.frag.spv gone.frag.spv; do
     echo "list(APPEND names_before [==[$path]==])" >>"$list"
 done
 : >"$(dirname "$(find trial -name tint.frag.spv -path '*build/spirv/*')")/gone.frag.spv"
