@@ -2,44 +2,20 @@
 
 #include "PresetTables.h"
 
-#include <sys/prctl.h>
-
-#include <linux/capability.h>
-#include <sanitizer/asan_interface.h>
-#include <unistd.h>
-
-#include <vector>
-
 using namespace Qt::StringLiterals;
-
-QString toolPath()
-{
-    return QStringLiteral(RENDER_GRAPH_COMPILE);
-}
 
 Run run(const QStringList &arguments, const Prepare &prepare)
 {
     QProcess process;
     if (prepare)
         prepare(process);
-    start(process, arguments);
-    return finish(process);
-}
+    QStringList command = process.arguments() + QStringList(QStringLiteral(RENDER_GRAPH_COMPILE));
+    if (!process.program().isEmpty())
+        command.prepend(process.program());
+    command += arguments;
+    process.start(command.takeFirst(), command);
+    process.waitForFinished(-1);
 
-Run compile(const QString &shadersDir, const QString &out, const Prepare &prepare)
-{
-    return run({u"--shaders-dir"_s, shadersDir, u"--out"_s, out}, prepare);
-}
-
-void start(QProcess &process, const QStringList &arguments)
-{
-    process.start(toolPath(), arguments);
-}
-
-Run finish(QProcess &process)
-{
-    if (process.state() != QProcess::NotRunning)
-        process.waitForFinished(-1);
     Run result = {.exitStatus = -1,
                   .out = process.readAllStandardOutput(),
                   .err = process.readAllStandardError(),
@@ -53,28 +29,17 @@ Run finish(QProcess &process)
     return result;
 }
 
-std::function<void()> executeTool(const QByteArrayList &arguments)
+Run compile(const QString &shadersDir, const QString &out, const Prepare &prepare)
 {
-    std::vector<char *> words;
-    for (const QByteArray &argument : arguments)
-        words.push_back(const_cast<char *>(argument.constData()));
-    words.push_back(nullptr);
-    // Until execv() the child may share the parent's memory: it changes nothing there, and leaves
-    // none of its stack forbidden to touch.
-    return [arguments, words] {
-        if constexpr (kIsSanitized)
-            __asan_handle_no_return();
-        ::execv(RENDER_GRAPH_COMPILE, words.data());
-        ::_exit(127);
-    };
+    return run({u"--shaders-dir"_s, shadersDir, u"--out"_s, out}, prepare);
 }
 
-void obeyPermissions(QProcess &process)
+Prepare under(const QString &faults)
 {
-    process.setChildProcessModifier([] {
-        ::prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
-        ::prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
-    });
+    return [faults](QProcess &process) {
+        process.setProgram(QStringLiteral(UNDER_FAULTS));
+        process.setArguments(faults.split(u' ') + QStringList(u"--"_s));
+    };
 }
 
 void copyExampleShaders(const QString &to)

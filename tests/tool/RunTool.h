@@ -19,23 +19,16 @@ struct Run
     int signal = 0; // that ended the run
 };
 
+// Gives the process what it needs beside its arguments. A program that it is given, and the
+// arguments with it, is the command that the tool is run by.
 using Prepare = std::function<void(QProcess &)>;
-
-QString toolPath();
 
 Run run(const QStringList &arguments, const Prepare &prepare = {});
 
 Run compile(const QString &shadersDir, const QString &out, const Prepare &prepare = {});
 
-// The two halves of run(), for a test that has something to do in between.
-void start(QProcess &process, const QStringList &arguments);
-Run finish(QProcess &process);
-
-// What runs the tool in a child, with exactly these bytes as its arguments, the name included.
-std::function<void()> executeTool(const QByteArrayList &arguments);
-
-// Root may open anything. The child gives that up, so that permissions mean what they say.
-void obeyPermissions(QProcess &process);
+// Runs the tool under faults, such as "closed=1 cpu-seconds=10"; UnderFaults.cpp lists them.
+Prepare under(const QString &faults);
 
 // The example shaders, copied to the directory `to`.
 void copyExampleShaders(const QString &to);

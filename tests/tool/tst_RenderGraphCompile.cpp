@@ -3,7 +3,6 @@
 #include <QLibraryInfo>
 #include <QVersionNumber>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
@@ -293,7 +292,7 @@ void TestRenderGraphCompile::unreadableComponentCountsAsEmpty()
     QFETCH(std::function<void(QString)>, spoil);
     copyExampleShaders(u"shaders"_s);
     spoil(component("gba-color.slang"));
-    const Run result = compile(u"shaders"_s, u"m.h"_s, obeyPermissions);
+    const Run result = compile(u"shaders"_s, u"m.h"_s, under(u"permissions"_s));
     QCOMPARE(result.err, "");
     QCOMPARE(result.exitStatus, 0);
     QCOMPARE(result.out, retired());
@@ -370,14 +369,14 @@ void TestRenderGraphCompile::failingRunWritesNothing()
     copyExampleShaders(u"shaders"_s);
     spoil();
 
-    const Run first = compile(u"shaders"_s, u"m.h"_s, obeyPermissions);
+    const Run first = compile(u"shaders"_s, u"m.h"_s, under(u"permissions"_s));
     QCOMPARE(first.err, message);
     QCOMPARE(first.out, retired(stoppedAt));
     QCOMPARE(first.exitStatus, 1);
     QVERIFY(!QFile::exists(u"m.h"_s));
 
     writeFile(u"m.h"_s, "an earlier manifest\n");
-    QCOMPARE(compile(u"shaders"_s, u"m.h"_s, obeyPermissions).exitStatus, 1);
+    QCOMPARE(compile(u"shaders"_s, u"m.h"_s, under(u"permissions"_s)).exitStatus, 1);
     QCOMPARE(readFile(u"m.h"_s), "an earlier manifest\n");
 }
 
@@ -399,7 +398,7 @@ void TestRenderGraphCompile::outputThatCannotBeOpened()
     QDir().mkdir(u"closed"_s);
     ::chmod("closed", 0555);
 
-    const Run result = compile(kExampleShaders, path, obeyPermissions);
+    const Run result = compile(kExampleShaders, path, under(u"permissions"_s));
     QCOMPARE(result.err,
              "render-graph-compile: failed to open '" + path.toUtf8() + "' for writing\n");
     QCOMPARE(result.out, retired());
@@ -477,8 +476,9 @@ void TestRenderGraphCompile::hugeComponent()
     QFETCH(QByteArray, unit);
     QFETCH(bool, hasShortLines);
     constexpr qsizetype kSize = (kIsSanitized ? 10 : 32) * qsizetype(1 << 20);
-    static constexpr rlimit kAddressSpace = {rlim_t(80) << 20, rlim_t(80) << 20};
-    static constexpr rlimit kSeconds = {120, 120};
+    QString limits = u"cpu-seconds=120"_s;
+    if (hasShortLines && !kIsSanitized)
+        limits += u" address-space=%1"_s.arg(80 << 20);
 
     copyExampleShaders(u"shaders"_s);
     QByteArray content = readFile(component("rewind-noise.slang"));
@@ -486,13 +486,7 @@ void TestRenderGraphCompile::hugeComponent()
     content += unit.repeated(kSize / unit.size());
     writeFile(component("rewind-noise.slang"), content);
 
-    const Run result = compile(u"shaders"_s, u"m.h"_s, [&](QProcess &process) {
-        process.setChildProcessModifier([hasShortLines] {
-            ::setrlimit(RLIMIT_CPU, &kSeconds);
-            if (hasShortLines && !kIsSanitized)
-                ::setrlimit(RLIMIT_AS, &kAddressSpace);
-        });
-    });
+    const Run result = compile(u"shaders"_s, u"m.h"_s, under(limits));
     QCOMPARE(result.err, "");
     QCOMPARE(result.exitStatus, 0);
     const QByteArray difference = differenceFromGolden(u"m.h"_s);
