@@ -77,9 +77,16 @@ function(run_tool problem_variable)
     # What the tool says on standard output is no error, and would repeat in every build.
     file(REMOVE "${LATEST}.part")
     execute_process(COMMAND ${TOOL} --shaders-dir "${SHADERS_DIR}" --out "${LATEST}.part"
-        RESULT_VARIABLE result OUTPUT_QUIET)
+        RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE said ECHO_ERROR_VARIABLE)
     if(result MATCHES "^[0-9]+$" AND NOT result EQUAL 0)
-        set(${problem_variable} "the tool says why above." PARENT_SCOPE)
+        include("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/DescribeComponentError.cmake")
+        describe_component_error(places "${said}" "${SHADERS_DIR}")
+        set(problem "the tool says why above.")
+        if(NOT places STREQUAL "")
+            string(REPLACE "\n" "\n " places "\n${places}")
+            string(APPEND problem "${places}")
+        endif()
+        set(${problem_variable} "${problem}" PARENT_SCOPE)
     elseif(NOT result EQUAL 0)
         list(JOIN TOOL " " command)
         set(${problem_variable} "'${command}' does not run: ${result}. \

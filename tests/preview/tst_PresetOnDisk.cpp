@@ -212,6 +212,71 @@ void TestPresetOnDisk::errors_data()
         "function found\n"
         "shaders/vulkan/components/hdr-color-boost.slang:32: '=' : cannot convert from ' const "
         "float' to ' temp highp 4-component vector of float'");
+
+    // What the tool says, and then where.
+    const auto placed = [](const char *name, const char *preset, const char *file,
+                           const QByteArray &content, const char *line, const char *place) {
+        QTest::newRow(name) << QString::fromLatin1(preset) << QString::fromLatin1(file) << content
+                            << QString::fromLatin1(line) + u'\n' + QString::fromLatin1(place);
+    };
+    const char *const noise = "vulkan/components/rewind-noise.slang";
+    placed("alias", "rewind", noise, "\n//! input NONE\n",
+           "preset 'rewind' pass 1 ('rewind-noise') declares //! input NONE but no earlier pass "
+           "carries that alias (shaders/vulkan/components/rewind-noise.slang)",
+           "shaders/vulkan/components/rewind-noise.slang:2: //! input NONE stands here");
+    placed("parameter", "rewind", noise, "//! param smear\n\n//! param DMG_TINT\n",
+           "rewind pass 1 declares parameter 'DMG_TINT' without metadata",
+           "shaders/vulkan/components/rewind-noise.slang:3: //! param DMG_TINT stands here");
+    placed("slot", "rewind", noise,
+           "//! param wiggle\n//! param mask_hdr_ready\n//! param smear\n"
+           "/* pc.params[2] */ pc.params[1];\npc.params[3] + pc.params[2];\n",
+           "preset 'rewind' pass 1: code reads pc.params[2] but its own //! param directives only "
+           "declare 2 slot(s) (shaders/vulkan/components/rewind-noise.slang)",
+           "shaders/vulkan/components/rewind-noise.slang:5: pc.params[2] is read here; the slots "
+           "are "
+           "[0] smear, [1] wiggle");
+    placed("slot without directives", "rewind", noise, "pc.params[99999999999]\n",
+           "preset 'rewind' pass 1: code reads pc.params[0] but its own //! param directives only "
+           "declare 0 slot(s) (shaders/vulkan/components/rewind-noise.slang)",
+           "shaders/vulkan/components/rewind-noise.slang:1: pc.params[0] is read here; there is no "
+           "//! param");
+    QByteArray directives = "//! param mask_hdr_ready\n";
+    for (const char *id :
+         {"abl_strength", "barrel_distortion", "beam_max", "beam_min", "black_floor", "conv_bx",
+          "conv_by", "conv_rx", "conv_ry", "corner_radius", "crt_white", "desaturate", "gun_cutoff",
+          "halation_sigma", "abl_strength", "hdr_peak", "persist_b", "persist_g"})
+        directives += "//! param " + QByteArray(id) + '\n';
+    placed("too many parameters", "crt-pvm", "vulkan/components/crt-linearize.slang", directives,
+           "preset 'crt-pvm' pass 0 ('crt-linearize') exceeds MaxParamFloatsPerPass",
+           "shaders/vulkan/components/crt-linearize.slang:18: //! param persist_b is number 16 of "
+           "17; "
+           "a pass takes at most 15");
+    directives.clear();
+    for (const char *alias : {"LINEARIZED", "ABL", "DRIVE", "OPTICAL", "ENVELOPE", "BEAM",
+                              "SCANLINE", "OPTICS_DOWN", "ABL"})
+        directives += "//! input CRT_" + QByteArray(alias) + '\n';
+    placed("too many inputs", "crt-pvm", "vulkan/components/crt-screen.slang", directives,
+           "preset 'crt-pvm' pass 17 ('crt-screen') exceeds MaxSampledInputsPerPass",
+           "shaders/vulkan/components/crt-screen.slang:8: //! input CRT_OPTICS_DOWN is the last of "
+           "8; "
+           "with the images that take no directive, a pass samples at most 8");
+    const auto drift = [&placed](const char *name, const char *content, const QByteArray &listed,
+                                 const char *place) {
+        const QByteArray line = "preset 'rewind' ownParams union {lineNoise;noiseAmount;smear;"
+                                "tapeSpeed;wiggle} does not match its .glslp parameters= list {"
+                + listed + '}';
+        placed(name, "rewind", "rewind.glslp", content, line.constData(), place);
+    };
+    drift("drift", "\nparameters = \"smear; wiggle;tapeSpeed;lineNoise;Smear; wiggle\"\n",
+          " wiggle; wiggle;Smear;lineNoise;smear;tapeSpeed",
+          "shaders/rewind.glslp:2: only the passes have 'noiseAmount', 'wiggle'; only this list "
+          "has "
+          "' wiggle', 'Smear'");
+    drift("an id twice", "parameters = \"smear;wiggle;tapeSpeed;lineNoise;noiseAmount;smear\"\n",
+          "lineNoise;noiseAmount;smear;smear;tapeSpeed;wiggle",
+          "shaders/rewind.glslp:1: an id stands here more than once");
+    drift("no list", "parameters = smear\n", "",
+          "shaders/rewind.glslp: no line 'parameters = \"...\"' can be read here");
 }
 
 void TestPresetOnDisk::errors()

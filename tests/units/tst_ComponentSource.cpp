@@ -385,8 +385,10 @@ void TestComponentSource::scansOfOneSource()
                         "    /* pc.params[7]\n"
                         "    */ x = pc.params[0] + pc.frameCount;\n"
                         "    y = pc.hdrOutputActive; // pc.params[6]\n"
-                        "}\n";
-    const Scans scans(write(source.replace("\n", lineEnd)));
+                        "}\n"
+                        "//! param strength\n";
+    const QString path = write(source.replace("\n", lineEnd));
+    const Scans scans(path);
     QCOMPARE(scans.codeLines,
              QStringList({u"void main() {"_s, u" x = pc.params[0] + pc.frameCount;"_s,
                           u"    y = pc.hdrOutputActive; "_s, u"}"_s}));
@@ -395,6 +397,13 @@ void TestComponentSource::scansOfOneSource()
     QCOMPARE(scans.aliases, QStringList({u"BEAM"_s}));
     QCOMPARE(scans.ids, QStringList({u"strength"_s}));
     QVERIFY(scans.readsHdr);
+
+    QCOMPARE(aliasInputLine(path, u"BEAM"_s), 1);
+    QCOMPARE(aliasInputLine(path, u"strength"_s), 0);
+    QCOMPARE(parameterLine(path, u"strength"_s), 2);
+    QCOMPARE(parameterLine(path, u"BEAM"_s), 0);
+    QCOMPARE(paramSlotLine(path, 0), 5);
+    QCOMPARE(paramSlotLine(path, 7), 0);
 }
 
 void TestComponentSource::eachCallReadsAnew()

@@ -81,24 +81,65 @@ bool hasToken(const QString &path, QStringView literal, const QRegularExpression
     return found;
 }
 
+const QRegularExpression &inputDirective()
+{
+    static const QRegularExpression kInputDirective(uR"(^\s*//!\s*input\s+(\w+)\s*$)"_s);
+    return kInputDirective;
+}
+
+const QRegularExpression &paramDirective()
+{
+    static const QRegularExpression kParamDirective(uR"(^\s*//!\s*param\s+(\w+)\s*$)"_s);
+    return kParamDirective;
+}
+
+// Calls `bool visit(const QString &name, int line)` for each such directive.
+template<typename Visitor>
+void forEachDirective(const QString &path, const QRegularExpression &directive, Visitor visit)
+{
+    int number = 0;
+    forEachLine(path, [&](QStringView line) {
+        ++number;
+        if (!line.contains(u'!'))
+            return true;
+        const QRegularExpressionMatch match = directive.match(line.toString());
+        return !match.hasMatch() || visit(match.captured(1), number);
+    });
+}
+
 QStringList directiveNames(const QString &path, const QRegularExpression &directive)
 {
     QStringList names;
     QSet<QString> seen;
-    forEachLine(path, [&](QStringView line) {
-        if (!line.contains(u'!'))
-            return true;
-        const QRegularExpressionMatch match = directive.match(line.toString());
-        if (match.hasMatch()) {
-            const QString name = match.captured(1);
-            if (!seen.contains(name)) {
-                seen.insert(name);
-                names.append(name);
-            }
+    forEachDirective(path, directive, [&](const QString &name, int /*line*/) {
+        if (!seen.contains(name)) {
+            seen.insert(name);
+            names.append(name);
         }
         return true;
     });
     return names;
+}
+
+int directiveLine(const QString &path, const QRegularExpression &directive, const QString &name)
+{
+    int found = 0;
+    forEachDirective(path, directive, [&](const QString &candidate, int line) {
+        if (candidate == name)
+            found = line;
+        return found == 0;
+    });
+    return found;
+}
+
+void addSlotIndices(QStringView code, QSet<int> &indices)
+{
+    if (!code.contains(u'['))
+        return;
+    static const QRegularExpression kParamsIndex(uR"(\bpc\s*\.\s*params\s*\[\s*(\d+)\s*\])"_s);
+    auto matches = kParamsIndex.globalMatch(code.toString());
+    while (matches.hasNext())
+        indices.insert(matches.next().captured(1).toInt());
 }
 
 } // namespace
@@ -131,29 +172,46 @@ bool sourceUsesFrameCount(const QString &path)
 
 QSet<int> usedParamSlotIndices(const QString &path)
 {
-    static const QRegularExpression kParamsIndex(uR"(\bpc\s*\.\s*params\s*\[\s*(\d+)\s*\])"_s);
     QSet<int> indices;
-    forEachCodeLine(path, [&](QStringView line) {
-        if (!line.contains(u'['))
-            return true;
-        auto matches = kParamsIndex.globalMatch(line.toString());
-        while (matches.hasNext())
-            indices.insert(matches.next().captured(1).toInt());
+    forEachCodeLine(path, [&indices](QStringView line) {
+        addSlotIndices(line, indices);
         return true;
     });
     return indices;
 }
 
+int paramSlotLine(const QString &path, int index)
+{
+    int number = 0;
+    bool inBlockComment = false;
+    QString code;
+    QSet<int> indices;
+    forEachLine(path, [&](QStringView line) {
+        ++number;
+        addSlotIndices(withoutComments(line, code, inBlockComment), indices);
+        return !indices.contains(index);
+    });
+    return indices.contains(index) ? number : 0;
+}
+
 QStringList declaredAliasInputs(const QString &path)
 {
-    static const QRegularExpression kInputDirective(uR"(^\s*//!\s*input\s+(\w+)\s*$)"_s);
-    return directiveNames(path, kInputDirective);
+    return directiveNames(path, inputDirective());
 }
 
 QStringList declaredParameterIds(const QString &path)
 {
-    static const QRegularExpression kParamDirective(uR"(^\s*//!\s*param\s+(\w+)\s*$)"_s);
-    return directiveNames(path, kParamDirective);
+    return directiveNames(path, paramDirective());
+}
+
+int aliasInputLine(const QString &path, const QString &alias)
+{
+    return directiveLine(path, inputDirective(), alias);
+}
+
+int parameterLine(const QString &path, const QString &id)
+{
+    return directiveLine(path, paramDirective(), id);
 }
 
 bool sourceReadsHdrOutputActive(const QString &path)

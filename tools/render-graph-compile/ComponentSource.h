@@ -28,5 +28,11 @@ QSet<int> usedParamSlotIndices(const QString &path);
 QStringList declaredAliasInputs(const QString &path);
 QStringList declaredParameterIds(const QString &path);
 
+// The line, from 1, on which such a name stands first, or the code first reads that slot; 0 if none
+// does.
+int aliasInputLine(const QString &path, const QString &alias);
+int parameterLine(const QString &path, const QString &id);
+int paramSlotLine(const QString &path, int index);
+
 // Whether the code reads pc.hdrOutputActive.
 bool sourceReadsHdrOutputActive(const QString &path);

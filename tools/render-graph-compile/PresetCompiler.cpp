@@ -22,9 +22,6 @@ using FirstPartyPresetSource::PresetDecl;
 using Pass = VulkanRenderGraph::Pass;
 using ResourceRef = VulkanRenderGraph::ResourceRef;
 
-// Fed by the renderer itself, so it takes no push-constant slot and has no declaration.
-constexpr auto kExemptParameterId = "mask_hdr_ready"_L1;
-
 VulkanRenderGraph::Format formatOf(const QString &component)
 {
     // The beam limiter averages the whole picture: half floats would lose the small differences.
@@ -171,7 +168,7 @@ private:
         if (index == m_decl.passCount - 1)
             m_graph.finalRealPassRespondsToHdr = isSlang && sourceReadsHdrOutputActive(slangPath);
 
-        if (!assignSlots(index, isSlang ? directiveParameterIds(slangPath) : ownParameterIds(decl),
+        if (!assignSlots(index, isSlang ? slotParameterIds(slangPath) : ownParameterIds(decl),
                          pass))
             return false;
         if (pass.params.size() > VulkanRenderGraph::MaxParamFloatsPerPass) {
@@ -238,13 +235,6 @@ private:
         return true;
     }
 
-    static QStringList directiveParameterIds(const QString &path)
-    {
-        QStringList ids = declaredParameterIds(path);
-        ids.removeOne(kExemptParameterId);
-        return ids;
-    }
-
     // A parameter's slot is its rank among the pass's sorted ids, so that a shader's author can
     // tell it from the directives alone.
     bool assignSlots(int index, QStringList ids, Pass &pass) const
@@ -288,6 +278,15 @@ private:
 };
 
 } // namespace
+
+QStringList slotParameterIds(const QString &slangPath)
+{
+    // Fed by the renderer itself, so it takes no push-constant slot and has no declaration.
+    constexpr auto kExemptParameterId = "mask_hdr_ready"_L1;
+    QStringList ids = declaredParameterIds(slangPath);
+    ids.removeOne(kExemptParameterId);
+    return ids;
+}
 
 bool compilePreset(const QString &shadersDir, const PresetDecl &decl, VulkanRenderGraph &graph)
 {

@@ -38,21 +38,6 @@ ValueTable presetValueOverrides(const QString &glslpPath)
     return values;
 }
 
-QStringList presetDeclaredParameterList(const QString &glslpPath)
-{
-    static const QRegularExpression kParametersLine(uR"re(^\s*parameters\s*=\s*"([^"]*)")re"_s);
-    QStringList ids;
-    forEachLine(glslpPath, [&](QStringView line) {
-        if (!line.contains(u"parameters"))
-            return true;
-        const QRegularExpressionMatch match = kParametersLine.match(line.toString());
-        if (match.hasMatch())
-            ids = match.captured(1).split(u';', Qt::SkipEmptyParts);
-        return !match.hasMatch();
-    });
-    return ids;
-}
-
 ValueTable declaredValueOverrides(const PresetDecl &decl)
 {
     ValueTable values;
@@ -99,6 +84,23 @@ bool matchesDeclaredList(const PresetDecl &decl, const QList<PresetParamMeta> &p
 
 } // namespace
 
+DeclaredParameterList declaredParameterList(const QString &glslpPath)
+{
+    static const QRegularExpression kParametersLine(uR"re(^\s*parameters\s*=\s*"([^"]*)")re"_s);
+    DeclaredParameterList list;
+    int number = 0;
+    forEachLine(glslpPath, [&](QStringView line) {
+        ++number;
+        if (!line.contains(u"parameters"))
+            return true;
+        const QRegularExpressionMatch match = kParametersLine.match(line.toString());
+        if (match.hasMatch())
+            list = {match.captured(1).split(u';', Qt::SkipEmptyParts), number};
+        return !match.hasMatch();
+    });
+    return list;
+}
+
 bool collectPresetParameters(const QString &shadersDir, const PresetDecl &decl,
                              QList<PresetParamMeta> &out)
 {
@@ -120,5 +122,5 @@ bool collectPresetParameters(const QString &shadersDir, const PresetDecl &decl,
     }
 
     collect(decl, presetValueOverrides(glslpPath), out);
-    return matchesDeclaredList(decl, out, presetDeclaredParameterList(glslpPath));
+    return matchesDeclaredList(decl, out, declaredParameterList(glslpPath).ids);
 }

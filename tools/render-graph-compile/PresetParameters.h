@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 // One parameter of a preset as the user interface shows it.
 struct PresetParamMeta
@@ -27,3 +28,12 @@ struct PresetParamMeta
 bool collectPresetParameters(const QString &shadersDir,
                              const FirstPartyPresetSource::PresetDecl &decl,
                              QList<PresetParamMeta> &out);
+
+// The `parameters` list of a .glslp file.
+struct DeclaredParameterList
+{
+    QStringList ids;
+    int line = 0; // from 1; 0 where there is no such line, or it cannot be read
+};
+
+DeclaredParameterList declaredParameterList(const QString &glslpPath);

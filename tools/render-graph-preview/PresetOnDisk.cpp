@@ -1,5 +1,6 @@
 #include "PresetOnDisk.h"
 
+#include "ErrorPlace.h"
 #include "GlslCompiler.h"
 
 #include <ComponentSource.h>
@@ -22,6 +23,11 @@ using FirstPartyPresetSource::kPresets;
 using FirstPartyPresetSource::PassDecl;
 using FirstPartyPresetSource::PresetDecl;
 
+QString glslpPath(const QString &shadersDir, const PresetDecl &decl)
+{
+    return QDir(shadersDir).filePath(QString::fromLatin1(decl.name) + ".glslp"_L1);
+}
+
 // What the preset's compiler looks at.
 QStringList filesOf(const QString &shadersDir, const PresetDecl &decl)
 {
@@ -29,9 +35,7 @@ QStringList filesOf(const QString &shadersDir, const PresetDecl &decl)
     for (const PassDecl &pass : passesOf(decl))
         files.append(slangComponentPath(shadersDir, QString::fromLatin1(pass.component)));
     if (qstrcmp(decl.presetExtension, "glslp") == 0)
-        files.append(QDir(shadersDir)
-                             .filePath("%1.%2"_L1.arg(QString::fromLatin1(decl.name),
-                                                      QString::fromLatin1(decl.presetExtension))));
+        files.append(glslpPath(shadersDir, decl));
     return files;
 }
 
@@ -41,6 +45,17 @@ bool compileGraph(const QString &shadersDir, const PresetDecl &decl, PresetOnDis
     const bool isCompiled = compilePreset(shadersDir, decl, preset.graph)
             && collectPresetParameters(shadersDir, decl, preset.parameters);
     preset.error = diagnostics.errors().join(u'\n');
+    if (!isCompiled) {
+        // The pass that fails is the first one that the graph lacks.
+        const auto index = std::size_t(preset.graph.passes.size());
+        const auto passes = passesOf(decl);
+        const QString component =
+                index < passes.size() ? QString::fromLatin1(passes[index].component) : QString();
+        const QString place = errorPlace(preset.error, slangComponentPath(shadersDir, component),
+                                         glslpPath(shadersDir, decl), preset.parameters);
+        if (!place.isEmpty())
+            preset.error += u'\n' + place;
+    }
     return isCompiled;
 }
 

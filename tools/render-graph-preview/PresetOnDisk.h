@@ -25,7 +25,8 @@ struct PresetOnDisk
     // error if there is one.
     QStringList files;
     // Empty when all went well. Else what is wrong, a line each; a line about shader code begins
-    // with "<file>:<line>: ". The graph and the modules are then unfinished.
+    // with "<file>:<line>: ". What the tool would say is followed by a line that says where, if it
+    // does not. The graph and the modules are then unfinished.
     QString error;
 };
 
