@@ -48,6 +48,15 @@ trial() {
     [ "$(module_runs)" = 0 ] || fail "$name: a component is gone, and others are compiled"
     [ -e "trial/$4" ] || fail "$name: the build removed a file outside its tree"
     [ ! -e "trial/$3/build/spirv/surplus.frag.spv" ] || fail "$name: its module is still there"
+
+    # What CMake cannot list stops the build with a line that names it, for as long as it is there.
+    odd="$components/a[1.slang"
+    : >"$odd"
+    if build "trial/$3/build"; then fail "$name: built with a name that CMake cannot list"; fi
+    tr -s ' \n' ' ' <log >message
+    grep -qF "CMake cannot handle the name of '$plain/$odd', which has" message || fail "$name: no such line"
+    rm "$odd"
+    build "trial/$3/build" || fail "$name: the build does not recover"
 }
 
 trial Ninja glslangValidator 'Projektübersicht' 'Projekt'
