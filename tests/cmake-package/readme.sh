@@ -7,11 +7,12 @@ tests="$SOURCE_DIR/tests/cmake-package"
 
 fresh_real_install
 mkdir -p project/res
-# shellcheck disable=SC2016 # no command, but Markdown
-sed -n '/^## In a CMake build/,/^## /{/^```cmake$/,/^```$/{/^```/!p}}' "$SOURCE_DIR/README.md" \
-    >project/CMakeLists.txt
+block() {
+    awk -f "$SOURCE_DIR/tests/docs/shown.awk" -v block="$1 In a CMake build" "$SOURCE_DIR/README.md"
+}
+block cmake >project/CMakeLists.txt
+block cpp >project/main.cpp
 [ -s project/CMakeLists.txt ] || fail 'README.md shows no CMake code'
-cp "$tests/readme/main.cpp" project
 cp -R "$SOURCE_DIR/examples/shaders" project/res
 preset_count=$(sed 1d "$SOURCE_DIR/tests/presets/tables/presets.csv" | wc -l)
 header=render-graph/my_presets/include/RenderGraphManifest.h

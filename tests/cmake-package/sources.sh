@@ -8,7 +8,7 @@ tests="$SOURCE_DIR/tests/cmake-package"
 fresh_install
 quick_sources render-graph-compile
 small_shaders project/shaders
-cp "$tests/readme/main.cpp" project
+cp "$tests/app.cpp" project/main.cpp
 qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
 
 # configured <build> <CMake code before> <CMake code after> <arguments...>
@@ -16,7 +16,7 @@ configured() {
     to=$1
     printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES CXX)' \
         "$2" 'add_subdirectory(../render-graph-compile first)' \
-        'render_graph_manifest(presets SHADERS_DIR shaders HEADER RenderGraphManifest.h)' \
+        'render_graph_manifest(presets SHADERS_DIR shaders HEADER m.h)' \
         'add_executable(app main.cpp)' 'target_link_libraries(app PRIVATE presets)' "$3" \
         >project/CMakeLists.txt
     shift 3

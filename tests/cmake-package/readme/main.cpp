@@ -1,9 +1,0 @@
-#include "RenderGraphManifest.h"
-
-#include <cstdio>
-
-int main()
-{
-    for (const RenderGraphManifestData::PresetEntry &preset : RenderGraphManifestData::kPresets)
-        std::printf("%s\n", preset.presetQrcPath);
-}
