@@ -1,32 +1,90 @@
 #!/bin/sh
-# The project that docs/cmake.md shows for presets of one's own.
+# The project that docs/cmake.md shows for presets of one's own, with the sources in a directory and with
+# FetchContent; and what says that its presets would not be taken.
 set -eu
 . "$(dirname "$0")/common.sh"
 
-rm -rf "$WORK_DIR"
-mkdir -p "$WORK_DIR/render-graph-compile"
-cd "$WORK_DIR"
+# code <language> <number>: that code block of the section.
+code() {
+    awk -v language="$1" -v wanted="$2" '
+        /^## / { inside = ($0 == "## Presets of your own") }
+        /^```/ { shown = (inside && $0 == "```" language && ++number == wanted); next }
+        shown' "$SOURCE_DIR/docs/cmake.md" >code
+    [ -s code ] || fail "the document shows no $1 code number $2"
+    cat code
+}
+
+# refused <CMake code> <message>: is the last that a project says.
+refused() {
+    mkdir -p refused
+    printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES CXX)' "$1" >refused/CMakeLists.txt
+    if configure refused refused/build -G Ninja "-DQt6_DIR=$qt_dir"; then fail "accepted: $1"; fi
+    tr -s ' \n' ' ' <log >message
+    grep -qF "$2 " message || fail "the error does not say \"$2\""
+}
+
+fresh_install
+qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
+sources=project/third_party/render-graph-compile
+mkdir -p $sources project/shaders/vulkan/components
 for part in CMakeLists.txt cmake src tools; do
-    cp -R "$SOURCE_DIR/$part" render-graph-compile
+    cp -R "$SOURCE_DIR/$part" $sources
 done
-tar czf render-graph-compile.tar.gz render-graph-compile
-rm -r render-graph-compile
-cp -R "$SOURCE_DIR/tests/cmake-package/own-presets" project
-# shellcheck disable=SC2016 # no command, but Markdown
-sed -n '/^## Presets of your own/,/^## /{/^```cmake$/,/^```$/{/^```/!p}}' "$SOURCE_DIR/docs/cmake.md" |
-    sed "s|https:[^)]*|\"$WORK_DIR/render-graph-compile.tar.gz\"|" >project/CMakeLists.txt
-[ -s project/CMakeLists.txt ] || fail 'the document shows no CMake code'
-mkdir -p project/shaders/vulkan/components
+code cmake 1 >project/CMakeLists.txt
+code cpp 1 >project/MyPresets.h
+cp "$SOURCE_DIR/tests/cmake-package/own-presets/main.cpp" project
 : >project/shaders/vulkan/components/tint.slang
 
-prefix=none
-qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
 configure project build -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_UNITY_BUILD=ON || fail 'configuring'
 build build || fail 'building'
+[ "$(lines render-graph-preview)" = 0 ] || fail 'the preview is built though nobody asked for it'
 [ "$(build/my_app)" = ':/shaders/tint.glslp 2' ] || fail 'other presets than the own ones'
-sed 's/"tint", .passes/"dyed", .passes/' project/FirstPartyPresets.h >changed.h
-mv changed.h project/FirstPartyPresets.h
+if [ -e "$BUILD_DIR/CPackPreviewConfig.cmake" ]; then
+    ninja -C build -t commands preview >log || fail 'there is no preview'
+    [ "$(lines "render-graph-preview --shaders-dir $WORK_DIR/project/shaders window$")" = 1 ] ||
+        fail 'the preview is not started on the own shaders'
+fi
+sed 's/"tint", .passes/"dyed", .passes/' project/MyPresets.h >changed.h
+mv changed.h project/MyPresets.h
 build build || fail 'building with changed presets'
 [ "$(build/my_app)" = ':/shaders/dyed.glslp 2' ] || fail 'the change is not taken'
 build build || fail 'building again'
 [ "$(lines 'no work to do')" = 1 ] || fail 'the build after it has something to do'
+
+# With FetchContent; where the preview's needs are not there, that is all right.
+tool="$WORK_DIR/build/third_party/render-graph-compile/tools/render-graph-compile/render-graph-compile"
+quick_sources render-graph-compile '#include <FirstPartyPresets.h>
+#include <string_view>
+static_assert(FirstPartyPresetSource::kPresets[0].name == std::string_view("dyed"));'
+tar czf render-graph-compile.tar.gz render-graph-compile
+code cmake 2 | sed "s|https:[^)]*|\"$WORK_DIR/render-graph-compile.tar.gz\"|" >fetch.cmake
+sed '/^add_subdirectory/{
+r fetch.cmake
+d
+}' project/CMakeLists.txt >changed.txt
+mv changed.txt project/CMakeLists.txt
+configure project fetched -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_DISABLE_FIND_PACKAGE_Vulkan=ON ||
+    fail 'configuring with FetchContent'
+[ "$(lines 'Vulkan\|glslang\|Qt.s Gui')" = 0 ] || fail 'what the preview lacks is told to those who need none'
+build fetched || fail 'building with FetchContent'
+[ "$(fetched/my_app)" = ':/shaders/dyed.glslp 2' ] || fail 'FetchContent: other presets than the own ones'
+
+# What is found while cross-compiling is the target's.
+configure project foreign -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_CROSSCOMPILING_EMULATOR=emulator \
+    "-DCMAKE_TOOLCHAIN_FILE=$SOURCE_DIR/tests/cmake-package/foreign.cmake" || fail 'configuring for another system'
+if grep -i 'vulkan\|glslang' foreign/CMakeCache.txt; then fail 'another system is searched for the preview'; fi
+
+add='add_subdirectory(../project/third_party/render-graph-compile first)'
+refused "set(RenderGraphCompile_PRESETS none.h)
+$add" "RenderGraphCompile_PRESETS is no file: '$WORK_DIR/refused/none.h'. A relative path counts from the project's \
+top directory."
+refused "$add
+set(RenderGraphCompile_PRESETS ../project/MyPresets.h)
+add_subdirectory(../project/third_party/render-graph-compile second)" \
+    "The sources of RenderGraphCompile were added before, with other presets: \
+'$WORK_DIR/$sources/tools/render-graph-compile/FirstPartyPresets.h'. Set RenderGraphCompile_PRESETS before they are \
+added first."
+refused "set(RenderGraphCompile_PRESETS ../project/MyPresets.h)
+find_package(RenderGraphCompile 1 REQUIRED)" \
+    'RenderGraphCompile_PRESETS is set, but an installed tool has its presets compiled in. Add the sources with
+add_subdirectory or FetchContent instead.'

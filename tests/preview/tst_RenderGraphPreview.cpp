@@ -114,6 +114,9 @@ void TestRenderGraphPreview::errors_data()
     QTest::newRow("two presets") << picture + u"stock"_s
                                  << "usage: render-graph-preview picture <preset> (see --help)"_ba;
     QTest::newRow("no output") << u"picture stock"_s << "--out is missing: name what to write"_ba;
+    QTest::newRow("no shaders directory")
+            << u"--shaders-dir= picture stock --out a.png"_s
+            << "--shaders-dir is missing: name the shaders directory"_ba;
     QTest::newRow("unknown preset")
             << u"picture crt --out a.png"_s << "no preset 'crt'; there are "_ba + presets;
     QTest::newRow("unknown id") << picture + u"--set gain=1"_s
@@ -219,7 +222,7 @@ void TestRenderGraphPreview::helpAndVersion()
 
 void TestRenderGraphPreview::listNamesEverything()
 {
-    const Run list = run({u"list"_s});
+    const Run list = run(words(u"--shaders-dir= list"_s)); // which reads none
     QCOMPARE(list.err, "");
     QVERIFY2(list.out.startsWith("presets:\n  crt-pvm\n  crt-bvm\n"), list.out.constData());
     QVERIFY(list.out.contains("\n  stock\ntest pictures:\n  scene-320x240\n"));

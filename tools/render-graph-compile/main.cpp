@@ -1,8 +1,9 @@
 #include "ComponentSource.h"
-#include "FirstPartyPresets.h"
 #include "ManifestWriter.h"
 #include "PresetCompiler.h"
 #include "PresetParameters.h"
+
+#include <FirstPartyPresets.h>
 
 #include <QCoreApplication>
 #include <QFile>

@@ -21,12 +21,16 @@ constexpr const Command *kCommands[] = {
         &kPictureCommand, &kGraphCommand, &kProfileCommand, &kListCommand};
 
 // Where the example shaders lie beside the program: put there by an installation, and in a build
-// tree a link to the source tree's.
+// tree a link to the source tree's. None where the program is built for another project's presets.
 QString defaultShadersDir()
 {
+#ifdef SHADERS_FROM_BIN
     const QString path = QCoreApplication::applicationDirPath() + u"/" SHADERS_FROM_BIN ""_s;
     const QString canonical = QFileInfo(path).canonicalFilePath();
     return canonical.isEmpty() ? QDir::cleanPath(path) : canonical;
+#else
+    return {};
+#endif
 }
 
 int fail(const QString &error)
@@ -59,9 +63,12 @@ int main(int argc, char *argv[])
     QCommandLineParser parser;
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
+    const QString shaders = defaultShadersDir();
     const QCommandLineOption shadersDir(
-            u"shaders-dir"_s, u"The shaders directory. Default: %1."_s.arg(defaultShadersDir()),
-            u"path"_s, defaultShadersDir());
+            u"shaders-dir"_s,
+            u"The shaders directory."_s
+                    + (shaders.isEmpty() ? QString() : u" Default: %1."_s.arg(shaders)),
+            u"path"_s, shaders);
     parser.addOption(shadersDir);
     parser.addPositionalArgument(u"command"_s, u"What to do."_s);
 
@@ -104,6 +111,9 @@ int main(int argc, char *argv[])
         return fail(u"usage: render-graph-preview %1 %2 (see --help)"_s.arg(
                 name, QLatin1StringView(command.arguments)));
 
+    // Who takes presets as arguments reads shaders.
+    if (command.mostArguments > 0 && parser.value(shadersDir).isEmpty())
+        return fail(u"--shaders-dir is missing: name the shaders directory"_s);
     const QString path = writes ? parser.value(out) : QString();
     if (writes && path.isEmpty())
         return fail(u"--out is missing: name what to write"_s);
