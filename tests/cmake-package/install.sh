@@ -23,6 +23,7 @@ END
 # Below a directory that is called as what the sources' archive leaves out.
 sources="$WORK_DIR/build/sources (1)"
 quick_sources "$sources" 'extern "C" int core(); static const int kCore = core();'
+cp "$SOURCE_DIR"/*.md "$sources"
 mkdir -p "$sources/.git" "$sources/build/dev"
 echo built | tee "$sources/.git/config" >"$sources/build/dev/built.txt"
 configure "$sources" "$sources/out" -G Ninja -DBUILD_TESTING=OFF -DCMAKE_BUILD_TYPE=Release \
@@ -51,11 +52,11 @@ configure project used -G Ninja "-DRenderGraphCompile_DIR=$WORK_DIR/shared data/
     fail 'the package does not find its files in an absolute directory'
 
 configure "$sources" "$sources/out" -DCMAKE_INSTALL_DATADIR=share || fail 'configuring for components'
-for component in tool development examples; do
+for component in tool development examples doc; do
     "$CMAKE" --install "$sources/out" --component $component --prefix "$WORK_DIR/parts/$component" >log 2>&1 ||
         fail "installing the component $component"
 done
-(cd parts && find . -type f | sed 's|^[.]/||; /cmake/s|/[^/]*$|/*|; /shaders/s|/[^/]*$|/*|' | sort -u) >found
+(cd parts && find . -type f | sed 's|^[.]/||; /cmake\|examples\|doc/s|/[^/]*$|/*|' | sort -u) >found
 diff - found <<'END' || fail 'other components'
 development/share/cmake/RenderGraphCompile/*
 development/share/pkgconfig/render-graph-compile.pc
@@ -63,6 +64,10 @@ development/share/render-graph-compile/catalog/VulkanRenderGraph.cpp
 development/share/render-graph-compile/catalog/VulkanRenderGraph.h
 development/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
 development/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h
+doc/share/doc/render-graph-compile/*
+doc/share/doc/render-graph-compile/docs/*
+doc/share/doc/render-graph-compile/docs/presets/*
+examples/share/render-graph-compile/examples/consumer/*
 examples/share/render-graph-compile/examples/shaders/*
 examples/share/render-graph-compile/examples/shaders/vulkan/*
 examples/share/render-graph-compile/examples/shaders/vulkan/components/*
