@@ -52,11 +52,12 @@ configure project used -G Ninja "-DRenderGraphCompile_DIR=$WORK_DIR/shared data/
     fail 'the package does not find its files in an absolute directory'
 
 configure "$sources" "$sources/out" -DCMAKE_INSTALL_DATADIR=share || fail 'configuring for components'
+parts=parts/render-graph-compile # a name that is ours elsewhere
 for component in tool development examples doc; do
-    "$CMAKE" --install "$sources/out" --component $component --prefix "$WORK_DIR/parts/$component" >log 2>&1 ||
+    "$CMAKE" --install "$sources/out" --component $component --prefix "$WORK_DIR/$parts/$component" >log 2>&1 ||
         fail "installing the component $component"
 done
-(cd parts && find . -type f | sed 's|^[.]/||; /cmake\|examples\|doc/s|/[^/]*$|/*|' | sort -u) >found
+(cd $parts && find . -type f | sed 's|^[.]/||; /cmake\|examples\|doc/s|/[^/]*$|/*|' | sort -u) >found
 diff - found <<'END' || fail 'other components'
 development/share/cmake/RenderGraphCompile/*
 development/share/pkgconfig/render-graph-compile.pc
@@ -75,14 +76,15 @@ examples/share/render-graph-compile/examples/shaders/vulkan/include/*
 tool/bin/render-graph-compile
 tool/share/man/man1/render-graph-compile.1
 END
-[ -e parts/development/share/cmake/RenderGraphCompile/RenderGraphCompileTargets.cmake ] ||
+[ -e $parts/development/share/cmake/RenderGraphCompile/RenderGraphCompileTargets.cmake ] ||
     fail 'the component development lacks the targets'
-: >parts/tool/bin/of-others
+: >$parts/tool/bin/of-others
 build "$sources/out" --target uninstall || fail 'uninstalling'
-[ "$(find parts installed 'shared data' -type f)" = parts/tool/bin/of-others ] ||
+[ "$(find parts installed 'shared data' -type f)" = $parts/tool/bin/of-others ] ||
     fail 'uninstalling leaves or takes something'
-[ -z "$(find parts 'shared data' -name 'render-graph-compile' -o -name RenderGraphCompile)" ] ||
+[ -z "$(find parts/*/* 'shared data' -name 'render-graph-compile' -o -name RenderGraphCompile)" ] ||
     fail 'uninstalling leaves directories'
+[ -d $parts/tool/share/man/man1 ] || fail 'uninstalling takes a directory that is not ours'
 if build "$sources/out" --target uninstall; then fail 'uninstalling what is not installed'; fi
 [ "$(lines 'Nothing was installed from')" = 1 ] || fail 'uninstalling nothing says something else'
 
