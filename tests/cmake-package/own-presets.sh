@@ -69,6 +69,15 @@ configure project fetched -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_DISABLE_FIND_PACK
 build fetched || fail 'building with FetchContent'
 [ "$(fetched/my_app)" = ':/shaders/dyed.glslp 2' ] || fail 'FetchContent: other presets than the own ones'
 
+# From the sources alone.
+cp "$SOURCE_DIR/CMakePresets.json" render-graph-compile
+(
+    cd render-graph-compile
+    unset CI # which asks for what nothing here needs
+    "$CMAKE" --preset release "-DRenderGraphCompile_PRESETS=$WORK_DIR/project/MyPresets.h" "-DQt6_DIR=$qt_dir"
+    "$CMAKE" --build --preset release --target render-graph-compile
+) >log 2>&1 || fail 'building a tool alone'
+
 # What is found while cross-compiling is the target's.
 configure project foreign -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_CROSSCOMPILING_EMULATOR=emulator \
     "-DCMAKE_TOOLCHAIN_FILE=$SOURCE_DIR/tests/cmake-package/foreign.cmake" || fail 'configuring for another system'
