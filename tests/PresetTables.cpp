@@ -42,7 +42,7 @@ QList<PresetTableRow> presetTable(const char *name)
             continue;
         const QList<QByteArray> cells = line.split(';');
         if (cells.size() != columns.size())
-            qFatal("%s: %s", qPrintable(path), line.constData());
+            qFatal("%s: not %d cells: %s", qPrintable(path), int(columns.size()), line.constData());
         rows.append(PresetTableRow(columns, cells));
     }
     return rows;

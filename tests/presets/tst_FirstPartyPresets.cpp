@@ -4,7 +4,9 @@
 #include "TestSupport.h"
 
 #include <QHash>
-#include <QSet>
+#include <QMap>
+
+#include <limits>
 
 using namespace Qt::StringLiterals;
 using namespace FirstPartyPresetSource;
@@ -12,13 +14,6 @@ using namespace FirstPartyPresetSource;
 namespace {
 
 using Row = PresetTableRow;
-
-const PresetDecl &presetAt(std::size_t index)
-{
-    if (index >= std::size(kPresets))
-        qFatal("presets.csv has more rows than kPresets");
-    return kPresets[index];
-}
 
 const PresetDecl &presetNamed(std::string_view name)
 {
@@ -31,42 +26,54 @@ const PresetDecl &presetNamed(std::string_view name)
 template<typename T>
 struct Array
 {
-    const T *rows;
-    int count;
-};
-
-template<typename T>
-using Arrays = QHash<QByteArray, Array<T>>;
-
-template<typename T>
-int rowCount(const Arrays<T> &arrays)
-{
+    const T *rows = nullptr;
     int count = 0;
-    for (const Array<T> &array : arrays)
-        count += array.count;
-    return count;
-}
-
-// The next row of the array that a table names: a table lists each array's rows in order.
-template<typename T>
-T nextRow(const Arrays<T> &arrays, const QByteArray &name, QHash<QByteArray, int> &taken)
-{
-    const int index = taken[name]++;
-    if (!arrays.contains(name) || index >= arrays[name].count)
-        qFatal("%s has no row %d", name.constData(), index);
-    return arrays[name].rows[index];
-}
+};
 
 // The arrays that the presets reach, under the names that the tables give them: a name stands for
 // the array where it comes first, and every other mention must mean the same one.
+template<typename T>
+using Arrays = QMap<QByteArray, Array<T>>;
+
+// A table's row, and what it states.
+template<typename T>
+using Stated = std::pair<Row, const T *>;
+
+// tablesAreComplete() tells of what is missing in either.
+QList<Stated<PresetDecl>> statedPresets()
+{
+    QList<Stated<PresetDecl>> stated;
+    for (const Row &row : presetTable("presets")) {
+        const QByteArray name = row.text("name");
+        const auto *const preset =
+                std::ranges::find(kPresets, std::string_view(name.constData()), &PresetDecl::name);
+        if (preset != std::end(kPresets))
+            stated.append({row, preset});
+    }
+    return stated;
+}
+
+// A table lists each array's rows in order.
+template<typename T>
+QList<Stated<T>> statedRows(const char *table, const Arrays<T> &arrays)
+{
+    QList<Stated<T>> stated;
+    QHash<QByteArray, int> taken;
+    for (const Row &row : presetTable(table)) {
+        const Array<T> array = arrays.value(row.text("array"));
+        const int index = taken[row.text("array")]++;
+        if (index < array.count)
+            stated.append({row, array.rows + index});
+    }
+    return stated;
+}
+
 Arrays<PassDecl> passArrays()
 {
     Arrays<PassDecl> arrays;
-    std::size_t index = 0;
-    for (const Row &row : presetTable("presets")) {
-        const PresetDecl &preset = presetAt(index++);
+    for (const auto &[row, preset] : statedPresets()) {
         if (!arrays.contains(row.text("passes")))
-            arrays.insert(row.text("passes"), {preset.passes, preset.passCount});
+            arrays.insert(row.text("passes"), {preset->passes, preset->passCount});
     }
     return arrays;
 }
@@ -74,40 +81,55 @@ Arrays<PassDecl> passArrays()
 Arrays<ValueOverride> overrideArrays()
 {
     Arrays<ValueOverride> arrays;
-    std::size_t index = 0;
-    for (const Row &row : presetTable("presets")) {
-        const PresetDecl &preset = presetAt(index++);
+    for (const auto &[row, preset] : statedPresets()) {
         if (!arrays.contains(row.text("valueOverrides")))
             arrays.insert(row.text("valueOverrides"),
-                          {preset.valueOverrides, preset.valueOverrideCount});
+                          {preset->valueOverrides, preset->valueOverrideCount});
     }
     return arrays;
 }
 
 Arrays<ParamDecl> paramArrays()
 {
-    const Arrays<PassDecl> passes = passArrays();
     Arrays<ParamDecl> arrays;
-    QHash<QByteArray, int> taken;
-    for (const Row &row : presetTable("passes")) {
-        const PassDecl pass = nextRow(passes, row.text("array"), taken);
+    for (const auto &[row, pass] : statedRows("passes", passArrays())) {
         if (!arrays.contains(row.text("params")))
-            arrays.insert(row.text("params"), {pass.params, pass.paramCount});
+            arrays.insert(row.text("params"), {pass->params, pass->paramCount});
     }
     return arrays;
 }
 
-// Two names of one array are a mistake in the tables.
-template<typename T>
-bool namesAreOfDifferentArrays(const Arrays<T> &arrays)
+// For QCOMPARE, whose comparison of numbers is fuzzy: the manifest shows every bit.
+QByteArray exact(float number)
 {
-    QSet<const T *> distinct;
-    for (const Array<T> &array : arrays)
-        distinct.insert(array.rows);
-    return distinct.size() == arrays.size();
+    return QByteArray::number(double(number), 'g', std::numeric_limits<float>::max_digits10);
 }
 
-using Rule = bool (*)(const PresetDecl &);
+// A line for each array of which a table has too few rows or too many, or another name.
+template<typename T>
+QByteArrayList mistakes(const QByteArray &table, const Arrays<T> &arrays)
+{
+    QMap<QByteArray, int> counts;
+    for (const Row &row : presetTable(table.constData()))
+        ++counts[row.text("array")];
+    QByteArrayList lines;
+    QHash<const T *, QByteArray> names;
+    for (const auto &[name, array] : arrays.asKeyValueRange()) {
+        const int count = counts.take(name);
+        if (count != array.count) {
+            lines.append(table + ".csv has " + QByteArray::number(count) + " rows of '" + name
+                         + "', which has " + QByteArray::number(array.count));
+        }
+        if (names.contains(array.rows))
+            lines.append('\'' + names.value(array.rows) + "' and '" + name + "' are one array");
+        names.insert(array.rows, name);
+    }
+    for (const auto &[name, count] : counts.asKeyValueRange())
+        lines.append(table + ".csv has rows of '" + name + "', which no preset reaches");
+    return lines;
+}
+
+using Rule = const char *(*)(const PresetDecl &);
 
 constexpr ParamDecl kParams[] = {
         {.id = "a",
@@ -131,9 +153,14 @@ class TestFirstPartyPresets : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void tablesAreComplete();
+    void presetsMatchTheTable_data();
     void presetsMatchTheTable();
+    void passesMatchTheTable_data();
     void passesMatchTheTable();
+    void paramsMatchTheTable_data();
     void paramsMatchTheTable();
+    void overridesMatchTheTable_data();
     void overridesMatchTheTable();
     void componentMayStandTwiceInOnePreset();
     void feedbackIsDeclaredInTwoWays();
@@ -152,93 +179,142 @@ private Q_SLOTS:
     void identifiersMayNotCollide();
 };
 
-void TestFirstPartyPresets::presetsMatchTheTable()
+void TestFirstPartyPresets::tablesAreComplete()
 {
-    const QList<Row> rows = presetTable("presets");
-    QCOMPARE(std::size(kPresets), std::size_t(rows.size()));
+    QByteArrayList names;
+    for (const PresetDecl &preset : kPresets)
+        names.append(preset.name);
+    QByteArrayList expected;
+    for (const Row &row : presetTable("presets"))
+        expected.append(row.text("name"));
+
+    QByteArrayList lines;
+    for (const QByteArray &name : std::as_const(names)) {
+        if (!expected.contains(name))
+            lines.append("presets.csv has no row of preset '" + name + '\'');
+    }
+    for (const QByteArray &name : std::as_const(expected)) {
+        if (!names.contains(name))
+            lines.append("presets.csv has a row of '" + name + "', which is no preset");
+    }
+    QVERIFY2(lines.isEmpty(), lines.join('\n').constData());
+    QCOMPARE(names, expected);
+    lines = mistakes("passes", passArrays()) + mistakes("overrides", overrideArrays());
+    QVERIFY2(lines.isEmpty(), lines.join('\n').constData());
+    lines = mistakes("params", paramArrays());
+    QVERIFY2(lines.isEmpty(), lines.join('\n').constData());
+}
+
+void TestFirstPartyPresets::presetsMatchTheTable_data()
+{
+    QTest::addColumn<Row>("row");
+    QTest::addColumn<const PresetDecl *>("preset");
+    QTest::addColumn<Array<PassDecl>>("passes");
+    QTest::addColumn<Array<ValueOverride>>("overrides");
     const Arrays<PassDecl> passes = passArrays();
     const Arrays<ValueOverride> overrides = overrideArrays();
-    QVERIFY(namesAreOfDifferentArrays(passes));
-    QVERIFY(namesAreOfDifferentArrays(overrides));
-    for (int i = 0; i < rows.size(); ++i) {
-        const Row &row = rows.at(i);
-        const PresetDecl &preset = kPresets[i];
-        QCOMPARE(preset.name, row.text("name"));
-        QCOMPARE(preset.feedbackPassIndex, row.integer("feedbackPassIndex"));
-        QCOMPARE(preset.passes, passes.value(row.text("passes")).rows);
-        QCOMPARE(preset.passCount, row.integer("passCount"));
-        QCOMPARE(preset.passCount, passes.value(row.text("passes")).count);
-        QCOMPARE(preset.presetExtension, row.text("presetExtension"));
-        QCOMPARE(preset.vulkanOnly, row.flag("vulkanOnly"));
-        QCOMPARE(preset.valueOverrides, overrides.value(row.text("valueOverrides")).rows);
-        QCOMPARE(preset.valueOverrideCount, row.integer("valueOverrideCount"));
-        QCOMPARE(preset.valueOverrideCount, overrides.value(row.text("valueOverrides")).count);
+    for (const auto &[row, preset] : statedPresets()) {
+        QTest::newRow(preset->name) << row << preset << passes.value(row.text("passes"))
+                                    << overrides.value(row.text("valueOverrides"));
+    }
+}
+
+void TestFirstPartyPresets::presetsMatchTheTable()
+{
+    QFETCH(Row, row);
+    QFETCH(const PresetDecl *, preset);
+    QFETCH(Array<PassDecl>, passes);
+    QFETCH(Array<ValueOverride>, overrides);
+    QCOMPARE(preset->feedbackPassIndex, row.integer("feedbackPassIndex"));
+    QCOMPARE(preset->passes, passes.rows);
+    QCOMPARE(preset->passCount, row.integer("passCount"));
+    QCOMPARE(preset->passCount, passes.count);
+    QCOMPARE(preset->presetExtension, row.text("presetExtension"));
+    QCOMPARE(preset->vulkanOnly, row.flag("vulkanOnly"));
+    QCOMPARE(preset->valueOverrides, overrides.rows);
+    QCOMPARE(preset->valueOverrideCount, row.integer("valueOverrideCount"));
+    QCOMPARE(preset->valueOverrideCount, overrides.count);
+}
+
+void TestFirstPartyPresets::passesMatchTheTable_data()
+{
+    QTest::addColumn<Row>("row");
+    QTest::addColumn<const PassDecl *>("pass");
+    QTest::addColumn<int>("index");
+    QTest::addColumn<Array<ParamDecl>>("params");
+    const Arrays<PassDecl> passes = passArrays();
+    const Arrays<ParamDecl> params = paramArrays();
+    for (const auto &[row, pass] : statedRows("passes", passes)) {
+        const QByteArray name = row.text("array");
+        const int index = int(pass - passes.value(name).rows);
+        QTest::addRow("%s %d", name.constData(), index)
+                << row << pass << index << params.value(row.text("params"));
     }
 }
 
 void TestFirstPartyPresets::passesMatchTheTable()
 {
-    const QList<Row> rows = presetTable("passes");
-    const Arrays<PassDecl> passes = passArrays();
-    const Arrays<ParamDecl> params = paramArrays();
-    QCOMPARE(rows.size(), rowCount(passes));
-    QVERIFY(namesAreOfDifferentArrays(params));
-    QHash<QByteArray, int> taken;
-    for (const Row &row : rows) {
-        const PassDecl pass = nextRow(passes, row.text("array"), taken);
-        QCOMPARE(taken.value(row.text("array")) - 1, row.integer("index"));
-        QCOMPARE(pass.component, row.text("component"));
-        QCOMPARE(pass.extentAlias, row.text("extentAlias"));
-        QCOMPARE(pass.linearFilter, row.flag("linearFilter"));
-        QCOMPARE(pass.scaleType, row.integer("scaleType"));
-        QCOMPARE(pass.scaleX, row.real("scaleX"));
-        QCOMPARE(pass.scaleY, row.real("scaleY"));
-        QCOMPARE(pass.absoluteWidth, row.integer("absoluteWidth"));
-        QCOMPARE(pass.absoluteHeight, row.integer("absoluteHeight"));
-        QCOMPARE(pass.reserved, row.integer("reserved"));
-        QCOMPARE(pass.wrapMode, row.integer("wrapMode"));
-        QCOMPARE(pass.params, params.value(row.text("params")).rows);
-        QCOMPARE(pass.paramCount, row.integer("paramCount"));
-        QCOMPARE(pass.paramCount, params.value(row.text("params")).count);
-        QCOMPARE(pass.mipmap, row.flag("mipmap"));
-        QCOMPARE(pass.cacheByParameters, row.flag("cacheByParameters"));
-        QCOMPARE(pass.constantBlackWhenZero, row.text("constantBlackWhenZero"));
-        QCOMPARE(pass.constantBlackAlpha, row.real("constantBlackAlpha"));
-        QCOMPARE(pass.shareConstantBlack, row.flag("shareConstantBlack"));
-        QCOMPARE(pass.feedback, row.flag("feedback"));
-        QCOMPARE(pass.scaleInputAlias, row.text("scaleInputAlias"));
-    }
+    QFETCH(Row, row);
+    QFETCH(const PassDecl *, pass);
+    QFETCH(int, index);
+    QFETCH(Array<ParamDecl>, params);
+    QCOMPARE(index, row.integer("index"));
+    QCOMPARE(pass->component, row.text("component"));
+    QCOMPARE(pass->extentAlias, row.text("extentAlias"));
+    QCOMPARE(pass->linearFilter, row.flag("linearFilter"));
+    QCOMPARE(pass->scaleType, row.integer("scaleType"));
+    QCOMPARE(pass->scaleX, row.real("scaleX"));
+    QCOMPARE(pass->scaleY, row.real("scaleY"));
+    QCOMPARE(pass->absoluteWidth, row.integer("absoluteWidth"));
+    QCOMPARE(pass->absoluteHeight, row.integer("absoluteHeight"));
+    QCOMPARE(pass->reserved, row.integer("reserved"));
+    QCOMPARE(pass->wrapMode, row.integer("wrapMode"));
+    QCOMPARE(pass->params, params.rows);
+    QCOMPARE(pass->paramCount, row.integer("paramCount"));
+    QCOMPARE(pass->paramCount, params.count);
+    QCOMPARE(pass->mipmap, row.flag("mipmap"));
+    QCOMPARE(pass->cacheByParameters, row.flag("cacheByParameters"));
+    QCOMPARE(pass->constantBlackWhenZero, row.text("constantBlackWhenZero"));
+    QCOMPARE(pass->constantBlackAlpha, row.real("constantBlackAlpha"));
+    QCOMPARE(pass->shareConstantBlack, row.flag("shareConstantBlack"));
+    QCOMPARE(pass->feedback, row.flag("feedback"));
+    QCOMPARE(pass->scaleInputAlias, row.text("scaleInputAlias"));
+}
+
+void TestFirstPartyPresets::paramsMatchTheTable_data()
+{
+    QTest::addColumn<Row>("row");
+    QTest::addColumn<const ParamDecl *>("param");
+    for (const auto &[row, param] : statedRows("params", paramArrays()))
+        QTest::addRow("%s %s", row.text("array").constData(), param->id) << row << param;
 }
 
 void TestFirstPartyPresets::paramsMatchTheTable()
 {
-    const QList<Row> rows = presetTable("params");
-    const Arrays<ParamDecl> params = paramArrays();
-    QCOMPARE(rows.size(), rowCount(params));
-    QHash<QByteArray, int> taken;
-    for (const Row &row : rows) {
-        const ParamDecl param = nextRow(params, row.text("array"), taken);
-        QCOMPARE(param.id, row.text("id"));
-        QCOMPARE(param.description, row.text("description"));
-        // Not QCOMPARE's fuzzy comparison: the manifest shows every bit.
-        QVERIFY2(param.defaultValue == row.real("defaultValue"), param.id);
-        QVERIFY2(param.min == row.real("min"), param.id);
-        QVERIFY2(param.max == row.real("max"), param.id);
-        QVERIFY2(param.step == row.real("step"), param.id);
-    }
+    QFETCH(Row, row);
+    QFETCH(const ParamDecl *, param);
+    QCOMPARE(param->id, row.text("id"));
+    QCOMPARE(param->description, row.text("description"));
+    QCOMPARE(exact(param->defaultValue), exact(row.real("defaultValue")));
+    QCOMPARE(exact(param->min), exact(row.real("min")));
+    QCOMPARE(exact(param->max), exact(row.real("max")));
+    QCOMPARE(exact(param->step), exact(row.real("step")));
+}
+
+void TestFirstPartyPresets::overridesMatchTheTable_data()
+{
+    QTest::addColumn<Row>("row");
+    QTest::addColumn<const ValueOverride *>("value");
+    for (const auto &[row, value] : statedRows("overrides", overrideArrays()))
+        QTest::addRow("%s %s", row.text("array").constData(), value->id) << row << value;
 }
 
 void TestFirstPartyPresets::overridesMatchTheTable()
 {
-    const QList<Row> rows = presetTable("overrides");
-    const Arrays<ValueOverride> overrides = overrideArrays();
-    QCOMPARE(rows.size(), rowCount(overrides));
-    QHash<QByteArray, int> taken;
-    for (const Row &row : rows) {
-        const ValueOverride value = nextRow(overrides, row.text("array"), taken);
-        QCOMPARE(value.id, row.text("id"));
-        QVERIFY2(value.value == row.real("value"), value.id);
-    }
+    QFETCH(Row, row);
+    QFETCH(const ValueOverride *, value);
+    QCOMPARE(value->id, row.text("id"));
+    QCOMPARE(exact(value->value), exact(row.real("value")));
 }
 
 void TestFirstPartyPresets::componentMayStandTwiceInOnePreset()
@@ -321,6 +397,7 @@ void TestFirstPartyPresets::emptyRangesForCountsOfZeroOrLess()
 void TestFirstPartyPresets::rules_data()
 {
     QTest::addColumn<Rule>("rule");
+    QTest::addColumn<QByteArray>("culprit");
     QTest::addColumn<QList<PassDecl>>("passes");
     QTest::addColumn<QList<ValueOverride>>("overrides");
     QTest::addColumn<int>("feedbackPassIndex");
@@ -329,75 +406,81 @@ void TestFirstPartyPresets::rules_data()
     const auto withPass = [&good](const PassDecl &pass) { return good + QList<PassDecl>({pass}); };
     const QList<ValueOverride> none;
 
-    QTest::newRow("no passes") << Rule(Rules::hasPasses) << QList<PassDecl>() << none << -1;
+    QTest::newRow("no passes") << Rule(Rules::missingPasses) << "passes"_ba << QList<PassDecl>()
+                               << none << -1;
     QTest::newRow("count without array")
-            << Rule(Rules::countsMatchArrays) << withPass({.component = "x", .paramCount = -1})
-            << none << -1;
+            << Rule(Rules::countWithoutArray) << "x"_ba
+            << withPass({.component = "x", .paramCount = -1}) << none << -1;
     QTest::newRow("array without count")
-            << Rule(Rules::countsMatchArrays) << withPass({.component = "x", .params = kParams})
-            << none << -1;
+            << Rule(Rules::countWithoutArray) << "x"_ba
+            << withPass({.component = "x", .params = kParams}) << none << -1;
     QTest::newRow("negative count with an array")
-            << Rule(Rules::countsMatchArrays)
+            << Rule(Rules::countWithoutArray) << "x"_ba
             << withPass({.component = "x", .params = kParams, .paramCount = -1}) << none << -1;
-    QTest::newRow("feedback index n") << Rule(Rules::feedbackPassIsInRange) << good << none << 3;
-    QTest::newRow("feedback index -2") << Rule(Rules::feedbackPassIsInRange) << good << none << -2;
-    QTest::newRow("alias twice") << Rule(Rules::aliasesAreUnique)
+    QTest::newRow("feedback index n")
+            << Rule(Rules::feedbackPassOutOfRange) << "feedbackPassIndex"_ba << good << none << 3;
+    QTest::newRow("feedback index -2")
+            << Rule(Rules::feedbackPassOutOfRange) << "feedbackPassIndex"_ba << good << none << -2;
+    QTest::newRow("alias twice") << Rule(Rules::repeatedAlias) << "ONE"_ba
                                  << withPass({.component = "x", .extentAlias = "ONE"}) << none
                                  << -1;
     QTest::newRow("scale input published nowhere")
-            << Rule(Rules::scaleInputsArePublishedEarlier)
+            << Rule(Rules::scaleInputNotPublishedEarlier) << "FOUR"_ba
             << withPass({.component = "x", .scaleInputAlias = "FOUR"}) << none << -1;
     QTest::newRow("scale input of the first pass")
-            << Rule(Rules::scaleInputsArePublishedEarlier)
+            << Rule(Rules::scaleInputNotPublishedEarlier) << "FOUR"_ba
             << QList<PassDecl>({{.component = "x", .scaleInputAlias = "FOUR"}}) << none << -1;
     QTest::newRow("scale input published by itself")
-            << Rule(Rules::scaleInputsArePublishedEarlier)
+            << Rule(Rules::scaleInputNotPublishedEarlier) << "FOUR"_ba
             << withPass({.component = "x", .extentAlias = "FOUR", .scaleInputAlias = "FOUR"})
             << none << -1;
     QTest::newRow("absolute size on a relative pass")
-            << Rule(Rules::absoluteSizesAreOnAbsolutePasses)
+            << Rule(Rules::misplacedAbsoluteSize) << "x"_ba
             << withPass({.component = "x", .absoluteHeight = 1}) << none << -1;
     QTest::newRow("absolute pass without a size")
-            << Rule(Rules::absoluteSizesAreOnAbsolutePasses)
+            << Rule(Rules::misplacedAbsoluteSize) << "x"_ba
             << withPass({.component = "x", .scaleType = kScaleAbsolute}) << none << -1;
     QTest::newRow("absolute pass with a negative height")
-            << Rule(Rules::absoluteSizesAreOnAbsolutePasses)
+            << Rule(Rules::misplacedAbsoluteSize) << "x"_ba
             << withPass({.component = "x",
                          .scaleType = kScaleAbsolute,
                          .absoluteWidth = 8,
                          .absoluteHeight = -1})
             << none << -1;
     QTest::newRow("constant black on an unbound id")
-            << Rule(Rules::constantBlackIdsAreBound)
+            << Rule(Rules::unboundConstantBlack) << "b"_ba
             << withPass({.component = "x", .constantBlackWhenZero = "b"}) << none << -1;
-    QTest::newRow("override of an unbound id") << Rule(Rules::overrideIdsAreBound) << good
+    QTest::newRow("override of an unbound id") << Rule(Rules::unboundOverride) << "b"_ba << good
                                                << QList<ValueOverride>({{"b", 1.0F}}) << -1;
-    QTest::newRow("override twice") << Rule(Rules::overrideIdsAreUnique) << good
+    QTest::newRow("override twice") << Rule(Rules::repeatedOverride) << "a"_ba << good
                                     << QList<ValueOverride>({{"a", 1.0F}, {"a", 1.0F}}) << -1;
-    QTest::newRow("override below the minimum") << Rule(Rules::overrideValuesAreInRange) << good
-                                                << QList<ValueOverride>({{"a", -0.1F}}) << -1;
-    QTest::newRow("override above the maximum") << Rule(Rules::overrideValuesAreInRange) << good
-                                                << QList<ValueOverride>({{"a", 1.1F}}) << -1;
-    QTest::newRow("scale type -1") << Rule(Rules::valuesAreInRange)
+    QTest::newRow("override below the minimum")
+            << Rule(Rules::overrideOutOfBounds) << "a"_ba << good
+            << QList<ValueOverride>({{"a", -0.1F}}) << -1;
+    QTest::newRow("override above the maximum")
+            << Rule(Rules::overrideOutOfBounds) << "a"_ba << good
+            << QList<ValueOverride>({{"a", 1.1F}}) << -1;
+    QTest::newRow("scale type -1") << Rule(Rules::passValueOutOfRange) << "x"_ba
                                    << withPass({.component = "x", .scaleType = -1}) << none << -1;
-    QTest::newRow("scale type 3") << Rule(Rules::valuesAreInRange)
+    QTest::newRow("scale type 3") << Rule(Rules::passValueOutOfRange) << "x"_ba
                                   << withPass({.component = "x", .scaleType = 3}) << none << -1;
     QTest::newRow("constant black alpha 0.5")
-            << Rule(Rules::valuesAreInRange)
+            << Rule(Rules::passValueOutOfRange) << "x"_ba
             << withPass({.component = "x", .constantBlackAlpha = 0.5F}) << none << -1;
     static constexpr ParamDecl kWithoutStep[] = {{"b", "B", 0.5F, 0.0F, 1.0F, 0.0F}};
-    QTest::newRow("step 0") << Rule(Rules::valuesAreInRange)
+    QTest::newRow("step 0") << Rule(Rules::paramOutOfBounds) << "b"_ba
                             << withPass({.component = "x", .params = kWithoutStep, .paramCount = 1})
                             << none << -1;
     static constexpr ParamDecl kOutOfRange[] = {{"b", "B", 2.0F, 0.0F, 1.0F, 0.1F}};
     QTest::newRow("default above max")
-            << Rule(Rules::valuesAreInRange)
+            << Rule(Rules::paramOutOfBounds) << "b"_ba
             << withPass({.component = "x", .params = kOutOfRange, .paramCount = 1}) << none << -1;
 }
 
 void TestFirstPartyPresets::rules()
 {
     QFETCH(Rule, rule);
+    QFETCH(QByteArray, culprit);
     QFETCH(QList<PassDecl>, passes);
     QFETCH(QList<ValueOverride>, overrides);
     QFETCH(int, feedbackPassIndex);
@@ -409,7 +492,9 @@ void TestFirstPartyPresets::rules()
                                .valueOverrides =
                                        overrides.isEmpty() ? nullptr : overrides.constData(),
                                .valueOverrideCount = int(overrides.size())};
-    QVERIFY(!rule(preset));
+    for (const auto &[text, find] : Rules::kRules)
+        QVERIFY2((find(preset) != nullptr) == (find == rule), text);
+    QCOMPARE(rule(preset), culprit);
 }
 
 // The counts of a preset's own arrays, which rules() keeps right.
@@ -419,16 +504,17 @@ void TestFirstPartyPresets::presetCountsMatchArrays_data()
     QTest::addColumn<int>("passCount");
     QTest::addColumn<bool>("hasOverrides");
     QTest::addColumn<int>("overrideCount");
-    QTest::addColumn<bool>("isRight");
-    QTest::newRow("both arrays") << true << 3 << true << 1 << true;
-    QTest::newRow("no overrides") << true << 3 << false << 0 << true;
-    QTest::newRow("passes, negative count") << true << -1 << false << 0 << false;
-    QTest::newRow("passes, count 0") << true << 0 << false << 0 << false;
-    QTest::newRow("no passes, count 1") << false << 1 << false << 0 << false;
-    QTest::newRow("overrides, negative count") << true << 3 << true << -1 << false;
-    QTest::newRow("overrides, count 0") << true << 3 << true << 0 << false;
-    QTest::newRow("no overrides, count 1") << true << 3 << false << 1 << false;
-    QTest::newRow("no overrides, negative count") << true << 3 << false << -1 << false;
+    QTest::addColumn<QByteArray>("culprit");
+    QTest::newRow("both arrays") << true << 3 << true << 1 << QByteArray();
+    QTest::newRow("no overrides") << true << 3 << false << 0 << QByteArray();
+    QTest::newRow("passes, negative count") << true << -1 << false << 0 << "passes"_ba;
+    QTest::newRow("passes, count 0") << true << 0 << false << 0 << "passes"_ba;
+    QTest::newRow("no passes, count 1") << false << 1 << false << 0 << "passes"_ba;
+    QTest::newRow("overrides, negative count") << true << 3 << true << -1 << "valueOverrides"_ba;
+    QTest::newRow("overrides, count 0") << true << 3 << true << 0 << "valueOverrides"_ba;
+    QTest::newRow("no overrides, count 1") << true << 3 << false << 1 << "valueOverrides"_ba;
+    QTest::newRow("no overrides, negative count")
+            << true << 3 << false << -1 << "valueOverrides"_ba;
 }
 
 void TestFirstPartyPresets::presetCountsMatchArrays()
@@ -437,13 +523,13 @@ void TestFirstPartyPresets::presetCountsMatchArrays()
     QFETCH(int, passCount);
     QFETCH(bool, hasOverrides);
     QFETCH(int, overrideCount);
-    QFETCH(bool, isRight);
+    QFETCH(QByteArray, culprit);
     const PresetDecl preset = {.name = "p",
                                .passes = hasPasses ? kGoodPasses : nullptr,
                                .passCount = passCount,
                                .valueOverrides = hasOverrides ? kGoodOverrides : nullptr,
                                .valueOverrideCount = overrideCount};
-    QCOMPARE(Rules::countsMatchArrays(preset), isRight);
+    QCOMPARE(Rules::countWithoutArray(preset), culprit);
 }
 
 void TestFirstPartyPresets::names_data()
@@ -462,7 +548,7 @@ void TestFirstPartyPresets::names()
     const PresetDecl preset = {.name = QTest::currentDataTag(),
                                .passes = kGoodPasses,
                                .passCount = std::size(kGoodPasses)};
-    QCOMPARE(Rules::nameIsPlain(preset), isPlain);
+    QCOMPARE(Rules::unusableName(preset), isPlain ? QByteArray() : "name"_ba);
 }
 
 void TestFirstPartyPresets::rulesHoldForAGoodPreset()
@@ -473,23 +559,8 @@ void TestFirstPartyPresets::rulesHoldForAGoodPreset()
                                .passCount = std::size(kGoodPasses),
                                .valueOverrides = kGoodOverrides,
                                .valueOverrideCount = std::size(kGoodOverrides)};
-    const std::pair<const char *, Rule> rules[] = {
-            {"hasPasses", Rules::hasPasses},
-            {"countsMatchArrays", Rules::countsMatchArrays},
-            {"feedbackPassIsInRange", Rules::feedbackPassIsInRange},
-            {"aliasesAreUnique", Rules::aliasesAreUnique},
-            {"scaleInputsArePublishedEarlier", Rules::scaleInputsArePublishedEarlier},
-            {"absoluteSizesAreOnAbsolutePasses", Rules::absoluteSizesAreOnAbsolutePasses},
-            {"constantBlackIdsAreBound", Rules::constantBlackIdsAreBound},
-            {"overrideIdsAreBound", Rules::overrideIdsAreBound},
-            {"nameIsPlain", Rules::nameIsPlain},
-            {"lastRowsCanBeRead", Rules::lastRowsCanBeRead},
-            {"overrideValuesAreInRange", Rules::overrideValuesAreInRange},
-            {"overrideIdsAreUnique", Rules::overrideIdsAreUnique},
-            {"valuesAreInRange", Rules::valuesAreInRange},
-    };
-    for (const auto &[name, rule] : rules)
-        QVERIFY2(rule(preset), name);
+    for (const auto &[text, find] : Rules::kRules)
+        QVERIFY2(find(preset) == nullptr, text);
 }
 
 void TestFirstPartyPresets::identifiersMayNotCollide()
@@ -499,8 +570,11 @@ void TestFirstPartyPresets::identifiersMayNotCollide()
     };
     const PresetDecl distinct[] = {named("a-b"), named("a-c"), named("a")};
     const PresetDecl colliding[] = {named("a-b"), named("c"), named("a_b")};
-    QVERIFY(Rules::identifiersAreUnique(distinct));
-    QVERIFY(!Rules::identifiersAreUnique(colliding));
+    QVERIFY(Rules::firstBrokenRule(distinct).rule == nullptr);
+    const Rules::BrokenRule broken = Rules::firstBrokenRule(colliding);
+    QCOMPARE(broken.rule, "two preset names differ in more than - against _"_ba);
+    QCOMPARE(broken.preset, "a_b"_ba);
+    QCOMPARE(broken.culprit, "a-b"_ba);
 }
 
 QTEST_APPLESS_MAIN(TestFirstPartyPresets)

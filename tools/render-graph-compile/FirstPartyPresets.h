@@ -2,9 +2,7 @@
 
 #include "PresetDeclarations.h"
 
-#include <cstddef>
 #include <iterator>
-#include <utility>
 
 // The first-party presets: the hand-authored data that the tool compiles. The order of presets, of
 // passes within a preset, of parameters and of overrides decides the order of the manifest, the
@@ -672,57 +670,8 @@ inline constexpr PresetDecl kPresets[] = {
 
 // clang-format on
 
-// The rules over one preset. A message names the rule; what the compiler says of the template
-// arguments beside it is the preset, by its name (clang: by its letters' codes) and index.
-template<Rules::ShownName name, std::size_t index>
-constexpr bool keepsTheRules()
-{
-    constexpr const PresetDecl &preset = kPresets[index];
-    static_assert(
-            Rules::nameIsPlain(preset),
-            "a preset's name consists of letters, digits, '-' and '_', and begins with one of "
-            "the first two");
-    static_assert(Rules::hasPasses(preset), "a preset has at least one pass");
-    if constexpr (Rules::isConstant<[] { return Rules::countsMatchArrays(kPresets[index]); }>)
-        static_assert(Rules::countsMatchArrays(preset),
-                      "an array comes with its count, and no array with a count of 0");
-    constexpr bool countsAreWithinArrays =
-            Rules::isConstant<[] { return Rules::lastRowsCanBeRead(kPresets[index]); }>;
-    static_assert(countsAreWithinArrays, "a count is not greater than its array");
-    if constexpr (countsAreWithinArrays) {
-        static_assert(Rules::feedbackPassIsInRange(preset),
-                      "feedbackPassIndex is -1 or the index of a pass of its preset");
-        static_assert(Rules::aliasesAreUnique(preset),
-                      "an extentAlias is published by one pass of a preset only");
-        static_assert(Rules::scaleInputsArePublishedEarlier(preset),
-                      "a scaleInputAlias names the extentAlias of an earlier pass");
-        static_assert(Rules::absoluteSizesAreOnAbsolutePasses(preset),
-                      "absoluteWidth and absoluteHeight belong to kScaleAbsolute passes, and only "
-                      "to them");
-        static_assert(Rules::constantBlackIdsAreBound(preset),
-                      "constantBlackWhenZero names a parameter that some pass of the preset binds");
-        static_assert(Rules::overrideIdsAreBound(preset),
-                      "a value override's id is bound by some pass of its preset");
-        static_assert(Rules::overrideIdsAreUnique(preset),
-                      "a value override's id stands once in its list");
-        static_assert(Rules::overrideValuesAreInRange(preset),
-                      "a value override lies within its parameter's bounds");
-        static_assert(
-                Rules::valuesAreInRange(preset),
-                "a value is one that its field may take: scaleType, constantBlackAlpha, and a "
-                "parameter's default within its bounds");
-    }
-    return true;
-}
-
-template<std::size_t... indices>
-constexpr bool allKeepTheRules(std::index_sequence<indices...> /*of all presets*/)
-{
-    return (keepsTheRules<kPresets[indices].name, indices>() && ...);
-}
-
-static_assert(allKeepTheRules(std::make_index_sequence<std::size(kPresets)>()));
-static_assert(Rules::identifiersAreUnique(kPresets),
-              "two preset names differ in more than '-' against '_'");
+// A row that breaks a rule does not compile. The message shows the rule, the preset, and what in it
+// breaks the rule.
+static_assert(Rules::areKept<kPresets>());
 
 } // namespace FirstPartyPresetSource

@@ -99,26 +99,9 @@ constexpr std::span<const ValueOverride> valueOverridesOf(const PresetDecl &pres
     return Detail::rows(preset.valueOverrides, preset.valueOverrideCount);
 }
 
-// What well-formed presets keep, for use in static_assert.
+// What well-formed presets keep. A rule's function returns what breaks the rule, as the compiler is
+// to name it: an id, an alias, a component or a field. It returns null if nothing does.
 namespace Rules {
-
-// A preset's name as a template argument, so that the compiler shows it beside a broken rule; a
-// longer one is cut off.
-struct ShownName
-{
-    char text[32] = {};
-    consteval ShownName(const char *name)
-    {
-        std::ranges::copy(std::string_view(name).substr(0, std::size(text) - 1), text);
-    }
-};
-
-// Whether the compiler can evaluate `expression`.
-template<auto expression>
-inline constexpr bool isConstant = requires
-{
-    typename std::bool_constant<(expression(), true)>;
-};
 
 constexpr bool isAsciiLetterOrDigit(char c)
 {
@@ -126,32 +109,86 @@ constexpr bool isAsciiLetterOrDigit(char c)
 }
 
 // The name goes into file names and into the manifest's identifiers.
-constexpr bool nameIsPlain(const PresetDecl &preset)
+constexpr const char *unusableName(const PresetDecl &preset)
 {
     const std::string_view name = preset.name;
-    return !name.empty() && isAsciiLetterOrDigit(name.front())
+    const bool isUsable = !name.empty() && isAsciiLetterOrDigit(name.front())
             && std::ranges::all_of(
                     name, [](char c) { return isAsciiLetterOrDigit(c) || c == '-' || c == '_'; });
+    return isUsable ? nullptr : "name";
 }
 
-// The manifest's identifiers carry the preset name with '_' for '-'.
-constexpr bool isSameIdentifier(std::string_view a, std::string_view b)
+constexpr const char *missingPasses(const PresetDecl &preset)
 {
-    return std::ranges::equal(
-            a, b, {}, [](char c) { return c == '-' ? '_' : c; },
-            [](char c) { return c == '-' ? '_' : c; });
+    return preset.passCount >= 1 ? nullptr : "passes";
 }
 
-constexpr bool identifiersAreUnique(std::span<const PresetDecl> presets)
+// Compares no array with null where it need not: under GCC's sanitizers the address of an object is
+// no constant that could be compared.
+constexpr bool isCountOf(const void *array, std::int32_t count)
 {
-    for (std::size_t i = 0; i < presets.size(); ++i) {
-        const std::string_view name = presets[i].name;
-        if (std::ranges::any_of(presets.first(i), [name](const PresetDecl &earlier) {
-                return isSameIdentifier(earlier.name, name);
-            }))
-            return false;
+    return count > 0 ? std::is_constant_evaluated() || array != nullptr
+                     : count == 0 && array == nullptr;
+}
+
+constexpr const char *countWithoutArray(const PresetDecl &preset)
+{
+    if (!isCountOf(preset.passes, preset.passCount))
+        return "passes";
+    if (!isCountOf(preset.valueOverrides, preset.valueOverrideCount))
+        return "valueOverrides";
+    for (const PassDecl &pass : passesOf(preset)) {
+        if (!isCountOf(pass.params, pass.paramCount))
+            return pass.component;
     }
-    return true;
+    return nullptr;
+}
+
+constexpr const char *feedbackPassOutOfRange(const PresetDecl &preset)
+{
+    const bool isInRange =
+            preset.feedbackPassIndex >= -1 && preset.feedbackPassIndex < preset.passCount;
+    return isInRange ? nullptr : "feedbackPassIndex";
+}
+
+constexpr bool publishesAlias(std::span<const PassDecl> passes, std::string_view alias)
+{
+    return std::ranges::any_of(passes,
+                               [alias](const PassDecl &pass) { return pass.extentAlias == alias; });
+}
+
+constexpr const char *repeatedAlias(const PresetDecl &preset)
+{
+    const auto passes = passesOf(preset);
+    for (std::size_t i = 0; i < passes.size(); ++i) {
+        const char *alias = passes[i].extentAlias;
+        if (*alias != '\0' && publishesAlias(passes.first(i), alias))
+            return alias;
+    }
+    return nullptr;
+}
+
+constexpr const char *scaleInputNotPublishedEarlier(const PresetDecl &preset)
+{
+    const auto passes = passesOf(preset);
+    for (std::size_t i = 0; i < passes.size(); ++i) {
+        const char *alias = passes[i].scaleInputAlias;
+        if (*alias != '\0' && !publishesAlias(passes.first(i), alias))
+            return alias;
+    }
+    return nullptr;
+}
+
+constexpr const char *misplacedAbsoluteSize(const PresetDecl &preset)
+{
+    for (const PassDecl &pass : passesOf(preset)) {
+        const bool isRight = pass.scaleType == kScaleAbsolute
+                ? pass.absoluteWidth > 0 && pass.absoluteHeight >= 0
+                : pass.absoluteWidth == 0 && pass.absoluteHeight == 0;
+        if (!isRight)
+            return pass.component;
+    }
+    return nullptr;
 }
 
 // For all overrides against all parameters: std::string_view would first measure both texts, and
@@ -176,136 +213,215 @@ constexpr bool bindsParam(const PresetDecl &preset, const char *id)
     return false;
 }
 
-constexpr bool publishesAlias(std::span<const PassDecl> passes, std::string_view alias)
-{
-    return std::ranges::any_of(passes,
-                               [alias](const PassDecl &pass) { return pass.extentAlias == alias; });
-}
-
-constexpr bool hasPasses(const PresetDecl &preset)
-{
-    return preset.passCount >= 1;
-}
-
-constexpr bool isCountOf(const void *array, std::int32_t count)
-{
-    return array == nullptr ? count == 0 : count > 0;
-}
-
-// Under GCC's sanitizers no constant expression: an object's address is none that could be compared
-// with null there.
-constexpr bool countsMatchArrays(const PresetDecl &preset)
-{
-    return isCountOf(preset.passes, preset.passCount)
-            && isCountOf(preset.valueOverrides, preset.valueOverrideCount)
-            && std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
-                   return isCountOf(pass.params, pass.paramCount);
-               });
-}
-
-// No constant expression if a count is greater than its array.
-constexpr bool lastRowsCanBeRead(const PresetDecl &preset)
-{
-    const auto canBeRead = [](const auto &rows) {
-        if (rows.empty())
-            return true;
-        [[maybe_unused]] const auto last = rows.back();
-        return true;
-    };
-    return canBeRead(passesOf(preset)) && canBeRead(valueOverridesOf(preset))
-            && std::ranges::all_of(passesOf(preset), [canBeRead](const PassDecl &pass) {
-                   return canBeRead(paramsOf(pass));
-               });
-}
-
-constexpr bool feedbackPassIsInRange(const PresetDecl &preset)
-{
-    return preset.feedbackPassIndex >= -1 && preset.feedbackPassIndex < preset.passCount;
-}
-
-constexpr bool aliasesAreUnique(const PresetDecl &preset)
-{
-    const auto passes = passesOf(preset);
-    for (std::size_t i = 0; i < passes.size(); ++i) {
-        const std::string_view alias = passes[i].extentAlias;
-        if (!alias.empty() && publishesAlias(passes.first(i), alias))
-            return false;
-    }
-    return true;
-}
-
-constexpr bool scaleInputsArePublishedEarlier(const PresetDecl &preset)
-{
-    const auto passes = passesOf(preset);
-    for (std::size_t i = 0; i < passes.size(); ++i) {
-        const std::string_view alias = passes[i].scaleInputAlias;
-        if (!alias.empty() && !publishesAlias(passes.first(i), alias))
-            return false;
-    }
-    return true;
-}
-
-constexpr bool absoluteSizesAreOnAbsolutePasses(const PresetDecl &preset)
-{
-    return std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
-        return pass.scaleType == kScaleAbsolute
-                ? pass.absoluteWidth > 0 && pass.absoluteHeight >= 0
-                : pass.absoluteWidth == 0 && pass.absoluteHeight == 0;
-    });
-}
-
-constexpr bool constantBlackIdsAreBound(const PresetDecl &preset)
-{
-    return std::ranges::all_of(passesOf(preset), [&preset](const PassDecl &pass) {
-        const char *id = pass.constantBlackWhenZero;
-        return *id == '\0' || bindsParam(preset, id);
-    });
-}
-
-constexpr bool overrideIdsAreBound(const PresetDecl &preset)
-{
-    return std::ranges::all_of(valueOverridesOf(preset), [&preset](const ValueOverride &row) {
-        return bindsParam(preset, row.id);
-    });
-}
-
-constexpr bool overrideValuesAreInRange(const PresetDecl &preset)
+constexpr const char *unboundConstantBlack(const PresetDecl &preset)
 {
     for (const PassDecl &pass : passesOf(preset)) {
-        for (const ParamDecl &param : paramsOf(pass)) {
-            for (const ValueOverride &row : valueOverridesOf(preset)) {
-                if (isSameText(param.id, row.id)
-                    && !(param.min <= row.value && row.value <= param.max))
-                    return false;
-            }
-        }
+        const char *id = pass.constantBlackWhenZero;
+        if (*id != '\0' && !bindsParam(preset, id))
+            return id;
     }
-    return true;
+    return nullptr;
 }
 
-constexpr bool overrideIdsAreUnique(const PresetDecl &preset)
+constexpr const char *unboundOverride(const PresetDecl &preset)
+{
+    for (const ValueOverride &row : valueOverridesOf(preset)) {
+        if (!bindsParam(preset, row.id))
+            return row.id;
+    }
+    return nullptr;
+}
+
+constexpr const char *repeatedOverride(const PresetDecl &preset)
 {
     const auto overrides = valueOverridesOf(preset);
     for (std::size_t i = 0; i < overrides.size(); ++i) {
         const std::string_view id = overrides[i].id;
         if (std::ranges::any_of(overrides.first(i),
                                 [id](const ValueOverride &row) { return row.id == id; }))
-            return false;
+            return overrides[i].id;
     }
+    return nullptr;
+}
+
+constexpr const char *overrideOutOfBounds(const PresetDecl &preset)
+{
+    for (const PassDecl &pass : passesOf(preset)) {
+        for (const ParamDecl &param : paramsOf(pass)) {
+            for (const ValueOverride &row : valueOverridesOf(preset)) {
+                if (isSameText(param.id, row.id)
+                    && !(param.min <= row.value && row.value <= param.max))
+                    return row.id;
+            }
+        }
+    }
+    return nullptr;
+}
+
+constexpr const char *passValueOutOfRange(const PresetDecl &preset)
+{
+    for (const PassDecl &pass : passesOf(preset)) {
+        const bool isInRange = pass.scaleType >= kScaleSource && pass.scaleType <= kScaleAbsolute
+                && (pass.constantBlackAlpha == 0.0F || pass.constantBlackAlpha == 1.0F);
+        if (!isInRange)
+            return pass.component;
+    }
+    return nullptr;
+}
+
+constexpr const char *paramOutOfBounds(const PresetDecl &preset)
+{
+    for (const PassDecl &pass : passesOf(preset)) {
+        for (const ParamDecl &param : paramsOf(pass)) {
+            const bool isInRange = param.min <= param.defaultValue
+                    && param.defaultValue <= param.max && param.step > 0.0F;
+            if (!isInRange)
+                return param.id;
+        }
+    }
+    return nullptr;
+}
+
+struct Rule
+{
+    const char *text; // without quotation marks, of which compilers make something else
+    const char *(*culprit)(const PresetDecl &);
+};
+
+inline constexpr Rule kRules[] = {
+        {"a preset name consists of letters, digits, - and _, and begins with one of the first two",
+         unusableName},
+        {"a preset has at least one pass", missingPasses},
+        {"an array comes with its count, and no array with a count of 0", countWithoutArray},
+        {"feedbackPassIndex is -1 or the index of a pass of its preset", feedbackPassOutOfRange},
+        {"an extentAlias is published by one pass of a preset only", repeatedAlias},
+        {"a scaleInputAlias names the extentAlias of an earlier pass",
+         scaleInputNotPublishedEarlier},
+        {"absoluteWidth and absoluteHeight belong to kScaleAbsolute passes, and only to them",
+         misplacedAbsoluteSize},
+        {"constantBlackWhenZero names a parameter that some pass of the preset binds",
+         unboundConstantBlack},
+        {"the id of a value override is bound by some pass of its preset", unboundOverride},
+        {"the id of a value override stands once in its list", repeatedOverride},
+        {"a value override lies within the bounds of its parameter", overrideOutOfBounds},
+        {"scaleType is one of the kScale values, and constantBlackAlpha is 0 or 1",
+         passValueOutOfRange},
+        {"the default of a parameter lies within its bounds, and its step is above 0",
+         paramOutOfBounds},
+};
+
+// The manifest's identifiers carry the preset name with '_' for '-'.
+constexpr bool isSameIdentifier(std::string_view a, std::string_view b)
+{
+    return std::ranges::equal(
+            a, b, {}, [](char c) { return c == '-' ? '_' : c; },
+            [](char c) { return c == '-' ? '_' : c; });
+}
+
+// The first rule that is broken, the preset that breaks it, and what in that preset does so; null
+// if all are kept.
+struct BrokenRule
+{
+    const char *rule = nullptr;
+    const char *preset = nullptr;
+    const char *culprit = nullptr;
+};
+
+constexpr BrokenRule firstBrokenRule(std::span<const PresetDecl> presets)
+{
+    for (std::size_t i = 0; i < presets.size(); ++i) {
+        for (const Rule &rule : kRules) {
+            if (const char *culprit = rule.culprit(presets[i]))
+                return {rule.text, presets[i].name, culprit};
+        }
+        for (const PresetDecl &earlier : presets.first(i)) {
+            if (isSameIdentifier(earlier.name, presets[i].name))
+                return {"two preset names differ in more than - against _", presets[i].name,
+                        earlier.name};
+        }
+    }
+    return {};
+}
+
+// Whether the compiler can evaluate `expression`.
+template<auto expression>
+inline constexpr bool isConstant = requires
+{
+    typename std::bool_constant<(expression(), true)>;
+};
+
+// No constant expression if there are fewer rows.
+constexpr void readLast(const auto &rows)
+{
+    if (!rows.empty()) {
+        [[maybe_unused]] const auto last = rows.back();
+    }
+}
+
+constexpr void readAll(std::span<const PresetDecl> presets)
+{
+    for (const PresetDecl &preset : presets) {
+        readLast(passesOf(preset));
+        readLast(valueOverridesOf(preset));
+        for (const PassDecl &pass : passesOf(preset))
+            readLast(paramsOf(pass));
+    }
+}
+
+// Which count is greater than its array, from one preset and pass on.
+template<const auto &presets, std::size_t index = 0, std::size_t passIndex = 0>
+constexpr BrokenRule firstCountBeyondArray()
+{
+    constexpr const char *rule = "a count is not greater than its array";
+    constexpr const PresetDecl &preset = presets[index];
+    if constexpr (!isConstant<[] { readLast(passesOf(presets[index])); }>)
+        return {rule, preset.name, "passes"};
+    else if constexpr (!isConstant<[] { readLast(valueOverridesOf(presets[index])); }>)
+        return {rule, preset.name, "valueOverrides"};
+    else if constexpr (passIndex >= passesOf(preset).size())
+        return firstCountBeyondArray<presets, index + 1>();
+    else if constexpr (!isConstant<[] { readLast(paramsOf(passesOf(presets[index])[passIndex])); }>)
+        return {rule, preset.name, preset.passes[passIndex].component};
+    else
+        return firstCountBeyondArray<presets, index, passIndex + 1>();
+}
+
+// A text as a template argument; a longer one is cut off.
+struct ShownText
+{
+    char text[100] = {};
+    consteval ShownText(const char *shown)
+    {
+        std::ranges::copy(std::string_view(shown).substr(0, std::size(text) - 1), text);
+    }
+};
+
+void stopCompiling();
+
+// No constant expression: compilers show what it is called with, GCC the template's arguments and
+// clang the others.
+template<ShownText rule, ShownText preset, ShownText culprit>
+constexpr bool aRuleIsBroken(const char * /*rule*/, const char * /*preset*/,
+                             const char * /*culprit*/)
+{
+    stopCompiling();
     return true;
 }
 
-// scaleType, constantBlackAlpha and the order of a parameter's bounds: the values a row may take.
-constexpr bool valuesAreInRange(const PresetDecl &preset)
+// For use in static_assert: does not compile if a rule is broken.
+template<const auto &presets>
+constexpr bool areKept()
 {
-    return std::ranges::all_of(passesOf(preset), [](const PassDecl &pass) {
-        return pass.scaleType >= kScaleSource && pass.scaleType <= kScaleAbsolute
-                && (pass.constantBlackAlpha == 0.0F || pass.constantBlackAlpha == 1.0F)
-                && std::ranges::all_of(paramsOf(pass), [](const ParamDecl &param) {
-                       return param.min <= param.defaultValue && param.defaultValue <= param.max
-                               && param.step > 0.0F;
-                   });
-    });
+    constexpr BrokenRule broken = [] {
+        if constexpr (isConstant<[] { readAll(presets); }>)
+            return firstBrokenRule(presets);
+        else
+            return firstCountBeyondArray<presets>();
+    }();
+    if constexpr (broken.rule != nullptr)
+        return !aRuleIsBroken<broken.rule, broken.preset, broken.culprit>(
+                broken.rule, broken.preset, broken.culprit);
+    return true;
 }
 
 } // namespace Rules
