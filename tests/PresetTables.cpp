@@ -47,3 +47,11 @@ QList<PresetTableRow> presetTable(const char *name)
     }
     return rows;
 }
+
+QStringList presetTableNames()
+{
+    QStringList names;
+    for (const PresetTableRow &preset : presetTable("presets"))
+        names.append(QString::fromLatin1(preset.text("name")));
+    return names;
+}

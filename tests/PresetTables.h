@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QList>
+#include <QStringList>
 
 // The rows of a hand-kept table below tests/presets/tables, each by column name.
 class PresetTableRow
@@ -20,3 +21,6 @@ private:
 };
 
 QList<PresetTableRow> presetTable(const char *name);
+
+// All presets, in their order.
+QStringList presetTableNames();

@@ -37,6 +37,12 @@ QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected)
             + shown(expectedLines) + "\nactual:\n" + shown(actualLines);
 }
 
+bool isTested(const QString &preset)
+{
+    const QString only = qEnvironmentVariable("TESTED_PRESET");
+    return only.isEmpty() || only == preset;
+}
+
 QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian)
 {
     QByteArray bytes = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";

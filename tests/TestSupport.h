@@ -48,6 +48,10 @@ QByteArray readFile(const QString &path);
 // The first lines in which the texts differ, for a reader: empty if they are the same.
 QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected);
 
+// Whether a test that takes its time over each preset is to try this one: TESTED_PRESET in the
+// environment can name the only one.
+bool isTested(const QString &preset);
+
 // The text in UTF-16, behind a byte-order mark.
 QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian = false);
 

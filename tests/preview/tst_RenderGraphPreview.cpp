@@ -1,3 +1,4 @@
+#include "../PresetTables.h"
 #include "../TestSupport.h"
 
 #include <QColorSpace>
@@ -6,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
 
@@ -99,9 +101,8 @@ void TestRenderGraphPreview::errors_data()
 {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QByteArray>("message");
-    const QByteArray presets =
-            "crt-pvm, crt-bvm, crt-arcade, crt-pc, crt-bw, crt-consumer, gba-lcd, "
-            "gameboy-lcd, dmg-lcd, no-pixels, rewind, stock";
+    const QByteArray noPreset =
+            "no preset 'crt'; there are " + presetTableNames().join(u", "_s).toUtf8();
     const QString picture = u"picture gba-lcd --out a.png --size 8x8 "_s;
     QTest::newRow("no command") << u""_s << "no command is given; --help tells the commands"_ba;
     QTest::newRow("unknown command")
@@ -117,8 +118,7 @@ void TestRenderGraphPreview::errors_data()
     QTest::newRow("no shaders directory")
             << u"--shaders-dir= picture stock --out a.png"_s
             << "--shaders-dir is missing: name the shaders directory"_ba;
-    QTest::newRow("unknown preset")
-            << u"picture crt --out a.png"_s << "no preset 'crt'; there are "_ba + presets;
+    QTest::newRow("unknown preset") << u"picture crt --out a.png"_s << noPreset;
     QTest::newRow("unknown id") << picture + u"--set gain=1"_s
                                 << "preset 'gba-lcd' has no parameter 'gain'; it has "
                                    "LCD_COLOR_PROFILE, ghost_rise, ghost_fall, ghost_hdr_speed, "
@@ -186,8 +186,8 @@ void TestRenderGraphPreview::errors_data()
                                          << "cannot make the directory 'sources/text.png'"_ba;
     QTest::newRow("profile of none")
             << u"profile"_s << "usage: render-graph-preview profile <preset> (see --help)"_ba;
-    QTest::newRow("profile against none") << u"profile stock --against crt --size 8x8"_s
-                                          << "no preset 'crt'; there are "_ba + presets;
+    QTest::newRow("profile against none")
+            << u"profile stock --against crt --size 8x8"_s << noPreset;
 }
 
 void TestRenderGraphPreview::errors()
@@ -224,8 +224,9 @@ void TestRenderGraphPreview::listNamesEverything()
 {
     const Run list = run(words(u"--shaders-dir= list"_s)); // which reads none
     QCOMPARE(list.err, "");
-    QVERIFY2(list.out.startsWith("presets:\n  crt-pvm\n  crt-bvm\n"), list.out.constData());
-    QVERIFY(list.out.contains("\n  stock\ntest pictures:\n  scene-320x240\n"));
+    QVERIFY2(list.out.startsWith("presets:\n  " + presetTableNames().join(u"\n  "_s).toUtf8()
+                                 + "\ntest pictures:\n  scene-320x240\n"),
+             list.out.constData());
     QVERIFY2(list.out.contains("\n  photo-640x480\ndevices:\n  0 "), list.out.constData());
     QCOMPARE(list.exitStatus, 0);
 }
@@ -471,11 +472,10 @@ void TestRenderGraphPreview::graphOfAllPresets()
 {
     RUN(u"graph --all --out graphs/all"_s);
     const QStringList graphs = QDir(u"graphs/all"_s).entryList(QDir::Files, QDir::Name);
-    QCOMPARE(graphs,
-             QStringList({u"crt-arcade.svg"_s, u"crt-bvm.svg"_s, u"crt-bw.svg"_s,
-                          u"crt-consumer.svg"_s, u"crt-pc.svg"_s, u"crt-pvm.svg"_s,
-                          u"dmg-lcd.svg"_s, u"gameboy-lcd.svg"_s, u"gba-lcd.svg"_s,
-                          u"no-pixels.svg"_s, u"rewind.svg"_s, u"stock.svg"_s}));
+    QStringList expected =
+            presetTableNames().replaceInStrings(QRegularExpression(u"$"_s), u".svg"_s);
+    expected.sort();
+    QCOMPARE(graphs, expected);
     for (const QString &graph : graphs) {
         const QByteArray svg = readFile(u"graphs/all/"_s + graph);
         QVERIFY2(svg.endsWith("</svg>\n"), qPrintable(graph));

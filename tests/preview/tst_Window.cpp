@@ -1,9 +1,8 @@
 #include <ParameterPanel.h>
 #include <PictureView.h>
+#include <PresetTables.h>
 #include <TestSupport.h>
 #include <Window.h>
-
-#include <FirstPartyPresets.h>
 
 #include <QAction>
 #include <QApplication>
@@ -197,11 +196,10 @@ void TestWindow::overrideRows()
     // Every row that stands in the table.
     const QByteArray table =
             readFile(QStringLiteral(SOURCE_DIR "/tools/render-graph-compile/FirstPartyPresets.h"));
-    for (const auto &preset : FirstPartyPresetSource::kPresets) {
-        for (const auto &row : valueOverridesOf(preset)) {
-            const QByteArray text = overrideRow(QLatin1StringView(row.id), row.value).toUtf8();
-            QVERIFY2(table.contains('\n' + text), text.constData());
-        }
+    for (const PresetTableRow &row : presetTable("overrides")) {
+        const QByteArray text =
+                overrideRow(QString::fromLatin1(row.text("id")), row.real("value")).toUtf8();
+        QVERIFY2(table.contains('\n' + text), text.constData());
     }
     QCOMPARE(overrideRow(u"a"_s, 100.0F), u"    {.id = \"a\", .value = 100.0F},\n"_s);
     QCOMPARE(overrideRow(u"b"_s, -0.15F), u"    {.id = \"b\", .value = -0.15F},\n"_s);

@@ -127,6 +127,8 @@ void TestExamplePresets::everyParameterIsSeen_data()
             if (tried.contains(use))
                 continue;
             tried.insert(use);
+            if (!isTested(name))
+                continue;
             QTest::addRow("%s %s", qUtf8Printable(name), param.id) << &preset << &param;
         }
     }

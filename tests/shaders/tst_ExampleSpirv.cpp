@@ -232,8 +232,11 @@ const Interface &TestExampleSpirv::declaredBy(const QString &component)
 void TestExampleSpirv::modulesAgreeWithTheManifest_data()
 {
     QTest::addColumn<const PresetEntry *>("preset");
-    for (const PresetEntry &preset : kPresets)
-        QTest::newRow(preset.presetQrcPath) << &preset;
+    for (const PresetEntry &preset : kPresets) {
+        const QString name = QFileInfo(QString::fromUtf8(preset.presetQrcPath)).baseName();
+        if (isTested(name))
+            QTest::newRow(qUtf8Printable(name)) << &preset;
+    }
 }
 
 void TestExampleSpirv::modulesAgreeWithTheManifest()

@@ -108,7 +108,6 @@ class TestPresetLight : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyPresetIsStated();
     void lightIsKept_data();
     void lightIsKept();
     void whiteIsOfItsColour_data();
@@ -118,13 +117,6 @@ private Q_SLOTS:
     void limiterTakesItsTime_data();
     void limiterTakesItsTime();
 };
-
-void TestPresetLight::everyPresetIsStated()
-{
-    QCOMPARE(std::size(kStated), std::size(kPresets));
-    for (std::size_t i = 0; i < std::size(kPresets); ++i)
-        QCOMPARE(&presetEntry(QString::fromLatin1(kStated[i].preset)), &kPresets[i]);
-}
 
 // Over the middle of the screen, within 3 %.
 void TestPresetLight::lightIsKept_data()
