@@ -131,5 +131,13 @@ update_golden || fail 'scripts/update-golden again'
 # Of scripts/test what is about all presets; what draws each of them draws the new one.
 build "$BUILD_DIR" --target presets-tests || fail 'building'
 export TESTED_PRESET=a-photographic-negative QT_QPA_PLATFORM=offscreen
-"$CTEST" --test-dir "$BUILD_DIR" -C presets -L '^presets$' --output-on-failure >log 2>&1 || fail 'testing'
+"$CTEST" --test-dir "$BUILD_DIR" -C presets -L '^presets$' -V >log 2>&1 || fail 'testing'
 [ "$(lines 'Passed')" -ge 7 ] || fail 'hardly a test ran'
+while read -r program function; do
+    [ "$(lines " presets-$program ")" = 0 ] ||
+        [ "$(lines "PASS .*::$function($TESTED_PRESET")" != 0 ] || fail "$program does not try the new preset"
+done <<'END'
+tst_ExamplePresets everyParameterIsSeen
+tst_ExampleSpirv modulesAgreeWithTheManifest
+tst_Validation presetsAreClean
+END
