@@ -130,8 +130,12 @@ update_golden || fail 'scripts/update-golden again'
 
 # Of scripts/test what is about all presets; what draws each of them draws the new one.
 build "$BUILD_DIR" --target presets-tests || fail 'building'
-export TESTED_PRESET=a-photographic-negative QT_QPA_PLATFORM=offscreen
-"$CTEST" --test-dir "$BUILD_DIR" -C presets -L '^presets$' -V >log 2>&1 || fail 'testing'
+# Under a user's root the driver would look for its cache where only root may.
+export TESTED_PRESET=a-photographic-negative QT_QPA_PLATFORM=offscreen XDG_CACHE_HOME="$WORK_DIR/cache"
+if ! "$CTEST" --test-dir "$BUILD_DIR" -C presets -L '^presets$' -V >log 2>&1; then
+    sed -i '/: PASS  /d' log
+    fail 'testing'
+fi
 [ "$(lines 'Passed')" -ge 7 ] || fail 'hardly a test ran'
 while read -r program function; do
     [ "$(lines " presets-$program ")" = 0 ] ||
