@@ -67,6 +67,7 @@ quick_sources() {
     for part in CMakeLists.txt cmake docs examples packaging src tools; do
         cp -R "$SOURCE_DIR/$part" "$1"
     done
+    cp "$SOURCE_DIR"/*.md "$1"
     find "$1/src" "$1/tools" -name '*.cpp' | while read -r source; do
         : >"$source"
     done

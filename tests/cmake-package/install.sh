@@ -23,7 +23,6 @@ END
 # Below a directory that is called as what the sources' archive leaves out.
 sources="$WORK_DIR/build/sources (1)"
 quick_sources "$sources" 'extern "C" int core(); static const int kCore = core();'
-cp "$SOURCE_DIR"/*.md "$sources"
 mkdir -p "$sources/.git" "$sources/build/dev"
 echo built | tee "$sources/.git/config" >"$sources/build/dev/built.txt"
 configure "$sources" "$sources/out" -G Ninja -DBUILD_TESTING=OFF -DCMAKE_BUILD_TYPE=Release \

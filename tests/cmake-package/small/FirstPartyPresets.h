@@ -30,4 +30,6 @@ inline constexpr PresetDecl kPresets[] = {
     {.name = "stock", .passes = kStockPasses, .passCount = std::size(kStockPasses)},
 };
 
+static_assert(Rules::areKept<kPresets>());
+
 } // namespace FirstPartyPresetSource
