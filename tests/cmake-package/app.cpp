@@ -1,4 +1,5 @@
-// Prints what its manifest holds: for each preset its resource, its passes, whether it moves, and its values.
+// Prints what its manifest holds: for each preset its resource, its passes, whether it moves, and
+// its values.
 #ifndef HEADER
 #define HEADER "m.h"
 #endif
@@ -9,9 +10,11 @@
 int main()
 {
     for (const RenderGraphManifestData::PresetEntry &preset : RenderGraphManifestData::kPresets) {
-        std::printf("%s %d %s", preset.presetQrcPath, preset.passCount, preset.usesFrameCount ? "moves" : "still");
+        std::printf("%s %d %s", preset.presetQrcPath, preset.passCount,
+                    preset.usesFrameCount ? "moves" : "still");
         for (int index = 0; index < preset.presetParamCount; ++index)
-            std::printf(" %s=%g", preset.presetParams[index].id, double(preset.presetParams[index].initialValue));
+            std::printf(" %s=%g", preset.presetParams[index].id,
+                        double(preset.presetParams[index].initialValue));
         std::printf("\n");
     }
 }

@@ -4,30 +4,31 @@
 
 #include <iterator>
 
-// The presets of the tool that the tests of the CMake package install: few components, compiled in no time.
+// The presets of the tool that the tests of the CMake package install: few components, compiled in
+// no time.
 namespace FirstPartyPresetSource {
 
 inline constexpr ParamDecl kTintParams[] = {
-    {.id = "amount",
-     .description = "Tint",
-     .defaultValue = 0.0F,
-     .min = 0.0F,
-     .max = 1.0F,
-     .step = 0.25F},
+        {.id = "amount",
+         .description = "Tint",
+         .defaultValue = 0.0F,
+         .min = 0.0F,
+         .max = 1.0F,
+         .step = 0.25F},
 };
 
 inline constexpr PassDecl kTintPasses[] = {
-    {.component = "tint", .params = kTintParams, .paramCount = std::size(kTintParams)},
-    {.component = "stock", .scaleType = kScaleViewport},
+        {.component = "tint", .params = kTintParams, .paramCount = std::size(kTintParams)},
+        {.component = "stock", .scaleType = kScaleViewport},
 };
 
 inline constexpr PassDecl kStockPasses[] = {
-    {.component = "stock", .scaleType = kScaleViewport},
+        {.component = "stock", .scaleType = kScaleViewport},
 };
 
 inline constexpr PresetDecl kPresets[] = {
-    {.name = "tint", .passes = kTintPasses, .passCount = std::size(kTintPasses)},
-    {.name = "stock", .passes = kStockPasses, .passCount = std::size(kStockPasses)},
+        {.name = "tint", .passes = kTintPasses, .passCount = std::size(kTintPasses)},
+        {.name = "stock", .passes = kStockPasses, .passCount = std::size(kStockPasses)},
 };
 
 static_assert(Rules::areKept<kPresets>());
