@@ -28,12 +28,12 @@ bool FUNCTION()
 END_OF_SOURCE
 cat >project/main.cpp <<'END_OF_SOURCE'
 #include <cstdio>
-bool hiddenCatalogOfStill(), defaultInHiddenOfStill(), staticOfStill();
+bool hiddenCatalogOfStill(), defaultInHiddenOfStill(), publicOfStill(), staticOfStill();
 bool catalogOfMoving(), sourcesOfMoving(), headerOfMoving();
 int main()
 {
-    std::printf("%d%d%d %d%d%d\n", hiddenCatalogOfStill(), defaultInHiddenOfStill(), staticOfStill(),
-                catalogOfMoving(), sourcesOfMoving(), headerOfMoving());
+    std::printf("%d%d%d%d %d%d%d\n", hiddenCatalogOfStill(), defaultInHiddenOfStill(), publicOfStill(),
+                staticOfStill(), catalogOfMoving(), sourcesOfMoving(), headerOfMoving());
 }
 END_OF_SOURCE
 cat >project/CMakeLists.txt <<'END_OF_PROJECT'
@@ -55,15 +55,17 @@ endfunction()
 part(hiddenCatalogOfStill SHARED catalog.cpp still_catalog)
 part(defaultOfStill STATIC header.cpp still)
 part(defaultInHiddenOfStill SHARED between.cpp defaultOfStill)
-set_target_properties(hiddenCatalogOfStill defaultInHiddenOfStill PROPERTIES CXX_VISIBILITY_PRESET hidden)
 set_target_properties(defaultOfStill PROPERTIES POSITION_INDEPENDENT_CODE ON)
+part(publicOfStill SHARED header.cpp)
+target_link_libraries(publicOfStill PUBLIC still)
+set_target_properties(hiddenCatalogOfStill defaultInHiddenOfStill publicOfStill PROPERTIES CXX_VISIBILITY_PRESET hidden)
 part(staticOfStill STATIC header.cpp still)
+part(headerOfMoving STATIC header.cpp moving)
 part(catalogOfMoving STATIC catalog.cpp moving_catalog)
 part(sourcesOfMoving STATIC catalog.cpp moving RenderGraphCompile::VulkanRenderGraphCatalog)
-add_executable(app main.cpp header.cpp)
-target_compile_definitions(app PRIVATE FUNCTION=headerOfMoving)
-target_link_libraries(app PRIVATE hiddenCatalogOfStill defaultInHiddenOfStill staticOfStill catalogOfMoving
-    sourcesOfMoving moving)
+add_executable(app main.cpp)
+target_link_libraries(app PRIVATE hiddenCatalogOfStill defaultInHiddenOfStill publicOfStill staticOfStill
+    catalogOfMoving sourcesOfMoving headerOfMoving)
 END_OF_PROJECT
 cat >project/between.cpp <<'END_OF_SOURCE'
 bool defaultOfStill();
@@ -73,13 +75,16 @@ bool FUNCTION()
     return defaultOfStill();
 }
 END_OF_SOURCE
-sed 's/^bool FUNCTION();/[[gnu::visibility("default")]] &/' project/catalog.cpp >visible.cpp
-mv visible.cpp project/catalog.cpp
+# The functions are seen from outside, and what the manifests and the catalogues hold is not.
+for source in catalog header; do
+    sed 's/^bool FUNCTION();/[[gnu::visibility("default")]] &/' project/$source.cpp >visible.cpp
+    mv visible.cpp project/$source.cpp
+done
 
 configure project build -G Ninja "-DCMAKE_CXX_COMPILER=$CXX" -DCMAKE_CXX_FLAGS=-Werror || fail 'configuring'
 build build || fail 'building'
 build/app >log
-[ "$(cat log)" = '000 111' ] || fail 'a manifest is mixed up with another'
+[ "$(cat log)" = '0000 111' ] || fail 'a manifest is mixed up with another'
 
 # configured <CMake code>
 configured() {
