@@ -84,21 +84,26 @@ bool matchesDeclaredList(const PresetDecl &decl, const QList<PresetParamMeta> &p
 
 } // namespace
 
-DeclaredParameterList declaredParameterList(const QString &glslpPath)
+QStringList presetDeclaredParameterList(const QString &glslpPath, int *listLine)
 {
     static const QRegularExpression kParametersLine(uR"re(^\s*parameters\s*=\s*"([^"]*)")re"_s);
-    DeclaredParameterList list;
+    QStringList ids;
     int number = 0;
+    int found = 0;
     forEachLine(glslpPath, [&](QStringView line) {
         ++number;
         if (!line.contains(u"parameters"))
             return true;
         const QRegularExpressionMatch match = kParametersLine.match(line.toString());
-        if (match.hasMatch())
-            list = {match.captured(1).split(u';', Qt::SkipEmptyParts), number};
+        if (match.hasMatch()) {
+            ids = match.captured(1).split(u';', Qt::SkipEmptyParts);
+            found = number;
+        }
         return !match.hasMatch();
     });
-    return list;
+    if (listLine)
+        *listLine = found;
+    return ids;
 }
 
 bool collectPresetParameters(const QString &shadersDir, const PresetDecl &decl,
@@ -122,5 +127,5 @@ bool collectPresetParameters(const QString &shadersDir, const PresetDecl &decl,
     }
 
     collect(decl, presetValueOverrides(glslpPath), out);
-    return matchesDeclaredList(decl, out, declaredParameterList(glslpPath).ids);
+    return matchesDeclaredList(decl, out, presetDeclaredParameterList(glslpPath));
 }

@@ -29,11 +29,6 @@ bool collectPresetParameters(const QString &shadersDir,
                              const FirstPartyPresetSource::PresetDecl &decl,
                              QList<PresetParamMeta> &out);
 
-// The `parameters` list of a .glslp file.
-struct DeclaredParameterList
-{
-    QStringList ids;
-    int line = 0; // from 1; 0 where there is no such line, or it cannot be read
-};
-
-DeclaredParameterList declaredParameterList(const QString &glslpPath);
+// The `parameters` list of a .glslp file. Sets `listLine` to the line on which it stands, from 1,
+// or to 0 if there is none or the file cannot be read.
+QStringList presetDeclaredParameterList(const QString &glslpPath, int *listLine = nullptr);

@@ -64,15 +64,16 @@ QStringList without(QStringList ids, const QStringList &others)
 
 QString driftPlace(const QString &path, const QList<PresetParamMeta> &parameters)
 {
-    const DeclaredParameterList list = declaredParameterList(path);
-    if (list.line == 0)
+    int line = 0;
+    const QStringList listed = presetDeclaredParameterList(path, &line);
+    if (line == 0)
         return path + R"(: no line 'parameters = "..."' can be read here)"_L1;
     QStringList ownIds;
     for (const PresetParamMeta &parameter : parameters)
         ownIds.append(parameter.id);
 
-    const QStringList missing = without(ownIds, list.ids);
-    const QStringList surplus = without(list.ids, ownIds);
+    const QStringList missing = without(ownIds, listed);
+    const QStringList surplus = without(listed, ownIds);
     QStringList differences;
     if (!missing.isEmpty())
         differences.append("only the passes have '"_L1 + missing.join("', '"_L1) + u'\'');
@@ -80,7 +81,7 @@ QString driftPlace(const QString &path, const QList<PresetParamMeta> &parameters
         differences.append("only this list has '"_L1 + surplus.join("', '"_L1) + u'\'');
     if (differences.isEmpty())
         differences.append(u"an id stands here more than once"_s);
-    return placed(path, list.line, differences.join("; "_L1));
+    return placed(path, line, differences.join("; "_L1));
 }
 
 } // namespace
