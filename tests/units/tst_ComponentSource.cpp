@@ -225,6 +225,7 @@ void TestComponentSource::slotIndices_data()
     row("not in comments", "    x = pc.params[2]; // pc.params[9]\n/* pc.params[8] */\n", {2});
     row("spaces everywhere", "pc . params [\t4\t]\n", {4});
     row("leading zeros", "pc.params[007]\n", {7});
+    row("leading zeros are not octal", "pc.params[010] + pc.params[08]\n", {10, 8});
     row("largest int", "pc.params[2147483647]\n", {2147483647});
     row("beyond int", "pc.params[2147483648]\n", {0});
     row("far beyond int", "pc.params[99999999999999999999]\n", {0});

@@ -427,6 +427,8 @@ void TestPresetCompiler::feedback_data()
     row("by index 0", 0, {false, false, false}, 0, {true, false, false});
     row("by flag", -1, {false, true, false}, 1, {false, true, false});
     row("by two flags", -1, {false, true, true}, 1, {false, true, true});
+    row("by the flag of pass 0 and a later one", -1, {true, true, false}, 0, {true, true, false});
+    row("by index 0 and a later flag", 0, {false, true, false}, 0, {true, true, false});
     row("by index and an earlier flag", 2, {true, false, false}, 2, {true, false, true});
     row("index n counts as none", 3, {false, false, true}, 2, {false, false, true});
     row("index n and no flag", 3, {false, false, false}, -1, {false, false, false});

@@ -130,7 +130,8 @@ private Q_SLOTS:
     void driftMessageIsInCodeUnitOrder();
     void parametersLineMayBeAnywhere_data();
     void parametersLineMayBeAnywhere();
-    void bareParametersListPassesForABarePreset();
+    void presetWithoutParameters_data();
+    void presetWithoutParameters();
     void fileThatExistsButCannotBeReadIsDrift();
     void danglingLinkIsRetired();
 };
@@ -258,8 +259,11 @@ void TestPresetParameters::values_data()
     row("quoted", "b = \"0.25\"", 0.25F);
     row("without quotes", "b = 0.25", 0.5F);
     row("half quoted", "b = \"0.25", 0.5F);
+    row("without the first quote", "b = 0.25\"", 0.5F);
+    row("quotes behind the value", "b = \"0.25\" // was \"0.75\"", 0.25F);
     row("spaces everywhere", " \tb\t =  \" 0.25 \" trailing", 0.25F);
     row("no spaces", "b=\"0.25\"", 0.25F);
+    row("a space beyond ASCII", "b\u00a0= \"0.25\"", 0.5F);
     row("later line wins", "b = \"0.25\"\nb = \"0.75\"", 0.75F);
     row("later line that is no number", "b = \"0.25\"\nb = \"x\"", 0.25F);
     row("behind lines without quotes", "# none\n\na = 3\nb = \"0.25\"", 0.25F);
@@ -323,6 +327,7 @@ void TestPresetParameters::driftCheck_data()
     row("empty file", "", "");
     row("no parameters line", "a = \"1.0\"\n", "");
     row("list without quotes", "parameters = a;b;c\n", "");
+    row("list without the first quote", "parameters = a;b;c\"\n", "");
     row("one missing", "parameters = \"c;a\"\n", "a;c");
     row("one too many", "parameters = \"d;c;b;a\"\n", "a;b;c;d");
     row("a name twice", "parameters = \"c;b;a;a\"\n", "a;a;b;c");
@@ -366,6 +371,7 @@ void TestPresetParameters::parametersLineMayBeAnywhere_data()
     QTest::newRow("UTF-16") << utf16WithMark("shaders = \"1\"\n" + line);
     QTest::newRow("lone CRs") << line + "\rb = \"0.25\"\r";
     QTest::newRow("behind a line without quotes") << "parameters = a\n" + line;
+    QTest::newRow("behind a list in a comment") << "# parameters = \"a\"\n" + line;
 }
 
 void TestPresetParameters::parametersLineMayBeAnywhere()
@@ -377,14 +383,27 @@ void TestPresetParameters::parametersLineMayBeAnywhere()
     QVERIFY(outcome.succeeded);
 }
 
-void TestPresetParameters::bareParametersListPassesForABarePreset()
+void TestPresetParameters::presetWithoutParameters_data()
 {
-    writeFile(u"shaders/p.glslp"_s, "parameters = \"\"\n");
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QByteArray>("message");
+    QTest::newRow("empty list") << QByteArray("parameters = \"\"\n") << QByteArray();
+    QTest::newRow("no list") << QByteArray("shaders = \"1\"\n") << QByteArray();
+    QTest::newRow("a list") << QByteArray("parameters = \"b;a\"\n")
+                            << QByteArray("render-graph-compile: preset 'p' ownParams union {} "
+                                          "does not match its .glslp parameters= list {a;b}\n");
+}
+
+void TestPresetParameters::presetWithoutParameters()
+{
+    QFETCH(QByteArray, file);
+    QFETCH(QByteArray, message);
+    writeFile(u"shaders/p.glslp"_s, file);
     const Outcome outcome = collected(kBarePreset);
-    QVERIFY(outcome.succeeded);
+    QCOMPARE(outcome.err, message);
+    QCOMPARE(outcome.succeeded, message.isEmpty());
     QVERIFY(outcome.params.isEmpty());
     QCOMPARE(outcome.out, "");
-    QCOMPARE(outcome.err, "");
 }
 
 void TestPresetParameters::fileThatExistsButCannotBeReadIsDrift()
