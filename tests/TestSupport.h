@@ -22,20 +22,28 @@ inline constexpr bool kIsSanitized = __has_feature(address_sanitizer);
 inline constexpr bool kIsSanitized = false;
 #endif
 
-// What `action` writes to `stream`. Verify nothing inside: QTest reports on these streams itself.
+// Lets `stream` write to the descriptor while `action` runs. Verify nothing inside: QTest reports
+// on these streams itself.
+template<typename Action>
+void redirected(std::FILE *stream, int descriptor, Action action)
+{
+    std::fflush(stream);
+    const int saved = ::dup(::fileno(stream));
+    ::dup2(descriptor, ::fileno(stream));
+    action();
+    std::fflush(stream);
+    ::dup2(saved, ::fileno(stream));
+    ::close(saved);
+}
+
+// What `action` writes to `stream`.
 template<typename Action>
 QByteArray captured(std::FILE *stream, Action action)
 {
     QTemporaryFile file;
     if (!file.open())
         qFatal("no temporary file");
-    std::fflush(stream);
-    const int saved = ::dup(::fileno(stream));
-    ::dup2(file.handle(), ::fileno(stream));
-    action();
-    std::fflush(stream);
-    ::dup2(saved, ::fileno(stream));
-    ::close(saved);
+    redirected(stream, file.handle(), action);
     file.seek(0);
     return file.readAll();
 }

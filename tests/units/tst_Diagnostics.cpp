@@ -4,12 +4,15 @@
 
 #include <string>
 
+#include <sys/socket.h>
+
 class TestDiagnostics : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void linesArePrinted();
+    void errorIsOneWrite();
     void errorsAreCollected();
     void theOuterCollectorTakesOverAgain();
 };
@@ -27,6 +30,29 @@ void TestDiagnostics::linesArePrinted()
     QCOMPARE(errors,
              "render-graph-compile: no " + QByteArray(5000, 'x')
                      + "\nrender-graph-compile: 100%\n");
+}
+
+void TestDiagnostics::errorIsOneWrite()
+{
+    // Each write to such a socket is a message of its own. A full one refuses instead of waiting.
+    int ends[2];
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends), 0);
+    const std::string longText(20000, 'x'); // more than a stream's buffer
+    redirected(stderr, ends[0], [&longText] {
+        report(Diagnostic::Error, "no '%s'", "a");
+        report(Diagnostic::Error, "no %s", longText.c_str());
+    });
+    ::close(ends[0]);
+
+    const auto message = [end = ends[1]] {
+        QByteArray bytes(30000, '\0');
+        bytes.truncate(::recv(end, bytes.data(), std::size_t(bytes.size()), 0));
+        return bytes;
+    };
+    QCOMPARE(message(), "render-graph-compile: no 'a'\n");
+    QCOMPARE(message(), "render-graph-compile: no " + QByteArray(20000, 'x') + '\n');
+    QCOMPARE(message(), "");
+    ::close(ends[1]);
 }
 
 void TestDiagnostics::errorsAreCollected()
