@@ -1,12 +1,17 @@
 #include "Fuzz.h"
 
+#include "PlainText.h"
+
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -58,6 +63,24 @@ float Bytes::number()
         return kValues[kind];
     const auto value = std::bit_cast<float>(word());
     return std::isfinite(value) ? value : 0.1F;
+}
+
+QByteArray acrossBuffers(const QByteArray &text, int byte)
+{
+    static const std::array<std::pair<QByteArray, QByteArray>, 6> kMarksAndCrs = {
+            {{QByteArray("\xFF\xFE\0\0", 4), QByteArray("\r\0\0\0", 4)},
+             {QByteArray("\0\0\xFE\xFF", 4), QByteArray("\0\0\0\r", 4)},
+             {"\xFF\xFE", QByteArray("\r\0", 2)},
+             {"\xFE\xFF", QByteArray("\0\r", 2)},
+             {"\xEF\xBB\xBF", "\r"},
+             {"", "\r"}}};
+    if (byte < 0x80)
+        return text;
+    const auto &[mark, cr] =
+            *std::find_if(kMarksAndCrs.begin(), kMarksAndCrs.end(),
+                          [&text](const auto &row) { return text.startsWith(row.first); });
+    const qsizetype count = (PlainText::kBufferSize - (byte - 0x80) - mark.size()) / cr.size();
+    return mark + cr.repeated(count) + text.mid(mark.size());
 }
 
 const QString &fuzzDirectory()

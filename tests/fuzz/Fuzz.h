@@ -63,6 +63,11 @@ private:
     qsizetype m_position = 0;
 };
 
+// The text, and where `byte` is beyond ASCII, CRs before it: of a reader's first buffer they leave
+// `byte` - 0x80 bytes, so that the text runs on into the second one. A byte-order mark stays first.
+// As every CR is dropped, the result has the text's own lines.
+QByteArray acrossBuffers(const QByteArray &text, int byte);
+
 // A directory of this process, without a slash at its end; it goes when the process ends.
 const QString &fuzzDirectory();
 

@@ -9,6 +9,8 @@
 // How a text file becomes lines, byte by byte: the rule that the tool leaves to Qt.
 namespace PlainText {
 
+inline constexpr qsizetype kBufferSize = 16384; // as in TextLines.h
+
 inline void appendCodePoint(QString &text, char32_t code)
 {
     if (code < 0x10000) {
@@ -77,11 +79,31 @@ inline bool isUtf32(const QByteArray &bytes)
             || bytes.startsWith(QByteArray("\0\0\xFE\xFF", 4));
 }
 
-// False for what Qt's versions read differently: UTF-32 beyond U+10FFFF or in the surrogates.
+inline bool isUtf16(const QByteArray &bytes)
+{
+    return bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
+}
+
+// Whether a bad sequence begins close enough before the border of two buffers to reach over it.
+inline bool hasBadUtf8AcrossBuffers(const QByteArray &bytes)
+{
+    for (qsizetype border = kBufferSize; border < bytes.size(); border += kBufferSize) {
+        for (qsizetype i = border - 3; i < border; ++i) {
+            const bool isContinuation = (static_cast<unsigned char>(bytes.at(i)) & 0xC0U) == 0x80;
+            const QString text = fromUtf8(bytes.mid(i, 4));
+            if (!isContinuation && (text.isEmpty() || text.at(0) == QChar(0xFFFD)))
+                return true;
+        }
+    }
+    return false;
+}
+
+// False for what Qt reads differently from version to version, UTF-32 beyond U+10FFFF or in the
+// surrogates, or from buffer to buffer.
 inline bool isWellDefined(const QByteArray &bytes)
 {
     if (!isUtf32(bytes))
-        return true;
+        return isUtf16(bytes) || !hasBadUtf8AcrossBuffers(bytes);
     const bool isBigEndian = bytes.at(0) == '\0';
     for (qsizetype i = 4; i + 4 <= bytes.size(); i += 4) {
         const QByteArray unit = bytes.mid(i, 4);
@@ -98,7 +120,7 @@ inline QString decoded(const QByteArray &bytes)
 {
     if (isUtf32(bytes))
         return fromUnits(bytes.mid(4), 4, bytes.at(0) == '\0');
-    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF"))
+    if (isUtf16(bytes))
         return fromUnits(bytes.mid(2), 2, bytes.at(0) == '\xFE');
     return fromUtf8(bytes.startsWith("\xEF\xBB\xBF") ? bytes.mid(3) : bytes);
 }

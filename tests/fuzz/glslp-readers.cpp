@@ -1,5 +1,6 @@
 // collectPresetParameters() over a small declaration and a file, against PlainPreset. The input's
-// last bytes say what is declared, so that any .glslp file is a seed.
+// last bytes say what is declared and how the text lies across a reader's buffers, so that any
+// .glslp file is a seed.
 #include "Fuzz.h"
 #include "PlainGraph.h"
 #include "PlainText.h"
@@ -161,7 +162,7 @@ QByteArray row(const QString &id, const QString &description, float initial, con
     return text + '\n';
 }
 
-constexpr int kHeaderSize = 4;
+constexpr int kHeaderSize = 5;
 constexpr ParamDecl kFirst[] = {{.id = "b",
                                  .description = "B",
                                  .defaultValue = 0.5F,
@@ -221,13 +222,14 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
                           .valueOverrides = kOverrides,
                           .valueOverrideCount = bytes.below(5)};
     const bool isRetired = mode == 6;
+    const QByteArray onDisk = acrossBuffers(content, bytes.byte());
 
     static const QString path = fuzzDirectory() + QStringLiteral("/preset.glslp");
     removeFile(path);
     if (!isRetired)
-        putFile(path, content);
+        putFile(path, onDisk);
     const File file = readFile(content);
-    if (!PlainText::isWellDefined(content) || !file.isAgreed)
+    if (!PlainText::isWellDefined(onDisk) || !file.isAgreed)
         return 0;
 
     std::map<QString, float> values;
