@@ -127,8 +127,8 @@ function(_render_graph_generated_inputs generated_variable)
     set(${generated_variable} "${generated}" PARENT_SCOPE)
 endfunction()
 
-# The files that the tool reads, and a file that lists them: one that went, or that came with an old time
-# stamp, shows there alone.
+# The files that the tool reads, and a file that lists them: one that was deleted, or added with an old time
+# stamp, shows in the list alone.
 function(_render_graph_manifest_inputs inputs_variable listing_variable)
     _render_graph_glob(paths "render_graph_manifest(${target})" "${shaders_dir}"
         "*.glslp" "vulkan/components/*.slang" "vulkan/components/*.frag")

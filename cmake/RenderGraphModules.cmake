@@ -132,9 +132,9 @@ function(_render_graph_module_sources sources_variable)
     set(${sources_variable} "${sources}" PARENT_SCOPE)
 endfunction()
 
-# The rule that compiles `source`. Make compiles again neither when a command changes nor when an include
-# does, but when a file that the rule names does: the record, which holds the command. What CMake hands
-# Make of a depfile only ever grows: a file that went would be compiled for in each build.
+# The rule that compiles `source`. Make knows neither of a changed command nor of a changed include, but of
+# the files that the rule names. One of them is the record, which holds the command. What CMake hands Make of
+# a depfile only ever grows, and a deleted include would be compiled for in each build.
 function(_render_graph_compile_module module_variable record_variable)
     cmake_path(GET source STEM LAST_ONLY name)
     set(stage frag)
