@@ -22,7 +22,7 @@ row() {
     rm -f called
     PATH="$WORK_DIR/bin:$PATH" scripts/test-qt6.11 >log 2>&1 && status=0 || status=$?
     [ "$status" = 77 ] || { cat log >&2; echo "FAILED: '$1': status $status" >&2; exit 1; }
-    [ "$(cat called)" = "--variant=minbase sid build/sid-root.unfinished$2" ] ||
+    [ "$(sed "s|${TMPDIR-/tmp}/tmp[.][A-Za-z0-9]*|plain|" called)" = "--variant=minbase sid plain$2" ] ||
         { echo "FAILED: '$1': debootstrap was called with $(cat called)" >&2; exit 1; }
 }
 
