@@ -116,13 +116,12 @@ made 'Ninja Multi-Config/spirv/Debug/tint.frag.spv' glslc -fshader-stage=frag -g
 cmp expected.spv 'Ninja Multi-Config/spirv/tint.frag.spv' || fail 'glslc: the module is not optimized'
 edited 'Ninja Multi-Config' --config Release
 
-# From 3.31 on, CMake has a target that makes what is generated, and nothing else.
+# From 3.31 on, CMake has a target that makes what is generated.
 case $("$CMAKE" --version | head -n 1) in *' 3.'[12]?.* | *' 3.30.'*) exit 0 ;; esac
 for generator in 'Unix Makefiles' Ninja; do
     rm -rf "$generator"
     whole "$generator" '-Doptions=--target-env;vulkan1.1'
     build "$generator" --target codegen || fail "$generator: building what is generated"
     [ -s "$generator/render-graph/presets/include/app/Presets.h" ] || fail "$generator: codegen makes no header"
-    [ "$(lines 'Building CXX')" = 0 ] || fail "$generator: codegen compiles sources"
-    compiled 4
+    [ "$(lines 'Compiling .*[.]spv for shaders')" = 4 ] || fail "$generator: codegen makes no modules"
 done
