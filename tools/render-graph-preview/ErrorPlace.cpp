@@ -68,12 +68,12 @@ QString driftPlace(const QString &path, const QList<PresetParamMeta> &parameters
     const QStringList listed = presetDeclaredParameterList(path, &line);
     if (line == 0)
         return path + R"(: no line 'parameters = "..."' can be read here)"_L1;
-    QStringList ownIds;
+    QStringList own;
     for (const PresetParamMeta &parameter : parameters)
-        ownIds.append(parameter.id);
+        own.append(parameter.id);
 
-    const QStringList missing = without(ownIds, listed);
-    const QStringList surplus = without(listed, ownIds);
+    const QStringList missing = without(own, listed);
+    const QStringList surplus = without(listed, own);
     QStringList differences;
     if (!missing.isEmpty())
         differences.append("only the passes have '"_L1 + missing.join("', '"_L1) + u'\'');
