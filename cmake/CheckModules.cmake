@@ -3,8 +3,8 @@
 # that has them from the run before.
 cmake_policy(VERSION 3.21)
 include("${SETTINGS}")
-include("${CMAKE_CURRENT_LIST_DIR}/WriteFile.cmake")
-take_turns("${built}.lock")
+include("${CMAKE_CURRENT_LIST_DIR}/StepFunctions.cmake")
+lock_step("${built}.lock")
 
 file(READ "${header}" text)
 string(REGEX MATCHALL "\":/shaders/vulkan/spirv/[^\"]*\"" named "${text}")

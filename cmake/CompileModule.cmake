@@ -3,10 +3,11 @@
 #     shaders_dir           where the compiler runs, so that no debug information holds the name of a directory
 #     compile               the compiler's command, which ends before the name of the depfile
 #     optimize, validate    commands that end before the module's name, or nothing
-#     record, is_make       what a module was made of: <record>.d, a rule, or with Make <record>.inputs.cmake
+#     record, is_make       where the module's inputs are listed: <record>.d, a depfile, or with Make
+#                           <record>.inputs.cmake
 cmake_policy(VERSION 3.21)
 include("${SETTINGS}")
-include("${CMAKE_CURRENT_LIST_DIR}/WriteFile.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/StepFunctions.cmake")
 
 # Shows what a command said, with full paths for the relative ones, as editors need them.
 function(show output)
@@ -69,7 +70,7 @@ function(read_inputs problem_variable paths_variable)
     set(${paths_variable} "${paths}" PARENT_SCOPE)
 endfunction()
 
-# Leaves word of what the module was made of, for the build to see when it is to be made again.
+# Lists the module's inputs for the build system: as a depfile, or for MarkStaleModules.
 function(write_inputs paths)
     if(is_make)
         set(path "${record}.inputs.cmake")
@@ -94,7 +95,7 @@ function(write_inputs paths)
     write_file("${path}" "${content}")
 endfunction()
 
-take_turns("${record}.lock")
+lock_step("${record}.lock")
 cmake_path(GET module FILENAME name)
 cmake_path(GET module PARENT_PATH spirv_dir)
 file(MAKE_DIRECTORY "${spirv_dir}")

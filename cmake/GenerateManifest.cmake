@@ -6,7 +6,7 @@
 # to read and what came out is looked at here. A step that fails leaves LATEST and HEADER as they were.
 cmake_policy(VERSION 3.21)
 include("${CMAKE_CURRENT_LIST_DIR}/RenderGraphArguments.cmake")
-include("${CMAKE_CURRENT_LIST_DIR}/WriteFile.cmake")
+include("${CMAKE_CURRENT_LIST_DIR}/StepFunctions.cmake")
 
 # What keeps the tool from reading an input; empty if nothing does. A link to nowhere, such as an
 # editor's, is no file for the tool either, which then says what it misses.
@@ -97,7 +97,7 @@ endfunction()
 cmake_path(GET HEADER FILENAME name)
 cmake_path(GET HEADER PARENT_PATH include_dir)
 file(MAKE_DIRECTORY "${include_dir}")
-take_turns("${LOCK}")
+lock_step("${LOCK}")
 set(problem "")
 
 if(DEFINED TOOL)

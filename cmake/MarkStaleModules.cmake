@@ -1,6 +1,6 @@
-# With Make: a module that is older than what it was made of gets a newer record, for which Make compiles it
-# again. SETTINGS, a file, sets spirv_dir, names, those of the modules, and records, of which each belongs to a
-# module. The old module stays until there is a new one.
+# Touches the record of each module that is older than one of its inputs: Make then compiles the module again, and
+# keeps the old one until there is a new one. SETTINGS, a file, sets spirv_dir, and the lists names and records,
+# which have an element for each module.
 cmake_policy(VERSION 3.21)
 include("${SETTINGS}")
 

@@ -47,6 +47,13 @@ function(_render_graph_check_manifest manifest_variable call name)
     set(${manifest_variable} "${manifest}" PARENT_SCOPE)
 endfunction()
 
+# The full path, without a slash at its end. A relative one counts from `base`.
+function(_render_graph_full_path path_variable path base)
+    cmake_path(ABSOLUTE_PATH path BASE_DIRECTORY "${base}" NORMALIZE)
+    string(REGEX REPLACE "(.)/$" "\\1" path "${path}")
+    set(${path_variable} "${path}" PARENT_SCOPE)
+endfunction()
+
 # The directory as a pattern that matches nothing else, for file(GLOB).
 function(_render_graph_glob_literal literal_variable directory)
     string(REGEX REPLACE "([[*?])" "[\\1]" literal "${directory}")
@@ -84,8 +91,8 @@ function(_render_graph_glob paths_variable call directory)
     set(${paths_variable} "${paths}" PARENT_SCOPE)
 endfunction()
 
-# CMake code that sets the variables, of the caller's, to the values that they have here. In brackets, since
-# a value may hold anything else that CMake code gives a meaning to.
+# CMake code that sets the caller's variables to the values that they have now. Bracket arguments, since paths may
+# hold quotes, dollar signs and backslashes.
 function(_render_graph_settings code_variable)
     set(code "")
     foreach(name IN LISTS ARGN)

@@ -18,8 +18,7 @@ function(render_graph_manifest)
             "render_graph_manifest(${target}): HEADER is what sources include, name.h or "
             "directory/name.h, but it is '${arg_HEADER}'.")
     endif()
-    cmake_path(ABSOLUTE_PATH arg_SHADERS_DIR NORMALIZE OUTPUT_VARIABLE shaders_dir)
-    string(REGEX REPLACE "(.)/$" "\\1" shaders_dir "${shaders_dir}")
+    _render_graph_full_path(shaders_dir "${arg_SHADERS_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
     if(NOT IS_DIRECTORY "${shaders_dir}")
         message(FATAL_ERROR
             "render_graph_manifest(${target}): SHADERS_DIR is no directory: '${shaders_dir}'. "
@@ -54,8 +53,8 @@ function(_render_graph_manifest_identifier identifier_variable)
     get_property(owner GLOBAL PROPERTY _render_graph_manifest_${identifier})
     if(owner)
         message(FATAL_ERROR
-            "render_graph_manifest(${target}): the namespace of the manifest would be called as the one of "
-            "'${owner}', since they differ in nothing but _.+- Give it another name.")
+            "render_graph_manifest(${target}): this name and '${owner}' give the same C++ namespace. "
+            "Choose one that differs in more than _ . + and -")
     endif()
     set_property(GLOBAL PROPERTY _render_graph_manifest_${identifier} "${target}")
     set(${identifier_variable} "${identifier}" PARENT_SCOPE)
@@ -167,7 +166,7 @@ function(_render_graph_manifest_steps header_target_variable)
         set(latest "${work_dir}/latest-$<CONFIG>.h") # each configuration has a tool of its own
     endif()
 
-    # Nothing shall find the header under the name that it had.
+    # After HEADER changed, the old header would still be found.
     if(NOT EXISTS "${header}")
         file(REMOVE_RECURSE "${work_dir}/include")
     endif()

@@ -81,8 +81,8 @@ render_graph_manifest(a SHADERS_DIR shaders HEADER b.h" \
 call_rejected '"a;b" SHADERS_DIR shaders HEADER a.h' \
     '(a;b): an argument holds a semicolon, which CMake takes for the end of one.'
 call_rejected "a.b SHADERS_DIR shaders HEADER a.h)
-render_graph_manifest(a-b SHADERS_DIR shaders HEADER a.h" "(a-b): the namespace of the manifest would be \
-called as the one of 'a.b', since they differ in nothing but _.+- Give it another name."
+render_graph_manifest(a-b SHADERS_DIR shaders HEADER a.h" "(a-b): this name and 'a.b' give the same C++ \
+namespace. Choose one that differs in more than _ . + and -"
 mkdir -p project/odd/vulkan/components
 for name in 'a[1.slang' 'a]1.slang' 'a;1.slang'; do
     : >"project/odd/vulkan/components/$name"

@@ -29,7 +29,7 @@ lists() {
 
 moving="$WORK_DIR/stock.slang"
 project make Makefile
-moving <make/shaders/vulkan/components/stock.frag >"$moving"
+with_frame_counter <make/shaders/vulkan/components/stock.frag >"$moving"
 make -C make -j 2 my_app modules >log 2>&1 || fail 'building with Make'
 lists make/my_app no
 [ "$(find make/spirv -name '*.spv' | wc -l)" = 4 ] || fail 'Make: not every component has a module'

@@ -38,8 +38,8 @@ small_shaders() {
     cp -R "$SMALL_SHADERS_DIR" "$1"
 }
 
-# moving: a component that reads the frame counter, from standard input.
-moving() {
+# with_frame_counter: the component on standard input, reading the frame counter too.
+with_frame_counter() {
     sed 's/texCoord)/texCoord * (1.0 + pc.frameCount))/'
 }
 

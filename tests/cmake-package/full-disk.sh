@@ -53,7 +53,7 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     room=0
     while [ $room -le $((2 * size / 1024 + 12)) ]; do
         name="$generator: $room KiB free"
-        if [ -e "$moving" ]; then rm "$moving"; else moving <$components/stock.frag >"$moving"; fi
+        if [ -e "$moving" ]; then rm "$moving"; else with_frame_counter <$components/stock.frag >"$moving"; fi
         cp -p "$header" kept.h
         fill "$room"
 

@@ -7,7 +7,7 @@ fresh_install
 cp -R "$SOURCE_DIR/tests/cmake-package/many" many
 small_shaders many/still
 small_shaders many/moving
-moving <many/still/vulkan/components/stock.frag >many/moving/vulkan/components/stock.slang
+with_frame_counter <many/still/vulkan/components/stock.frag >many/moving/vulkan/components/stock.slang
 
 for generator in 'Ninja' 'Unix Makefiles' 'Ninja Multi-Config'; do
     configure many "$generator" -G "$generator" || fail "$generator: configuring"

@@ -71,7 +71,7 @@ begin() {
 edits() {
     echo '// a remark' >>"$components/tint.slang"
     row 'edit without effect' 1 0 1
-    moving <"$components/stock.frag" >"$components/stock.slang"
+    with_frame_counter <"$components/stock.frag" >"$components/stock.slang"
     row 'add a component with effect' 1 1 1
     shows ':/shaders/stock.glslp 2 moves'
     cp "$components/stock.slang" old.slang

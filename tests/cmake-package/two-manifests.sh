@@ -7,7 +7,7 @@ set -eu
 fresh_install
 small_shaders project/still
 small_shaders project/moving
-moving <project/still/vulkan/components/stock.frag >project/moving/vulkan/components/stock.slang
+with_frame_counter <project/still/vulkan/components/stock.frag >project/moving/vulkan/components/stock.slang
 
 # Each library says what the manifest that it links holds, all by names of the header or the catalogue alone.
 cat >project/header.cpp <<'END_OF_SOURCE'

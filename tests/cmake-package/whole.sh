@@ -11,7 +11,7 @@ cp "$SOURCE_DIR/examples/consumer/main.cpp" 'whole (1)'
 shaders='whole (1)/shaders'
 small_shaders "$shaders"
 components=$shaders/vulkan/components
-moving <"$components/stock.frag" | sed 's/component.glsl/generated.glsl/' >'whole (1)/moving.glsl'
+with_frame_counter <"$components/stock.frag" | sed 's/component.glsl/generated.glsl/' >'whole (1)/moving.glsl'
 mkdir "$shaders/more"
 echo 'vec2 moved(vec2 place) { return place * FACTOR; }' >"$shaders/more/more.glsl"
 sed 's/tint.glsl"/&\n#include "more.glsl"/; s/texCoord).rgb/moved(texCoord)).rgb/' "$components/tint.slang" >tint.slang

@@ -1,8 +1,8 @@
 # What the build steps share.
 
-# Two builds of one tree take turns, since both write the same files. A build that is stopped, or a file
-# system that knows no locks, holds the other up for no longer than this.
-function(take_turns lock)
+# Waits for the same step of another build of this tree, which writes the same files. The timeout is for a
+# build that is stopped, and for file systems without locks.
+function(lock_step lock)
     file(LOCK "${lock}" TIMEOUT 300 RESULT_VARIABLE ignored)
 endfunction()
 
