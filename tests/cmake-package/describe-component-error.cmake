@@ -23,11 +23,11 @@ file(WRITE "${tape}" "x = pc.params[1]; // [\n/*\n//! param wiggle\n pc.params[2
 pc.params[5];\n")
 row("alias" "preset 'rewind' pass 1 ('noise') declares //! input NONE but no earlier pass carries that \
 alias (${noise})"
-    "${noise}:4: //! input NONE stands here")
+    "${noise}:4: //! input NONE is declared here")
 row("parameter of one component" "rewind pass 1 declares parameter 'NONE' without metadata"
-    "${noise}:7: //! param NONE stands here")
+    "${noise}:7: //! param NONE is declared here")
 row("parameter of two" "rewind pass 1 declares parameter 'wiggle' without metadata"
-    "${noise}:6: //! param wiggle stands here\n${tape}:3: //! param wiggle stands here")
+    "${noise}:6: //! param wiggle is declared here\n${tape}:3: //! param wiggle is declared here")
 set(tail "but its own //! param directives only declare 2 slot(s)")
 row("slot" "preset 'rewind' pass 0: code reads pc.params[2] ${tail} (${tape})"
     "${tape}:7: pc.params[2] is read here; the slots are [0] smear, [1] wiggle")
@@ -60,7 +60,7 @@ row("empty list" "${line} {}" "${preset}:1: only the passes have 'a', 'b', 'c'")
 file(WRITE "${preset}" "parameters = a \"b\"\n parameters = \" b;[;a;d;d\"\n")
 row("drift" "${line} { b;[;a;d;d}"
     "${preset}:2: only the passes have 'b', 'c'; only this list has ' b', '?', 'd'")
-row("an id twice" "${line} {a;b;c;c}" "${preset}:2: an id stands here more than once")
+row("an id twice" "${line} {a;b;c;c}" "${preset}:2: an id is listed more than once")
 row("another error" "failed to open '${preset}' for writing" "")
 
 # The step shows it below its own line.
@@ -72,7 +72,7 @@ execute_process(COMMAND "${CMAKE_COMMAND}" "-DTOOL=sh;${WORK_DIR}/tool" "-DSHADE
     RESULT_VARIABLE result ERROR_VARIABLE shown)
 string(FIND "${shown}" "render-graph-compile: ${said}\n" own)
 string(FIND "${shown}" "\n   m.h was not generated: the tool says why above.\n\
-   ${noise}:6: //! param wiggle stands here\n" step)
+   ${noise}:6: //! param wiggle is declared here\n" step)
 if(result EQUAL 0 OR NOT own EQUAL 0 OR step EQUAL -1)
     message(SEND_ERROR "the step shows\n${shown}")
 endif()

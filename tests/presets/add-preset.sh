@@ -121,7 +121,7 @@ update_golden() {
 update_golden || fail 'scripts/update-golden'
 [ "$(lines '^+inline constexpr PresetEntry kPreset_a_photographic_negative = ')" = 1 ] ||
     fail 'scripts/update-golden does not show what is new'
-[ "$(lines '^-\([^-]\|$\)')" = 0 ] || fail 'scripts/update-golden shows that something went'
+[ "$(lines '^-\([^-]\|$\)')" = 0 ] || fail 'scripts/update-golden shows that something is removed'
 cmp "$SOURCE_DIR/build/RenderGraphManifest.h" "$golden" ||
     fail 'scripts/update-golden does not write the manifest'
 update_golden || fail 'scripts/update-golden again'

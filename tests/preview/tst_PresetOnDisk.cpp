@@ -223,10 +223,10 @@ void TestPresetOnDisk::errors_data()
     placed("alias", "rewind", noise, "\n//! input NONE\n",
            "preset 'rewind' pass 1 ('rewind-noise') declares //! input NONE but no earlier pass "
            "carries that alias (shaders/vulkan/components/rewind-noise.slang)",
-           "shaders/vulkan/components/rewind-noise.slang:2: //! input NONE stands here");
+           "shaders/vulkan/components/rewind-noise.slang:2: //! input NONE is declared here");
     placed("parameter", "rewind", noise, "//! param smear\n\n//! param DMG_TINT\n",
            "rewind pass 1 declares parameter 'DMG_TINT' without metadata",
-           "shaders/vulkan/components/rewind-noise.slang:3: //! param DMG_TINT stands here");
+           "shaders/vulkan/components/rewind-noise.slang:3: //! param DMG_TINT is declared here");
     placed("slot", "rewind", noise,
            "//! param wiggle\n//! param mask_hdr_ready\n//! param smear\n"
            "/* pc.params[2] */ pc.params[1];\npc.params[3] + pc.params[2];\n",
@@ -274,7 +274,7 @@ void TestPresetOnDisk::errors_data()
           "' wiggle', 'Smear'");
     drift("an id twice", "parameters = \"smear;wiggle;tapeSpeed;lineNoise;noiseAmount;smear\"\n",
           "lineNoise;noiseAmount;smear;smear;tapeSpeed;wiggle",
-          "shaders/rewind.glslp:1: an id stands here more than once");
+          "shaders/rewind.glslp:1: an id is listed more than once");
     drift("no list", "parameters = smear\n", "",
           "shaders/rewind.glslp: no line 'parameters = \"...\"' can be read here");
 }

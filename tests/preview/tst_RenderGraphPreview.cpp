@@ -411,7 +411,7 @@ void TestRenderGraphPreview::badComponents_data()
     QTest::newRow("preset")
             << "#version"_ba
             << "//! input NONE\n#version"_ba
-            << "preset 'rewind' pass 0 ('rewind') declares //! input NONE but no earlier pass carries that alias (shaders/vulkan/components/rewind.slang)\nrender-graph-preview: shaders/vulkan/components/rewind.slang:1: //! input NONE stands here"_ba;
+            << "preset 'rewind' pass 0 ('rewind') declares //! input NONE but no earlier pass carries that alias (shaders/vulkan/components/rewind.slang)\nrender-graph-preview: shaders/vulkan/components/rewind.slang:1: //! input NONE is declared here"_ba;
 }
 
 void TestRenderGraphPreview::badComponents()

@@ -80,7 +80,7 @@ QString driftPlace(const QString &path, const QList<PresetParamMeta> &parameters
     if (!surplus.isEmpty())
         differences.append("only this list has '"_L1 + surplus.join("', '"_L1) + u'\'');
     if (differences.isEmpty())
-        differences.append(u"an id stands here more than once"_s);
+        differences.append(u"an id is listed more than once"_s);
     return placed(path, line, differences.join("; "_L1));
 }
 
@@ -97,12 +97,12 @@ QString errorPlace(const QString &error, const QString &slangPath, const QString
     if (const auto match = kUnknownAlias.match(error); match.hasMatch()) {
         const QString alias = match.captured(1);
         return placed(slangPath, aliasInputLine(slangPath, alias),
-                      "//! input %1 stands here"_L1.arg(alias));
+                      "//! input %1 is declared here"_L1.arg(alias));
     }
     if (const auto match = kUnknownId.match(error); match.hasMatch()) {
         const QString id = match.captured(1);
         return placed(slangPath, parameterLine(slangPath, id),
-                      "//! param %1 stands here"_L1.arg(id));
+                      "//! param %1 is declared here"_L1.arg(id));
     }
     if (const auto match = kSlot.match(error); match.hasMatch())
         return slotPlace(slangPath, match.captured(1).toInt());
