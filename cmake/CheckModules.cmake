@@ -15,8 +15,8 @@ if(named)
     list(SORT named)
     list(JOIN named ", " missing)
     # The space in front keeps CMake from breaking the line.
-    message(FATAL_ERROR " ${header} names modules that have no source in the shaders directory: ${missing}. A \
-source that another rule generates has to stand in DEPENDS of render_graph_manifest() by its full path.")
+    message(FATAL_ERROR " ${header} names modules that have no source in the shaders directory: ${missing}. If \
+another rule generates one, list it in DEPENDS of render_graph_manifest() by its full path.")
 endif()
 
 set(names_before)

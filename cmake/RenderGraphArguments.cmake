@@ -9,7 +9,7 @@ macro(_render_graph_check_call function arguments)
     list(LENGTH ARGV words)
     if(words GREATER ARGC)
         message(FATAL_ERROR
-            "${function}(${target}): an argument holds a semicolon, which CMake takes for the end of one.")
+            "${function}(${target}): an argument contains a semicolon, which CMake takes for a separator.")
     endif()
     if("${target}" STREQUAL "" OR NOT ARGV0 STREQUAL target)
         message(FATAL_ERROR
@@ -41,7 +41,7 @@ function(_render_graph_check_manifest manifest_variable call name)
     endif()
     if(NOT shaders_dir)
         message(FATAL_ERROR
-            "${call}: MANIFEST is the library of a render_graph_manifest() that comes first, "
+            "${call}: MANIFEST has to be the library of an earlier render_graph_manifest(), "
             "but it is '${name}'.")
     endif()
     set(${manifest_variable} "${manifest}" PARENT_SCOPE)

@@ -48,7 +48,7 @@ function(_render_graph_glsl_compiler defines include_dirs options shaders_dir)
             set(optimize "$<$<CONFIG:Release,RelWithDebInfo>:${optimizer};-O>")
             string(APPEND optimize "$<$<CONFIG:MinSizeRel>:${optimizer};-Os>")
         else()
-            message(STATUS "render_graph_modules: no spirv-opt here, so no module is optimized")
+            message(STATUS "render_graph_modules: there is no spirv-opt here, so no module is optimized")
         endif()
     else()
         message(FATAL_ERROR

@@ -21,8 +21,8 @@ function(render_graph_manifest)
     _render_graph_full_path(shaders_dir "${arg_SHADERS_DIR}" "${CMAKE_CURRENT_SOURCE_DIR}")
     if(NOT IS_DIRECTORY "${shaders_dir}")
         message(FATAL_ERROR
-            "render_graph_manifest(${target}): SHADERS_DIR is no directory: '${shaders_dir}'. "
-            "A relative one counts from the directory of the CMakeLists.txt.")
+            "render_graph_manifest(${target}): SHADERS_DIR is not a directory: '${shaders_dir}'. "
+            "A relative path is relative to the directory of the CMakeLists.txt.")
     endif()
     _render_graph_manifest_identifier(identifier)
     _render_graph_compile_command(tool tool_dependency)
@@ -119,8 +119,8 @@ function(_render_graph_generated_inputs generated_variable)
             endif()
         elseif(NOT TARGET "${dependency}")
             message(FATAL_ERROR
-                "render_graph_manifest(${target}): DEPENDS takes full paths and targets that are there "
-                "already, but '${dependency}' is neither.")
+                "render_graph_manifest(${target}): DEPENDS takes full paths and existing targets, "
+                "but '${dependency}' is neither.")
         endif()
     endforeach()
     set(${generated_variable} "${generated}" PARENT_SCOPE)

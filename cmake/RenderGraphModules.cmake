@@ -54,7 +54,7 @@ endfunction()
 function(_render_graph_check_modules_target)
     if(NOT TARGET "${target}")
         message(FATAL_ERROR
-            "render_graph_modules(${target}): there is no target '${target}'. It comes first.")
+            "render_graph_modules(${target}): there is no target '${target}'. Define it before this call.")
     endif()
     get_target_property(original "${target}" ALIASED_TARGET)
     if(original)
@@ -72,19 +72,19 @@ function(_render_graph_check_embedding)
     get_target_property(type ${target} TYPE)
     if(NOT type MATCHES "^(EXECUTABLE|(STATIC|SHARED|MODULE|OBJECT)_LIBRARY)$")
         message(FATAL_ERROR
-            "render_graph_modules(${target}): '${target}' is no program or library that could hold Qt "
-            "resources. OUTPUT_DIRECTORY takes the modules as files.")
+            "render_graph_modules(${target}): '${target}' is not a program or library, so it cannot hold "
+            "Qt resources. OUTPUT_DIRECTORY writes the modules as files.")
     endif()
     get_target_property(directory ${target} SOURCE_DIR)
     if(NOT directory STREQUAL CMAKE_CURRENT_SOURCE_DIR)
         message(FATAL_ERROR
-            "render_graph_modules(${target}): the call belongs into the directory of '${target}', "
+            "render_graph_modules(${target}): call it in the directory of '${target}', "
             "'${directory}'.")
     endif()
     if(NOT COMMAND qt6_add_resources)
         message(FATAL_ERROR
             "render_graph_modules(${target}): Qt resources need find_package(Qt6 COMPONENTS Core) first. "
-            "OUTPUT_DIRECTORY takes the modules as files.")
+            "OUTPUT_DIRECTORY writes the modules as files.")
     endif()
 endfunction()
 

@@ -5,7 +5,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
     # cpack would make a .deb that depends on nothing.
     find_program(shlibdeps dpkg-shlibdeps)
     if(NOT shlibdeps)
-        message(FATAL_ERROR "No dpkg-shlibdeps here, which finds what the .deb depends on. "
+        message(FATAL_ERROR "There is no dpkg-shlibdeps here. It finds the dependencies of the .deb. "
             "Install Debian's dpkg-dev, or make the .tar.gz alone: cpack -G TGZ")
     endif()
 

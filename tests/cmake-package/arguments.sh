@@ -67,19 +67,19 @@ for header in /a.h a/ ../a.h a/../b.h ./a.h C:a.h; do
 or directory/name.h, but it is '$header'."
 done
 call_rejected 'a SHADERS_DIR "shaders;other" HEADER a.h' \
-    '(a): an argument holds a semicolon, which CMake takes for the end of one.'
+    '(a): an argument contains a semicolon, which CMake takes for a separator.'
 call_rejected 'a SHADERS_DIR shaders HEADER a.h DEPENDS "shaders/a.slang"' "(a): DEPENDS takes full paths \
-and targets that are there already, but 'shaders/a.slang' is neither."
-call_rejected 'a SHADERS_DIR none HEADER a.h' "(a): SHADERS_DIR is no directory: \
-'$WORK_DIR/project/none'. A relative one counts from the directory of the CMakeLists.txt."
-call_rejected 'a SHADERS_DIR CMakeLists.txt HEADER a.h' "(a): SHADERS_DIR is no directory: \
-'$WORK_DIR/project/CMakeLists.txt'. A relative one counts from the directory of the CMakeLists.txt."
+and existing targets, but 'shaders/a.slang' is neither."
+call_rejected 'a SHADERS_DIR none HEADER a.h' "(a): SHADERS_DIR is not a directory: \
+'$WORK_DIR/project/none'. A relative path is relative to the directory of the CMakeLists.txt."
+call_rejected 'a SHADERS_DIR CMakeLists.txt HEADER a.h' "(a): SHADERS_DIR is not a directory: \
+'$WORK_DIR/project/CMakeLists.txt'. A relative path is relative to the directory of the CMakeLists.txt."
 call_rejected "a SHADERS_DIR shaders HEADER a.h)
 render_graph_manifest(a SHADERS_DIR shaders HEADER b.h" \
     "(a): there is a target 'a' already. Each manifest is a library of its own."
 
 call_rejected '"a;b" SHADERS_DIR shaders HEADER a.h' \
-    '(a;b): an argument holds a semicolon, which CMake takes for the end of one.'
+    '(a;b): an argument contains a semicolon, which CMake takes for a separator.'
 call_rejected "a.b SHADERS_DIR shaders HEADER a.h)
 render_graph_manifest(a-b SHADERS_DIR shaders HEADER a.h" "(a-b): this name and 'a.b' give the same C++ \
 namespace. Choose one that differs in more than _ . + and -"
@@ -127,14 +127,14 @@ more_rejected 'render_graph_modules(MANIFEST a)' \
 more_rejected 'render_graph_modules(files)' \
     "render_graph_modules(files): MANIFEST is missing. $modules_synopsis"
 more_rejected 'render_graph_modules(none MANIFEST a)' \
-    "render_graph_modules(none): there is no target 'none'. It comes first."
+    "render_graph_modules(none): there is no target 'none'. Define it before this call."
 for library in b files; do
     more_rejected "render_graph_modules(files MANIFEST $library OUTPUT_DIRECTORY spirv)" \
-        "render_graph_modules(files): MANIFEST is the library of a render_graph_manifest() that comes \
-first, but it is '$library'."
+        "render_graph_modules(files): MANIFEST has to be the library of an earlier \
+render_graph_manifest(), but it is '$library'."
 done
-more_rejected 'render_graph_modules(files MANIFEST a)' "render_graph_modules(files): 'files' is no \
-program or library that could hold Qt resources. OUTPUT_DIRECTORY takes the modules as files."
+more_rejected 'render_graph_modules(files MANIFEST a)' "render_graph_modules(files): 'files' is not a \
+program or library, so it cannot hold Qt resources. OUTPUT_DIRECTORY writes the modules as files."
 more_rejected 'add_executable(app IMPORTED)
 add_executable(alias ALIAS app)
 render_graph_modules(alias MANIFEST a)' "render_graph_modules(alias): 'alias' is an alias. Name the target \
@@ -142,7 +142,7 @@ itself, 'app'."
 more_rejected 'render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY "")' "render_graph_modules(files): \
 OUTPUT_DIRECTORY is empty. Without it, the modules become Qt resources of the target."
 more_rejected 'render_graph_modules("a;b" MANIFEST a)' \
-    'render_graph_modules(a;b): an argument holds a semicolon, which CMake takes for the end of one.'
+    'render_graph_modules(a;b): an argument contains a semicolon, which CMake takes for a separator.'
 more_rejected 'add_custom_target(others)
 render_graph_modules(files MANIFEST a OUTPUT_DIRECTORY spirv)
 render_graph_modules(others MANIFEST a OUTPUT_DIRECTORY ../build/spirv/)' "render_graph_modules(others): the \
@@ -153,11 +153,11 @@ a target 'files_modules' already. Each target has the modules of one manifest."
 more_rejected 'enable_language(CXX)
 add_library(library STATIC a.cpp)
 render_graph_modules(library MANIFEST a)' "render_graph_modules(library): Qt resources need \
-find_package(Qt6 COMPONENTS Core) first. OUTPUT_DIRECTORY takes the modules as files."
+find_package(Qt6 COMPONENTS Core) first. OUTPUT_DIRECTORY writes the modules as files."
 echo 'add_library(library STATIC a.cpp)' >project/sub/CMakeLists.txt
 more_rejected 'enable_language(CXX)
 add_subdirectory(sub)
-render_graph_modules(library MANIFEST a)' "render_graph_modules(library): the call belongs into the \
+render_graph_modules(library MANIFEST a)' "render_graph_modules(library): call it in the \
 directory of 'library', '$WORK_DIR/project/sub'."
 for compiler in "$CMAKE" none 'glslc;-O' bin/glslc; do
     more_rejected "set(RenderGraphCompile_GLSL_COMPILER \"$compiler\")
@@ -172,8 +172,8 @@ compiler here: glslangValidator, glslang or glslc (Debian: glslang-tools, glslc)
 RenderGraphCompile_GLSL_COMPILER can name one."
 more_rejected 'render_graph_catalog(catalog)' \
     'render_graph_catalog(catalog): MANIFEST is missing. Write render_graph_catalog(<library> MANIFEST <library>)'
-more_rejected 'render_graph_catalog(catalog MANIFEST files)' "render_graph_catalog(catalog): MANIFEST is \
-the library of a render_graph_manifest() that comes first, but it is 'files'."
+more_rejected 'render_graph_catalog(catalog MANIFEST files)' "render_graph_catalog(catalog): MANIFEST has to be \
+the library of an earlier render_graph_manifest(), but it is 'files'."
 more_rejected 'render_graph_catalog(files MANIFEST a)' "render_graph_catalog(files): there is a target \
 'files' already. The catalogue is a library of its own."
 more_rejected 'render_graph_catalog(catalog MANIFEST a)' \

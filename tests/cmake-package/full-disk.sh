@@ -62,9 +62,9 @@ for generator in 'Ninja' 'Unix Makefiles'; do
             current || fail "$name: the header is not what the tool writes"
         else
             outcome=refused
-            grep -qFx "   m.h was not generated: it could not be written to its end. Make room in \
+            grep -qFx "   m.h was not generated: it could not be written completely. Make room in \
 '$disk', and build again." log ||
-                grep -qFx "   m.h was not generated: it could not be written to its end. Make room in \
+                grep -qFx "   m.h was not generated: it could not be written completely. Make room in \
 '$disk/include', and build again." log || fail "$name: no such line"
             cmp "$header" kept.h || fail "$name: the header changed"
             [ -z "$(find "$header" -newer kept.h)" ] || fail "$name: the header was written again"
@@ -131,7 +131,7 @@ configure project build -G Ninja "-DRenderGraphCompile_EXECUTABLE=$WORK_DIR/shor
 for cut in 1 2 50 "$(wc -c <expected.h)"; do
     echo "$cut" >short.cut
     if build build; then fail "$cut bytes short: the build succeeded"; fi
-    [ "$(lines 'it could not be written to its end')" = 1 ] || fail "$cut bytes short: no such line"
+    [ "$(lines 'it could not be written completely')" = 1 ] || fail "$cut bytes short: no such line"
 done
 echo 0 >short.cut
 build build || fail 'the build does not recover from a short manifest'
@@ -147,12 +147,12 @@ echo 0 >compiler.cut
 build build --target modules || fail 'building the modules'
 for cut in 1 4 20; do
     echo $cut >compiler.cut
-    cut_module "a module $cut bytes short" "what '.*/compiler' wrote is no SPIR-V, or not all of it. Is the disk full?$"
+    cut_module "a module $cut bytes short" "what '.*/compiler' wrote is not SPIR-V, or not complete. Is the disk full?$"
 done
 cp compiler kept
 sed 's/-o ]/--depfile ]/' kept >compiler
 echo 1 >compiler.cut
-cut_module 'a short depfile' "'.*/tint.frag.spv.d' was not written to its end. Is the disk full?$"
+cut_module 'a short depfile' "'.*/tint.frag.spv.d' was not written completely. Is the disk full?$"
 printf '%s\n' '#!/bin/sh' 'exit 0' >compiler
 cut_module 'a compiler that writes nothing' "'.*/compiler' wrote nothing[.]$"
 

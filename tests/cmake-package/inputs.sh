@@ -63,11 +63,11 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     recovered
     for target in /dev/null /dev/zero; do
         ln -s $target "$input"
-        refused "$input" 'is no regular file'
+        refused "$input" 'is not a regular file'
         rm "$input"
     done
     mkfifo "$input"
-    refused "$input" 'is no regular file'
+    refused "$input" 'is not a regular file'
     rm "$input"
     recovered # Ninja has words of its own for a loop where it knew a file
     ln -s stock.slang "$input"

@@ -85,14 +85,14 @@ if grep -i 'vulkan\|glslang' foreign/CMakeCache.txt; then fail 'another system i
 
 add='add_subdirectory(../project/third_party/render-graph-compile first)'
 refused "set(RenderGraphCompile_PRESETS none.h)
-$add" "RenderGraphCompile_PRESETS is no file: '$WORK_DIR/refused/none.h'. A relative path counts from the project's \
+$add" "RenderGraphCompile_PRESETS is not a file: '$WORK_DIR/refused/none.h'. A relative path is relative to the project's \
 top directory."
 refused "$add
 set(RenderGraphCompile_PRESETS ../project/MyPresets.h)
 add_subdirectory(../project/third_party/render-graph-compile second)" \
     "The sources of RenderGraphCompile were added before, with other presets: \
 '$WORK_DIR/$sources/tools/render-graph-compile/FirstPartyPresets.h'. Set RenderGraphCompile_PRESETS before they are \
-added first."
+added for the first time."
 refused "set(RenderGraphCompile_PRESETS ../project/MyPresets.h)
 find_package(RenderGraphCompile 1 REQUIRED)" \
     "RenderGraphCompile_PRESETS is set, but an installed tool has its presets compiled in. Add the sources with \

@@ -163,8 +163,8 @@ mv "$components/hdr-color-boost.slang" .
 name="$generator: remove a component that the tool does not read"
 if build 'the build'; then fail "$name: the build succeeded"; fi
 grep -q "^   .*m.h names modules that have no source in the shaders directory: \
-hdr-color-boost.frag.spv. A source that another rule generates has to stand in DEPENDS of \
-render_graph_manifest() by its full path[.]$" log || fail "$name: the module is not named"
+hdr-color-boost.frag.spv. If another rule generates one, list it in DEPENDS of render_graph_manifest() by its \
+full path[.]$" log || fail "$name: the module is not named"
 mv hdr-color-boost.slang "$components"
 row 'put that one back' 1 0 0
 

@@ -104,7 +104,7 @@ execute_process(
         -D "CMAKE_IGNORE_PATH=/usr/bin;/bin;/usr/local/bin"
     RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
 string(REGEX REPLACE "[ \n]+" " " output "${output}")
-string(FIND "${output}" "No dpkg-shlibdeps here, which finds what the .deb depends on. \
+string(FIND "${output}" "There is no dpkg-shlibdeps here. It finds the dependencies of the .deb. \
 Install Debian's dpkg-dev, or make the .tar.gz alone: cpack -G TGZ" said)
 file(GLOB refused "${WORK_DIR}/refused/*.deb")
 if(status EQUAL 0 OR said EQUAL -1 OR refused)
