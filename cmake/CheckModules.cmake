@@ -1,6 +1,9 @@
-# Holds what render_graph_modules() compiles against what the manifest names, and removes the modules whose
-# components are gone. SETTINGS, a file, sets header, spirv_dir, names, those of the modules, and built, a file
-# that has them from the run before.
+# Checks that render_graph_modules() compiles every module that the manifest names, and deletes the modules of
+# deleted components. SETTINGS names a file that sets
+#     header       the manifest
+#     spirv_dir    the directory of the modules
+#     names        the names of the modules
+#     built        a file that lists the modules of the previous run
 cmake_policy(VERSION 3.21)
 include("${SETTINGS}")
 include("${CMAKE_CURRENT_LIST_DIR}/StepFunctions.cmake")
@@ -14,7 +17,7 @@ list(REMOVE_ITEM named ${names})
 if(named)
     list(SORT named)
     list(JOIN named ", " missing)
-    # The space in front keeps CMake from breaking the line.
+    # CMake does not wrap a message that begins with a space.
     message(FATAL_ERROR " ${header} names modules that have no source in the shaders directory: ${missing}. If \
 another rule generates one, list it in DEPENDS of render_graph_manifest() by its full path.")
 endif()

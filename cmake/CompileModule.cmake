@@ -1,15 +1,15 @@
-# Compiles one module for render_graph_modules(). SETTINGS, a file, sets
-#     source, module        what is compiled, and to what
-#     shaders_dir           where the compiler runs, so that no debug information holds the name of a directory
-#     compile               the compiler's command, which ends before the name of the depfile
-#     optimize, validate    commands that end before the module's name, or nothing
-#     record, is_make       where the module's inputs are listed: <record>.d, a depfile, or with Make
+# Compiles one module for render_graph_modules(). SETTINGS names a file that sets
+#     source, module        the input and the output
+#     shaders_dir           the compiler's working directory, to keep full paths out of the debug information
+#     compile               the compiler's command, up to the depfile's name
+#     optimize, validate    commands up to the module's name, or empty
+#     record, is_make       the module's inputs are listed in <record>.d, a depfile, or for Make in
 #                           <record>.inputs.cmake
 cmake_policy(VERSION 3.21)
 include("${SETTINGS}")
 include("${CMAKE_CURRENT_LIST_DIR}/StepFunctions.cmake")
 
-# Shows what a command said, with full paths for the relative ones, as editors need them.
+# Shows a command's output, with full paths in place of relative ones, so that editors can open them.
 function(show output)
     string(REGEX REPLACE "(^|[ \n])([.]/|vulkan/)" "\\1${shaders_dir}/\\2" output "${output}")
     string(STRIP "${output}" output)
@@ -18,7 +18,7 @@ function(show output)
     endif()
 endfunction()
 
-# Runs a command that leaves a module in `part`. A compiler that finds the disk full may not say so.
+# Runs a command that writes a module to `part`. A compiler may not report a full disk, so the module is checked.
 function(run problem_variable)
     list(GET ARGN 0 program)
     execute_process(COMMAND ${ARGN} WORKING_DIRECTORY "${shaders_dir}" RESULT_VARIABLE result
@@ -42,7 +42,7 @@ function(run problem_variable)
     set(${problem_variable} "${problem}" PARENT_SCOPE)
 endfunction()
 
-# The files that the compiler read, from the rule that it wrote.
+# Sets the paths of the files that the compiler read, from its depfile.
 function(read_inputs problem_variable paths_variable)
     set(rule "")
     if(EXISTS "${record}.d")
@@ -52,7 +52,8 @@ function(read_inputs problem_variable paths_variable)
         set(${problem_variable} "'${record}.d' was not written completely. Is the disk full?" PARENT_SCOPE)
         return()
     endif()
-    # glslang escapes, glslc does not: each path follows a space and begins as below.
+    # glslang escapes spaces in paths and glslc does not. So a path begins after a space, with one of the prefixes
+    # below.
     string(ASCII 1 space)
     string(REPLACE "\\ " "${space}" rule "${rule}")
     string(REGEX REPLACE "[\\\n]" "" rule "${rule}")
@@ -63,14 +64,14 @@ function(read_inputs problem_variable paths_variable)
         string(REPLACE "${space}" " " path "${path}")
         cmake_path(ABSOLUTE_PATH path BASE_DIRECTORY "${shaders_dir}" NORMALIZE)
         if(NOT EXISTS "${path}")
-            string(REPLACE "$$" "$" path "${path}") # glslang again
+            string(REPLACE "$$" "$" path "${path}") # as glslang escapes it
         endif()
         list(APPEND paths "${path}")
     endforeach()
     set(${paths_variable} "${paths}" PARENT_SCOPE)
 endfunction()
 
-# Lists the module's inputs for the build system: as a depfile, or for MarkStaleModules.
+# Lists the module's inputs in a depfile, or for MarkStaleModules.cmake.
 function(write_inputs paths)
     if(is_make)
         set(path "${record}.inputs.cmake")
@@ -115,7 +116,7 @@ if(NOT problem)
 endif()
 if(problem)
     file(REMOVE "${part}")
-    # The space in front keeps CMake from breaking the line.
+    # CMake does not wrap a message that begins with a space.
     message(FATAL_ERROR " ${name} was not compiled: ${problem}")
 endif()
 write_inputs("${paths}")

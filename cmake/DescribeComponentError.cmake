@@ -1,13 +1,13 @@
-# describe_component_error(<variable> <what the tool said> <shaders directory>)
+# describe_component_error(<variable> <the tool's standard error> <shaders directory>)
 #
-# What the tool's line about a component or a .glslp file leaves open, as "<file>:<line>: <what>": the
-# preview's words (tools/render-graph-preview/ErrorPlace.cpp) and VulkanRenderGraph's limits. Empty where
-# that is nothing. A line that does not name its component gives one such line for each that may be meant.
+# Sets the variable to details about the tool's error in a component or a .glslp file: "<file>:<line>: <text>",
+# or empty if there are none. If the tool does not name the component, each component that may be meant gets a
+# line. The texts are the preview's, from ErrorPlace.cpp, and the limits are those of VulkanRenderGraph.
 cmake_policy(VERSION 3.21)
 include("${CMAKE_CURRENT_LIST_DIR}/RenderGraphArguments.cmake")
 
-function(describe_component_error variable said shaders_dir)
-    string(REGEX MATCH "render-graph-compile: ([^\r\n]*)" line "${said}")
+function(describe_component_error variable error_output shaders_dir)
+    string(REGEX MATCH "render-graph-compile: ([^\r\n]*)" line "${error_output}")
     set(line "${CMAKE_MATCH_1}")
     set(components "${shaders_dir}/vulkan/components")
     set(places "")
@@ -52,8 +52,8 @@ parameters= list {(.*)}$")
     set(${variable} "${places}" PARENT_SCOPE)
 endfunction()
 
-# The file's lines as a list. What would join or split its elements is replaced: brackets are parentheses
-# in it, semicolons and backslashes question marks.
+# Sets a list of the file's lines. Characters that would join or split list elements are replaced: brackets by
+# parentheses, semicolons and backslashes by question marks.
 function(_lines_of variable path)
     set(text "")
     if(EXISTS "${path}" AND NOT IS_DIRECTORY "${path}")
@@ -68,7 +68,7 @@ function(_lines_of variable path)
     set(${variable} "${text}" PARENT_SCOPE)
 endfunction()
 
-# The names that the file's directives declare, each once, and the lines on which they stand first.
+# Sets lists of the names that the file's directives declare, each once, and of their first lines' numbers.
 function(_directives names_variable numbers_variable path keyword)
     set(names "")
     set(numbers "")
@@ -86,7 +86,7 @@ function(_directives names_variable numbers_variable path keyword)
     set(${numbers_variable} "${numbers}" PARENT_SCOPE)
 endfunction()
 
-# The parameters that take a slot.
+# The same for the parameters that take a slot.
 function(_slot_parameters ids_variable numbers_variable path)
     _directives(ids numbers "${path}" param)
     list(FIND ids mask_hdr_ready exempt)
@@ -163,7 +163,7 @@ function(_slot_place variable path slot)
     endforeach()
 endfunction()
 
-# The ids of one list, each once, that are not in the other.
+# Sets the ids that are in `these` and not in `others`, each once.
 function(_without ids_variable these others)
     set(ids "")
     foreach(id IN LISTS ${these})

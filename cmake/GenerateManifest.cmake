@@ -1,15 +1,15 @@
-# The build steps of render_graph_manifest(). Takes LATEST, which the tool writes and whose time stamp
-# says when, HEADER, which follows it where the content differs, and LOCK, a file that only one step at a time
-# holds. The step that runs the tool has TOOL (a command) and SHADERS_DIR too.
+# The two build steps of render_graph_manifest(). With TOOL, a command, the step runs the tool on SHADERS_DIR and
+# writes LATEST. Without TOOL it updates HEADER from LATEST if the content differs. Only one step at a time runs
+# with the same LOCK, a file. A failing step does not change LATEST and HEADER.
 #
-# The tool exits with 0 though it could not read a component, or not write to the end. So what it is
-# to read and what came out is looked at here. A step that fails leaves LATEST and HEADER as they were.
+# The tool exits with 0 even if it could not read a component or write the whole header. So this script checks
+# the inputs and the output.
 cmake_policy(VERSION 3.21)
 include("${CMAKE_CURRENT_LIST_DIR}/RenderGraphArguments.cmake")
 include("${CMAKE_CURRENT_LIST_DIR}/StepFunctions.cmake")
 
-# What keeps the tool from reading an input; empty if nothing does. A link to nowhere, such as an
-# editor's, is no file for the tool either, which then says what it misses.
+# Sets why the tool cannot read an input, or empty. A dangling link, such as an editor's lock file, is not an
+# error: the tool treats it as missing, and reports it if it needs it.
 function(input_problem variable path)
     set(${variable} "" PARENT_SCOPE)
     set(target "${path}")
@@ -25,13 +25,13 @@ function(input_problem variable path)
         set(${variable} "is a loop of links" PARENT_SCOPE)
     elseif(IS_DIRECTORY "${path}")
         set(${variable} "is a directory" PARENT_SCOPE)
-    elseif(NOT EXISTS "${path}") # which also holds for what cannot be read
+    elseif(NOT EXISTS "${path}") # or if it cannot be read
         execute_process(COMMAND test -e "${path}" RESULT_VARIABLE result)
         if(result EQUAL 0)
             set(${variable} "cannot be read" PARENT_SCOPE)
         endif()
     elseif(NOT CMAKE_HOST_WIN32)
-        # Only a file without a size can be a device or a pipe, and few are.
+        # Devices and pipes have size 0, so only such files need the slower test.
         file(SIZE "${path}" size)
         if(size EQUAL 0)
             execute_process(COMMAND test -f "${path}" RESULT_VARIABLE result)
@@ -56,7 +56,7 @@ Put a file there that can be read, or remove it, and build again." PARENT_SCOPE)
     endforeach()
 endfunction()
 
-# Whether what was written ends as a manifest ends.
+# Checks that the manifest has its last lines.
 function(check_manifest problem_variable path)
     set(end "")
     if(EXISTS "${path}")
@@ -74,13 +74,13 @@ Make room in '${directory}', and build again." PARENT_SCOPE)
 endfunction()
 
 function(run_tool problem_variable)
-    # What the tool says on standard output is no error, and would repeat in every build.
+    # The tool's standard output is information, which would repeat in every build.
     file(REMOVE "${LATEST}.part")
     execute_process(COMMAND ${TOOL} --shaders-dir "${SHADERS_DIR}" --out "${LATEST}.part"
-        RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE said ECHO_ERROR_VARIABLE)
+        RESULT_VARIABLE result OUTPUT_QUIET ERROR_VARIABLE error_output ECHO_ERROR_VARIABLE)
     if(result MATCHES "^[0-9]+$" AND NOT result EQUAL 0)
         include("${CMAKE_CURRENT_FUNCTION_LIST_DIR}/DescribeComponentError.cmake")
-        describe_component_error(places "${said}" "${SHADERS_DIR}")
+        describe_component_error(places "${error_output}" "${SHADERS_DIR}")
         set(problem "the tool says why above.")
         if(NOT places STREQUAL "")
             string(REPLACE "\n" "\n " places "\n${places}")
@@ -123,7 +123,7 @@ if(NOT problem)
 endif()
 if(problem)
     file(REMOVE "${output}.part")
-    # The space in front keeps CMake from breaking the line.
+    # CMake does not wrap a message that begins with a space.
     message(FATAL_ERROR " ${name} was not generated: ${problem}")
 endif()
 file(RENAME "${output}.part" "${output}")

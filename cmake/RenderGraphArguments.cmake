@@ -1,8 +1,8 @@
-# What the functions of the package share: checks of their arguments, and lists of files.
+# Functions shared by the package: checks of arguments, and lists of files.
 cmake_policy(VERSION 3.21)
 
-# For a function whose arguments are parsed into arg_: its first one becomes `target`, and what is
-# missing or unknown is an error. Takes the function, how to call it, and the keywords that have to be there.
+# For a function whose arguments are parsed into arg_: sets `target` to the first argument, and reports missing
+# and unknown arguments. `arguments` is the synopsis; the required keywords follow it.
 macro(_render_graph_check_call function arguments)
     set(synopsis "  ${function}(${arguments})")
     list(POP_FRONT arg_UNPARSED_ARGUMENTS target)
@@ -28,7 +28,7 @@ macro(_render_graph_check_call function arguments)
     endforeach()
 endmacro()
 
-# The library of a render_graph_manifest(), which may be given by an alias. `call` begins the message.
+# Sets the library of a render_graph_manifest(), whose alias may be given. The error message begins with `call`.
 function(_render_graph_check_manifest manifest_variable call name)
     set(manifest "${name}")
     set(shaders_dir NOTFOUND)
@@ -47,26 +47,26 @@ function(_render_graph_check_manifest manifest_variable call name)
     set(${manifest_variable} "${manifest}" PARENT_SCOPE)
 endfunction()
 
-# The full path, without a slash at its end. A relative one counts from `base`.
+# Sets the full path without a trailing slash. A relative path is relative to `base`.
 function(_render_graph_full_path path_variable path base)
     cmake_path(ABSOLUTE_PATH path BASE_DIRECTORY "${base}" NORMALIZE)
     string(REGEX REPLACE "(.)/$" "\\1" path "${path}")
     set(${path_variable} "${path}" PARENT_SCOPE)
 endfunction()
 
-# The directory as a pattern that matches nothing else, for file(GLOB).
+# Escapes the directory for file(GLOB).
 function(_render_graph_glob_literal literal_variable directory)
     string(REGEX REPLACE "([[*?])" "[\\1]" literal "${directory}")
     set(${literal_variable} "${literal}" PARENT_SCOPE)
 endfunction()
 
-# The full paths of what matches a pattern below the directory, looked for again in each build.
+# Sets the full paths of the files below the directory that match a pattern. Each build checks for new ones.
 function(_render_graph_glob paths_variable call directory)
     _render_graph_glob_literal(literal "${directory}")
     list(TRANSFORM ARGN PREPEND "${literal}/" OUTPUT_VARIABLE patterns)
     file(GLOB paths CONFIGURE_DEPENDS ${patterns})
 
-    # CMake splits a list at each semicolon, but for those that follow a bracket without its partner.
+    # CMake splits a list at each semicolon, except for those after an unbalanced bracket.
     string(ASCII 1 opened)
     string(ASCII 2 closed)
     string(REPLACE "[" "${opened}" pieces "${paths};${directory}")
@@ -91,8 +91,8 @@ function(_render_graph_glob paths_variable call directory)
     set(${paths_variable} "${paths}" PARENT_SCOPE)
 endfunction()
 
-# CMake code that sets the caller's variables to the values that they have now. Bracket arguments, since paths may
-# hold quotes, dollar signs and backslashes.
+# Sets CMake code that gives the named variables their current values. It uses bracket arguments, since paths may
+# contain quotes, dollar signs and backslashes.
 function(_render_graph_settings code_variable)
     set(code "")
     foreach(name IN LISTS ARGN)

@@ -1,7 +1,6 @@
 # render_graph_catalog(<library> MANIFEST <library>)
 #
-# Makes the static library <library> of VulkanRenderGraphCatalog and the manifest. docs/cmake.md is the
-# reference.
+# Makes a static library of VulkanRenderGraphCatalog and the manifest. docs/cmake.md is the reference.
 cmake_policy(VERSION 3.21)
 
 function(render_graph_catalog)
@@ -25,7 +24,7 @@ function(render_graph_catalog)
         file(CONFIGURE OUTPUT "${include_dir}/RenderGraphManifest.h" CONTENT "#include <${include}>\n" @ONLY)
     endif()
 
-    # What the project around asks of its own sources is not asked of these.
+    # The warnings, linters and unity builds of the project do not apply to these sources.
     add_library(${target} STATIC)
     set_target_properties(${target} PROPERTIES
         POSITION_INDEPENDENT_CODE ON
@@ -38,14 +37,14 @@ function(render_graph_catalog)
     target_compile_options(${target} PRIVATE "$<IF:$<CXX_COMPILER_ID:MSVC>,/w,-w>")
     target_compile_features(${target} PUBLIC cxx_std_17)
 
-    # Whoever exports the library exports Qt alone beside it.
+    # An export of the library depends on Qt alone.
     set(sources RenderGraphCompile::VulkanRenderGraphCatalog)
     target_include_directories(${target} PRIVATE "${include_dir}")
     target_link_libraries(${target}
         PUBLIC Qt6::Core
         PRIVATE "$<BUILD_INTERFACE:${sources}>" "$<BUILD_INTERFACE:${manifest}>"
     )
-    # Its functions have other names than those of a catalogue of another manifest.
+    # The namespace differs from that of the catalogue of another manifest.
     get_target_property(identifier ${manifest} INTERFACE_RENDER_GRAPH_MANIFEST)
     target_compile_definitions(${target} INTERFACE
         "VulkanRenderGraphCatalog=VulkanRenderGraphCatalog_${identifier}")

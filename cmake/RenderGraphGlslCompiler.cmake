@@ -1,9 +1,12 @@
-# The compiler of render_graph_modules(), and what it is called with.
+# The compiler of render_graph_modules(), and its command line.
 cmake_policy(VERSION 3.21)
 
-# Sets for the caller: `compiler`; `compile`, its command, in which STAGE is to be replaced and which ends
-# before the name of the depfile; `optimizer` and `optimize`, what optimizes its modules if it does not do
-# so itself; and `validate`, what looks at each module. The commands differ by configuration.
+# Sets for the caller
+#     compiler               the compiler's path
+#     compile                its command up to the depfile's name, with STAGE in place of the shader stage
+#     optimizer, optimize    a program that optimizes modules and its command, if the compiler does not optimize
+#     validate               a command that checks a module
+# The commands contain generator expressions for the configuration.
 function(_render_graph_glsl_compiler defines include_dirs options shaders_dir)
     _render_graph_find_glsl_compiler(compiler)
     if(NOT compiler)
@@ -23,7 +26,7 @@ function(_render_graph_glsl_compiler defines include_dirs options shaders_dir)
     foreach(directory IN LISTS include_dirs)
         if(NOT directory MATCHES "^[$]<")
             cmake_path(ABSOLUTE_PATH directory NORMALIZE)
-            # Relative to where the compiler runs: modules with debug information hold these names.
+            # Relative to the compiler's working directory, since debug information contains these paths.
             cmake_path(IS_PREFIX shaders_dir "${directory}" is_inside)
             if(is_inside)
                 cmake_path(RELATIVE_PATH directory BASE_DIRECTORY "${shaders_dir}")
@@ -57,10 +60,10 @@ function(_render_graph_glsl_compiler defines include_dirs options shaders_dir)
     endif()
 
     find_program(RenderGraphCompile_SPIRV_VAL spirv-val HINTS ENV VULKAN_SDK PATH_SUFFIXES bin
-        NO_CMAKE_FIND_ROOT_PATH DOC "Says whether a module is whole.")
+        NO_CMAKE_FIND_ROOT_PATH DOC "Validates modules.")
     set(validate)
     if(RenderGraphCompile_SPIRV_VAL)
-        # Extensions allow other layouts.
+        # A component may use an extension that allows other block layouts.
         set(validate "${RenderGraphCompile_SPIRV_VAL}" --skip-block-layout)
     endif()
 
@@ -69,8 +72,8 @@ function(_render_graph_glsl_compiler defines include_dirs options shaders_dir)
     endforeach()
 endfunction()
 
-# Sets the variable to the compiler's full path; to what was given, if there is none such, and to nothing if
-# none was given and none is found.
+# Sets the compiler's full path. If RenderGraphCompile_GLSL_COMPILER names a program that is not found, sets that
+# name; if it names none and no compiler is found, sets an empty string.
 function(_render_graph_find_glsl_compiler compiler_variable)
     set(compiler "${RenderGraphCompile_GLSL_COMPILER}")
     set(places HINTS ENV VULKAN_SDK PATH_SUFFIXES bin NO_CMAKE_FIND_ROOT_PATH)
@@ -78,7 +81,7 @@ function(_render_graph_find_glsl_compiler compiler_variable)
         find_program(RenderGraphCompile_GLSL_COMPILER NAMES glslangValidator glslang glslc ${places}
             DOC "Compiles shader components: glslangValidator, glslang or glslc.")
         set(compiler "${RenderGraphCompile_GLSL_COMPILER}")
-    elseif(NOT compiler MATCHES "[/\\;]") # a name to look for, as CMAKE_CXX_COMPILER may be
+    elseif(NOT compiler MATCHES "[/\\;]") # a name without a path, as CMAKE_CXX_COMPILER may be
         find_program(program NAMES "${compiler}" ${places} NO_CACHE)
         if(program)
             set(compiler "${program}")

@@ -1,8 +1,8 @@
 # render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name>
 #     [DEPENDS <file or target>...])
 #
-# Defines the INTERFACE library <target>: whatever links it can include the render-graph manifest of
-# the shaders directory as <file name>. docs/cmake.md is the reference.
+# Defines the INTERFACE library <target>. Targets that link it can include the render-graph manifest of the shaders
+# directory as <file name>. docs/cmake.md is the reference.
 cmake_policy(VERSION 3.21)
 if(POLICY CMP0171)
     cmake_policy(SET CMP0171 NEW) # there is a target `codegen`
@@ -35,9 +35,9 @@ function(render_graph_manifest)
     _render_graph_manifest_library()
 endfunction()
 
-# The stages of render_graph_manifest(), which read its variables.
+# The steps of render_graph_manifest(), which use its variables.
 
-# What the manifest's namespace ends in, which sets it apart from every other manifest's.
+# Sets the suffix of the manifest's namespace, which is unique.
 function(_render_graph_manifest_identifier identifier_variable)
     if(NOT target MATCHES "^[A-Za-z0-9_.+-]+$")
         message(FATAL_ERROR
@@ -60,12 +60,12 @@ function(_render_graph_manifest_identifier identifier_variable)
     set(${identifier_variable} "${identifier}" PARENT_SCOPE)
 endfunction()
 
-# The command that runs the tool, and what the build step depends on for it.
+# Sets the command that runs the tool, and the file or target of the tool.
 function(_render_graph_compile_command command_variable dependency_variable)
     set(target RenderGraphCompile::render-graph-compile)
 
     if(RenderGraphCompile_EXECUTABLE)
-        # Another rule may be the one that makes it.
+        # Another rule may generate the file.
         get_source_file_property(is_generated "${RenderGraphCompile_EXECUTABLE}" GENERATED)
         if(NOT IS_ABSOLUTE "${RenderGraphCompile_EXECUTABLE}"
                 OR RenderGraphCompile_EXECUTABLE MATCHES ";"
@@ -107,7 +107,7 @@ function(_render_graph_compile_command command_variable dependency_variable)
     set(${dependency_variable} "${dependency}" PARENT_SCOPE)
 endfunction()
 
-# Which of the DEPENDS are part of the shaders directory: they count before they exist.
+# Sets the files of DEPENDS that are inputs of the tool or the modules. They may not exist yet.
 function(_render_graph_generated_inputs generated_variable)
     set(generated)
     foreach(dependency IN LISTS arg_DEPENDS)
@@ -126,8 +126,8 @@ function(_render_graph_generated_inputs generated_variable)
     set(${generated_variable} "${generated}" PARENT_SCOPE)
 endfunction()
 
-# The files that the tool reads, and a file that lists them: one that was deleted, or added with an old time
-# stamp, shows in the list alone.
+# Sets the files that the tool reads, and a file that lists them. The list changes when a file is deleted, or added
+# with an old time stamp; no time stamp of an input shows that.
 function(_render_graph_manifest_inputs inputs_variable listing_variable)
     _render_graph_glob(paths "render_graph_manifest(${target})" "${shaders_dir}"
         "*.glslp" "vulkan/components/*.slang" "vulkan/components/*.frag")
@@ -137,14 +137,14 @@ function(_render_graph_manifest_inputs inputs_variable listing_variable)
     list(JOIN paths "\n" lines)
     set(listing "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${target}_inputs.txt")
     file(GENERATE OUTPUT "${listing}" CONTENT "${lines}\n")
-    add_custom_command( # should it be deleted
+    add_custom_command( # if somebody deletes it
         OUTPUT "${listing}"
         COMMAND "${CMAKE_COMMAND}" -E touch "${listing}"
         COMMENT "Listing what ${target} is made of"
         VERBATIM
     )
 
-    # A link that leads nowhere has no rule, and the time stamp of a directory says nothing here.
+    # There is no rule that makes a dangling link's target, and the time stamp of a directory is irrelevant.
     set(inputs "")
     foreach(path IN LISTS paths)
         if(NOT IS_DIRECTORY "${path}" AND (EXISTS "${path}" OR NOT IS_SYMLINK "${path}"))
@@ -155,10 +155,10 @@ function(_render_graph_manifest_inputs inputs_variable listing_variable)
     set(${listing_variable} "${listing}" PARENT_SCOPE)
 endfunction()
 
-# The tool writes `latest`, from which the header is updated where the content differs. Two commands:
-# Ninja takes one that leaves an output as it was to be as new as its newest input, and would miss every
-# change until the date of an input that is dated in the future. Make compiles again what depends on a
-# command that ran; it gets no rule for the header.
+# The tool writes `latest`, and a second command updates the header if the content differs. With one command, Ninja
+# would treat an unchanged header as new as its newest input; if this input has a time stamp in the future, Ninja
+# would miss all changes until then. Make compiles everything that depends on a command that ran, so with Make the
+# header has no rule.
 function(_render_graph_manifest_steps header_target_variable)
     set(latest "${work_dir}/latest.h")
     get_property(is_multi_config GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
@@ -166,7 +166,7 @@ function(_render_graph_manifest_steps header_target_variable)
         set(latest "${work_dir}/latest-$<CONFIG>.h") # each configuration has a tool of its own
     endif()
 
-    # After HEADER changed, the old header would still be found.
+    # If HEADER has changed, sources must not find the header with the old name.
     if(NOT EXISTS "${header}")
         file(REMOVE_RECURSE "${work_dir}/include")
     endif()
@@ -209,7 +209,7 @@ function(_render_graph_manifest_steps header_target_variable)
         add_custom_command(
             OUTPUT "${latest}"
             COMMAND ${generate} "-DTOOL=${tool}" ${script}
-            COMMAND ${update} # for the target `codegen`, which runs no other target's command
+            COMMAND ${update} # since `codegen` does not run the command of another target
             DEPENDS ${needed}
             COMMENT "Generating ${arg_HEADER} for ${target}"
             VERBATIM ${codegen}
@@ -219,9 +219,8 @@ function(_render_graph_manifest_steps header_target_variable)
     set(${header_target_variable} "${header_target}" PARENT_SCOPE)
 endfunction()
 
-# The library that is linked. What a target links in another directory knows no generated file, so the
-# library depends on the target that makes the header. The sources are there for IDEs, and make a target
-# of the library that can be built alone.
+# Defines the library. A target in another directory knows no rule for the header, so the library depends on the
+# target that generates the header. The library has sources for IDEs, and so that it can be built alone.
 function(_render_graph_manifest_library)
     add_library(${target} INTERFACE EXCLUDE_FROM_ALL)
     add_dependencies(${target} ${header_target})
@@ -230,11 +229,11 @@ function(_render_graph_manifest_library)
     source_group("Generated Files" FILES "${header}")
     source_group(TREE "${shaders_dir}" PREFIX Shaders FILES ${inputs})
     target_include_directories(${target} INTERFACE "$<BUILD_INTERFACE:${work_dir}/include>")
-    # As an expression, since a project may have no C++ at all.
+    # A generator expression, since the project may not enable C++.
     target_compile_features(${target} INTERFACE "$<BUILD_INTERFACE:cxx_std_17>")
 
-    # All manifests define the same names, of which a linker takes the first without a word. Each gets a
-    # namespace of its own, and CMake itself refuses what would see two.
+    # All manifests define the same names, and a linker silently takes the first definition of each. So each manifest
+    # gets a namespace of its own, and CMake rejects a target that links two manifests.
     target_compile_definitions(${target} INTERFACE
         "RenderGraphManifestData=RenderGraphManifestData_${identifier}")
     set_target_properties(${target} PROPERTIES

@@ -49,7 +49,7 @@ function(render_graph_modules)
     endif()
 endfunction()
 
-# The stages of render_graph_modules(), which read its variables.
+# The steps of render_graph_modules(), which use its variables.
 
 function(_render_graph_check_modules_target)
     if(NOT TARGET "${target}")
@@ -88,8 +88,8 @@ function(_render_graph_check_embedding)
     endif()
 endfunction()
 
-# Where the modules are written. No two calls write to one directory, where one would remove, or take for
-# its own, what the other made.
+# Sets the directory of the modules. Each call needs a directory of its own; otherwise it would delete or use the
+# modules of another call.
 function(_render_graph_modules_directory spirv_dir_variable)
     if("${arg_OUTPUT_DIRECTORY}" STREQUAL "")
         set(spirv_dir "${CMAKE_CURRENT_BINARY_DIR}/render-graph/${target}_modules/spirv")
@@ -108,7 +108,7 @@ function(_render_graph_modules_directory spirv_dir_variable)
     set(${spirv_dir_variable} "${spirv_dir}" PARENT_SCOPE)
 endfunction()
 
-# What is compiled: the vertex shader, and what the tool takes for a component.
+# Sets the files to compile: the vertex shader and the components.
 function(_render_graph_module_sources sources_variable)
     _render_graph_glob(sources "render_graph_modules(${target})" "${shaders_dir}"
         "vulkan/components/*.slang" "vulkan/components/*.frag" "vulkan/fullscreen.vert")
@@ -119,7 +119,7 @@ function(_render_graph_module_sources sources_variable)
     foreach(source IN LISTS sources)
         cmake_path(GET source FILENAME file)
         cmake_path(GET source STEM LAST_ONLY name)
-        # A name with a dot is an editor's, and where there is a .slang the tool passes over the .frag.
+        # Names that begin with a dot are editors' files. The tool ignores a .frag beside a .slang.
         if(file MATCHES "^[.]|[.]glslp$"
                 OR NOT (EXISTS "${source}" OR source IN_LIST generated)
                 OR IS_DIRECTORY "${source}"
@@ -130,9 +130,9 @@ function(_render_graph_module_sources sources_variable)
     set(${sources_variable} "${sources}" PARENT_SCOPE)
 endfunction()
 
-# The rule that compiles `source`. Make knows neither of a changed command nor of a changed include, but of
-# the files that the rule names. One of them is the record, which holds the command. What CMake hands Make of
-# a depfile only ever grows, and a deleted include would be compiled for in each build.
+# Adds the rule that compiles `source`. Make does not detect a changed command or include. So the rule depends on the
+# record, which contains the command and is touched for a changed include. It has no depfile with Make: CMake only
+# adds to Make's dependencies, so a deleted include would compile the module in each build.
 function(_render_graph_compile_module module_variable record_variable)
     cmake_path(GET source STEM LAST_ONLY name)
     set(stage frag)
@@ -169,7 +169,7 @@ function(_render_graph_compile_module module_variable record_variable)
     set(${record_variable} "${record}" PARENT_SCOPE)
 endfunction()
 
-# The target that makes the modules, and holds them against what the manifest names.
+# Adds the target that makes the modules and compares them with those that the manifest names.
 function(_render_graph_check_modules)
     get_target_property(header ${manifest} _render_graph_header)
     set(names)
@@ -186,7 +186,7 @@ function(_render_graph_check_modules)
         COMMAND "${CMAKE_COMMAND}" "-DSETTINGS=${settings}"
             -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/CheckModules.cmake"
         DEPENDS "${settings}" "${header}"
-        COMMENT "Comparing the modules of ${target} with what ${manifest} names"
+        COMMENT "Comparing the modules of ${target} with those that ${manifest} names"
         VERBATIM
     )
 
@@ -202,7 +202,7 @@ function(_render_graph_check_modules)
                 -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/MarkStaleModules.cmake"
             VERBATIM
         )
-        # What the manifest DEPENDS on may be what components include.
+        # Components may include files of the manifest's DEPENDS.
         add_dependencies(${target}_stale_modules ${manifest})
         add_dependencies(${target}_modules ${target}_stale_modules)
     endif()
@@ -212,7 +212,7 @@ function(_render_graph_embed_modules)
     string(MAKE_C_IDENTIFIER "${target}_modules" resource)
     qt6_add_resources(${target} ${resource}
         PREFIX /shaders/vulkan/spirv BASE "${spirv_dir}" FILES ${modules} OUTPUT_TARGETS objects)
-    # Each would compile the modules itself, at the same time, with Make.
+    # Otherwise, with Make, each of these targets would compile the modules itself, at the same time.
     foreach(name IN ITEMS ${objects} ${target}_other_files)
         if(TARGET ${name})
             add_dependencies(${name} ${target}_modules)

@@ -1,5 +1,5 @@
-# Removes what was installed last from BUILD_DIR, whole and by components, and the directories of ours that are
-# empty then. DESTDIR counts as it does when installing.
+# Deletes the files that were last installed from BUILD_DIR, whole and by components, and then the package's
+# directories if they are empty. DESTDIR has the same effect as when installing.
 cmake_policy(VERSION 3.21)
 include("${CMAKE_CURRENT_LIST_DIR}/RenderGraphArguments.cmake")
 
@@ -9,7 +9,7 @@ if(NOT manifests)
     message(FATAL_ERROR "Nothing was installed from ${BUILD_DIR}.")
 endif()
 foreach(manifest IN LISTS manifests)
-    # Line by line: a list would be split where a path holds what CMake gives a meaning to.
+    # Line by line, since paths may contain characters that split a CMake list.
     file(READ "${manifest}" lines)
     while(lines MATCHES "^([^\n]+)\n?(.*)$")
         set(path "$ENV{DESTDIR}${CMAKE_MATCH_1}")
