@@ -1,6 +1,6 @@
-# Run by cpack after packing.
+# cpack runs this after packing.
 
-# cpack lets the umask into the .deb's outermost layer; Debian's own tool, which packs it again, does not.
+# The umask changes the outer archive of a .deb that cpack writes. So Debian's own tool packs the .deb again.
 foreach(deb IN LISTS CPACK_PACKAGE_FILES)
     if(deb MATCHES "[.]deb$")
         set(tree "${CPACK_TEMPORARY_DIRECTORY}.again")

@@ -1,15 +1,15 @@
-# Run by cpack between installing and packing.
+# cpack runs this between installing and packing.
 
-# What Debian's policy asks of a .deb and of no other package.
+# Debian's policy applies to the .deb only.
 if(CPACK_GENERATOR STREQUAL "DEB")
-    # cpack would make a .deb that depends on nothing.
+    # Without dpkg-shlibdeps, cpack would make a .deb without dependencies.
     find_program(shlibdeps dpkg-shlibdeps)
     if(NOT shlibdeps)
         message(FATAL_ERROR "There is no dpkg-shlibdeps here. It finds the dependencies of the .deb. "
             "Install Debian's dpkg-dev, or make the .tar.gz alone: cpack -G TGZ")
     endif()
 
-    # It depends on the system's Qt, wherever this machine has the one that it was built with.
+    # The .deb uses the system's Qt, even if it was built with another one.
     file(GLOB programs "${CPACK_TEMPORARY_DIRECTORY}/usr/bin/*")
     foreach(program IN LISTS programs)
         file(RPATH_REMOVE FILE "${program}")
@@ -23,7 +23,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
     execute_process(COMMAND gzip -9 -n "${doc}/changelog" ${pages} COMMAND_ERROR_IS_FATAL ANY)
 endif()
 
-# Whoever packs may have any umask.
+# The permissions do not depend on the umask.
 file(CHMOD_RECURSE "${CPACK_TEMPORARY_DIRECTORY}"
     DIRECTORY_PERMISSIONS
         OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

@@ -69,7 +69,8 @@ QString inputsOf(const Graph::Pass &pass)
     return inputs.isEmpty() ? u"-"_s : inputs.join(u", "_s);
 }
 
-// The first row is the heading. A column of numbers stands to the right.
+// Prints aligned columns. The first row is the heading; columns of numbers are aligned to the
+// right.
 void printTable(QTextStream &out, const QList<Row> &rows)
 {
     const auto isNumber = [](const QString &cell) {
@@ -141,8 +142,8 @@ void show(QTextStream &out, const QString &name, const VulkanRenderGraphCatalog:
     printTable(out, parameters);
 }
 
-// A module is a file of 32-bit words, of which the first says so and in which byte order the others
-// are.
+// A SPIR-V module consists of 32-bit words, and the first is a magic number. The modules of this
+// program are little-endian.
 bool isSpirv(const QString &resource)
 {
     static const QByteArray kMagic = QByteArray::fromHex("03022307");
@@ -150,7 +151,8 @@ bool isSpirv(const QString &resource)
     return file.open(QIODevice::ReadOnly) && file.size() % 4 == 0 && file.read(4) == kMagic;
 }
 
-// Whether every module that the manifest names is in this program.
+// Returns whether every module that the manifest names is in this program, and prints those that
+// are not.
 bool check(QTextStream &out)
 {
     QStringList missing;
