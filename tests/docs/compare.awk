@@ -1,6 +1,7 @@
-# Takes run-by, then a line for each thing shown: its document, a tab and what shown.awk says of it. Prints how
-# each is run, a tab, the document, a tab and what it is; once for a command that stands in several places.
-# Says on standard error, and by its exit status, what has no row and which row nothing shows.
+# Compares run-by, the first file, with the second file, which has a line for each command and code block of a
+# document: the document, a tab and a line of shown.awk. Prints for each how it is run, a tab, the document, a tab
+# and its text. A command that several documents show is printed once. Reports missing and unused rows on standard
+# error, and then exits with 1.
 BEGIN { FS = "\t" }
 function complain(text) {
     print text >"/dev/stderr"
@@ -20,15 +21,15 @@ $2 == "line" && !commands { next }
 {
     what = $2 == "code" ? $1 ": " $3 : $3
     known = what in how_of
-    # Of lines that are no commands the first one stands for all.
+    # In a block that has no commands, the first line represents the block.
     if ($2 != "line") commands = known && how_of[what] !~ /^(words|tree|names)/
-    if (!known) complain($1 " shows what has no row in tests/docs/run-by: " what)
+    if (!known) complain("tests/docs/run-by has no row for this in " $1 ": " what)
     else if (!(what in shown)) print how_of[what] "\t" $1 "\t" $3
     shown[what] = 1
 }
 
 END {
     for (what in how_of)
-        if (!(what in shown)) complain("tests/docs/run-by has a row that no document shows: " what)
+        if (!(what in shown)) complain("tests/docs/run-by has a row for this, but no document shows it: " what)
     exit status
 }

@@ -1,6 +1,6 @@
 #!/bin/sh
-# README.md, CONTRIBUTING.md and docs/*.md show nothing that is not run: each command and code block has a row in
-# run-by beside this file. What has to be run here runs in a copy of the project, on the build that is there.
+# Checks that each command and code block in README.md, CONTRIBUTING.md and docs/*.md has a row in run-by, the file
+# beside this one. Runs those that no other test runs, in a copy of the project with the existing build.
 set -eu
 . "$(dirname "$0")/../cmake-package/common.sh"
 tests="$SOURCE_DIR/tests/docs"
@@ -16,15 +16,15 @@ shown() {
     awk -f "$tests/shown.awk" "$@"
 }
 
-# What docs/presets.md draws with is what scripts/gallery, which writes it, draws with.
+# scripts/gallery writes docs/presets.md, and draws with the commands in it.
 for document in README.md CONTRIBUTING.md docs/*.md; do
     shown "$document" | sed "/^command\tscripts\/preview picture \([a-z-]*\) --source .* --out \1[.]png$/d
         s|^|$document\t|"
 done >../shown
-awk -f "$tests/hold.awk" "$tests/run-by" ../shown >../rows || fail 'what is shown and what is run differ'
+awk -f "$tests/compare.awk" "$tests/run-by" ../shown >../rows || fail 'the documents and tests/docs/run-by differ'
 
-# Everything is installed and built: cmake only looks at what it should build by a preset, and the preview
-# draws little, without a display.
+# The existing build stands in for each build of a preset: cmake only lists what it would build. The preview draws
+# small pictures, without a display.
 for directory in "$BUILD_DIR"/*; do
     [ "${directory##*/}" = tools ] || ln -s "$directory" build/release
 done
@@ -61,26 +61,26 @@ exec '$BUILD_DIR/$preview' "\$@"
 END
 export PATH="$WORK_DIR/bin:$PATH" QT_QPA_PLATFORM=offscreen
 
-# run <what to run it with...>: the row's command.
+# run <command prefix...>: runs the row's command.
 run() {
     "$@" sh -c "$(echo "$what" | sed "s|<prefix>|'$WORK_DIR/installed'|g; s|<build>|build/release|g
         s|-dir <path>|-dir examples/shaders|; s|--out <path>|--out written.h|")" >log 2>&1 </dev/null
 }
 
-# same_lines <lines> <file>: the file has these lines, one after the other.
+# same_lines <lines> <file>: whether the file contains these lines in sequence.
 same_lines() {
     first=$(grep -nxF -m 1 -- "$(head -n 1 "$1")" "$2") || return
     tail -n "+${first%%:*}" "$2" | head -n "$(wc -l <"$1")" | cmp -s - "$1"
 }
 
-# lines_below: the block of lines that begins with the row's one.
+# lines_below: prints the block of lines that begins with the row's line.
 lines_below() {
     shown "$document" | awk -v first="command	$what" '$0 == first { inside = 1; print; next }
         !/^line/ { inside = 0 } inside' | cut -f 2-
 }
 
-# what_the_tree_names: the paths of a block, where what is indented lies in the directory above it.
-what_the_tree_names() {
+# paths_in_tree: prints the paths of a block in which indented names are in the directory above them.
+paths_in_tree() {
     lines_below | awk '{
         indented = sub(/^ +/, "")
         sub(/  .*/, "")
@@ -102,7 +102,7 @@ while IFS='	' read -r how document what; do
     case $how in
         here) run env || fail "$document: $what" ;;
         stays)
-            # A window. Where the machine is slow it may not be there yet, and stays all the same.
+            # This opens a window. On a slow machine the window may not be open yet, but the command still runs.
             status=0
             run timeout 3 || status=$?
             [ $status = 124 ] || fail "$document: $what: it ended with $status" ;;
@@ -136,7 +136,7 @@ while IFS='	' read -r how document what; do
                 grep -qw -- "$name" "$file" || fail "$document: $file has no $name"
             done ;;
         tree)
-            what_the_tree_names >paths
+            paths_in_tree >paths
             while read -r path; do
                 # shellcheck disable=SC2086 # a pattern
                 ls -d $path* >>log 2>&1 || fail "$document: there is no $path"
@@ -145,7 +145,7 @@ while IFS='	' read -r how document what; do
         *:*)
             grep -qF -- "$file" "$SOURCE_DIR/${how%%:*}" ||
                 fail "$document: $what: ${how%%:*} does not have $file" ;;
-        *) fail "tests/docs/run-by: no way to run is called $how" ;;
+        *) fail "tests/docs/run-by: unknown way to run: $how" ;;
     esac
 done <../rows
 
@@ -160,15 +160,15 @@ echo 'int main() {}' >project/main.cpp
 cmake -G Ninja -S project -B build/project "-DCMAKE_PREFIX_PATH=$WORK_DIR/installed" >log 2>&1 ||
     fail 'configuring the project of the blocks'
 
-# What the commands leave.
+# Check the files that the commands have written.
 golden=$SOURCE_DIR/tests/manifest/golden/RenderGraphManifest.h
 for manifest in build/RenderGraphManifest.h written.h; do
     cmp "$golden" $manifest || fail "$manifest is not the golden manifest"
 done
-pngtopam pvm.png 2>log >/dev/null || fail 'pvm.png is no picture'
-grep -q '<svg' pvm.svg || fail 'pvm.svg is no graph'
+pngtopam pvm.png 2>log >/dev/null || fail 'pvm.png is not a picture'
+grep -q '<svg' pvm.svg || fail 'pvm.svg is not a graph'
 
-# The design document lists the records' fields as the manifest has them, a table for each record.
+# The design document has a table for each record of the manifest, with the record's fields in order.
 awk '/^struct/ { record = $2 } /^};/ { record = "" }
     { sub(/\/\/.*/, "") }
     record && /;/ { sub(/;.*/, ""); print record "." $NF }' "$golden" | sort -s -t . -k 1,1 >fields
@@ -177,4 +177,4 @@ awk -F '`' '/^### / { inside = /The records/; next }
     /^\| `[A-Z]/ { record = $2; next }
     { for (i = 2; i < NF && $(i - 1) ~ /^(\| |, )$/; i += 2) print record "." $i }' \
     docs/vulkan-shader-render-graph-design.md | sort -s -t . -k 1,1 >listed
-diff fields listed >log || fail "docs/vulkan-shader-render-graph-design.md lists other fields than the manifest's"
+diff fields listed >log || fail "docs/vulkan-shader-render-graph-design.md does not list the manifest's fields"

@@ -1,13 +1,13 @@
-# Lists what a document in Markdown shows. Each line is one of these words, a tab and a text:
+# Lists the commands and code blocks of a Markdown document. Each line is one of these words, a tab and a text:
 #   command   the first line of an indented block, or a command in the text
 #   line      another line of an indented block
-#   code      a fenced block: its language and the heading above, and "2" if that has a second one
-# With -v block='<language> <heading>' prints the lines of that fenced block instead.
+#   code      a fenced block: its language and the heading above it, with a "2" for the heading's second block
+# With -v block='<language> <heading>' prints the lines of this fenced block instead.
 function show(kind, text) {
     if (!block) print kind "\t" text
 }
 
-# Commands in the text stand between backquotes, which may be on two lines.
+# Finds the commands in a paragraph. They are between backquotes, which may be on different lines.
 function end_of_paragraph(    parts, count, i) {
     count = split(paragraph, parts, "`")
     for (i = 2; i <= count; i += 2)
