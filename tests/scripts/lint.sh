@@ -4,7 +4,7 @@ set -eu
 
 rm -rf "$WORK_DIR"
 root="$WORK_DIR/my clone (x) [ü] a.b+c"
-mkdir -p "$root/scripts" "$root/bin"
+mkdir -p "$root/scripts" "$root/bin" "$root/build/asan-clang"
 cd "$root"
 cp "$SOURCE_DIR/scripts/lint" scripts
 for program in scripts/setup scripts/build bin/cmake bin/clang-format bin/shellcheck bin/run-clang-tidy; do
@@ -14,6 +14,9 @@ done
 # shellcheck disable=SC2016 # expanded when it runs
 printf '%s\n' '#!/bin/sh' 'for pattern; do :; done' \
     'echo "$PWD/src/main.cpp" | grep -Eq "$pattern" || echo "run-clang-tidy: no source"' >bin/run-clang-tidy
+
+# One source is in two targets.
+echo '[{"file": "main.cpp"}, {"file": "main.cpp"}]' >build/asan-clang/compile_commands.json
 
 # row <what is said> <git's exit status> <what it lists>
 row() {
@@ -28,3 +31,4 @@ row "$nothing" 128 ''
 row "$nothing" 0 ''
 row "$nothing" 0 'tests/manifest/golden/RenderGraphManifest.h\n'
 row ' 0' 0 'main.cpp\n'
+[ "$(cat build/lint/compile_commands.json)" = '[{"file": "main.cpp"}]' ] || { echo 'FAILED: checked twice' >&2; exit 1; }
