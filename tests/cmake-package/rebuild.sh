@@ -67,6 +67,19 @@ begin() {
     shows ':/shaders/tint.glslp 3 still amount=0.25'
 }
 
+# dated_tomorrow <path> <modules made of it>: a date in the future counts as a change in each build, until the file
+# is touched.
+dated_tomorrow() {
+    touch -t 209901010000 "$1"
+    built "$1 of tomorrow" 1 0 "$2"
+    built "$1 of tomorrow, again" 1 0 "$2"
+    cp old.slang "$components/stock.slang"
+    built "a component beside $1 of tomorrow" 1 1 $((1 + $2))
+    rm "$components/stock.slang"
+    touch "$1"
+    row "$1 of today" 1 1 $((1 + $2))
+}
+
 # What Ninja and Make are told in different ways.
 edits() {
     echo '// a remark' >>"$components/tint.slang"
@@ -105,28 +118,15 @@ edits() {
     row 'clean' 1 1 4
     touch "$tool"
     row 'a new tool' 1 0 0
-
-    # What is dated in the future counts as changed in each build, until it is touched.
-    for dated in "$components/tint.slang" "$tool"; do
-        touch -t 209901010000 "$dated"
-        case $dated in
-            *.slang) modules_too=1 ;;
-            *) modules_too=0 ;;
-        esac
-        built "$dated of tomorrow" 1 0 $modules_too
-        built "$dated of tomorrow, again" 1 0 $modules_too
-        cp old.slang "$components/stock.slang"
-        built "a component beside $dated of tomorrow" 1 1 $((1 + modules_too))
-        rm "$components/stock.slang"
-        touch "$dated"
-        row "$dated of today" 1 1 $((1 + modules_too))
-    done
+    dated_tomorrow "$components/tint.slang" 1
 }
 
 begin 'Unix Makefiles'
 edits
 begin Ninja
 edits
+
+dated_tomorrow "$tool" 0
 
 cp "$components/stock.frag" "$components/stock.slang"
 row 'add a component without effect' 1 0 1

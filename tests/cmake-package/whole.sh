@@ -26,7 +26,8 @@ whole() {
     rm -f "$components/stock.slang" "$shaders/vulkan/include/generated.glsl"
     mkdir -p "$generator/.cmake/api/v1/query"
     : >"$generator/.cmake/api/v1/query/codemodel-v2"
-    configure 'whole (1)' "$generator" -G "$generator" "$@" || fail "$generator: configuring"
+    # Only the modules have to be optimized.
+    configure 'whole (1)' "$generator" -G "$generator" -DCMAKE_CXX_FLAGS_RELEASE= -DCMAKE_CXX_FLAGS_RELWITHDEBINFO= "$@" || fail "$generator: configuring"
 }
 
 # compiled <modules for files>: how many of them the last build compiled.
