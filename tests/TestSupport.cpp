@@ -1,6 +1,10 @@
 #include "TestSupport.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
+
+using namespace Qt::StringLiterals;
 
 void writeFile(const QString &path, const QByteArray &content)
 {
@@ -35,6 +39,34 @@ QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected)
     };
     return "first difference in line " + QByteArray::number(index + 1) + "\nexpected:\n"
             + shown(expectedLines) + "\nactual:\n" + shown(actualLines);
+}
+
+QList<QHash<QString, QString>> declaredPresets()
+{
+    static const QRegularExpression kField(uR"re(^  (\w+) = "?(.*?)"?$)re"_s,
+                                           QRegularExpression::MultilineOption);
+    const QByteArray golden =
+            readFile(QStringLiteral(SOURCE_DIR "/tests/presets/golden/presets.txt"));
+    QList<QHash<QString, QString>> presets;
+    for (const QString &block : QString::fromUtf8(golden).split(u"\n\n"_s)) {
+        if (!block.startsWith("preset "_L1))
+            continue;
+        QHash<QString, QString> fields;
+        for (auto matches = kField.globalMatch(block); matches.hasNext();) {
+            const QRegularExpressionMatch match = matches.next();
+            fields.insert(match.captured(1), match.captured(2));
+        }
+        presets.append(fields);
+    }
+    return presets;
+}
+
+QStringList declaredPresetNames()
+{
+    QStringList names;
+    for (const auto &preset : declaredPresets())
+        names.append(preset[u"name"_s]);
+    return names;
 }
 
 bool isTested(const QString &preset)

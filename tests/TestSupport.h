@@ -3,8 +3,11 @@
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
+#include <QHash>
+#include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTest>
@@ -55,6 +58,11 @@ QByteArray readFile(const QString &path);
 
 // The first lines in which the texts differ, for a reader: empty if they are the same.
 QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected);
+
+// The fields of each preset's declaration by name, as tests/presets/golden/presets.txt has them.
+QList<QHash<QString, QString>> declaredPresets();
+
+QStringList declaredPresetNames();
 
 // Whether a test that takes its time over each preset is to try this one: TESTED_PRESET in the
 // environment can name the only one.

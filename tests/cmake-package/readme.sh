@@ -14,7 +14,7 @@ block cmake >project/CMakeLists.txt
 block cpp >project/main.cpp
 [ -s project/CMakeLists.txt ] || fail 'README.md shows no CMake code'
 cp -R "$SOURCE_DIR/examples/shaders" project/res
-preset_count=$(sed 1d "$SOURCE_DIR/tests/presets/tables/presets.csv" | wc -l)
+preset_count=$(grep -c '^preset ' "$SOURCE_DIR/tests/presets/golden/presets.txt")
 header=render-graph/my_presets/include/RenderGraphManifest.h
 
 # project <build> <arguments...>: configures and builds it, and runs what comes out.

@@ -3,7 +3,6 @@
 #include <PresetParameters.h>
 #include <VulkanRenderGraphCatalog.h>
 
-#include "PresetTables.h"
 #include "TestSupport.h"
 
 using namespace Qt::StringLiterals;
@@ -81,7 +80,7 @@ private Q_SLOTS:
 
 void TestVulkanRenderGraphCatalog::presetNames()
 {
-    QCOMPARE(VulkanRenderGraphCatalog::presetNames(), presetTableNames());
+    QCOMPARE(VulkanRenderGraphCatalog::presetNames(), declaredPresetNames());
 }
 
 void TestVulkanRenderGraphCatalog::readsBackWhatWasCompiled_data()

@@ -2,7 +2,6 @@
 #include <PresetOnDisk.h>
 #include <VulkanRenderGraphCatalog.h>
 
-#include "PresetTables.h"
 #include "TestSupport.h"
 
 #include <QDirIterator>
@@ -171,7 +170,7 @@ void TestPresetOnDisk::errors_data()
 
     QTest::newRow("no preset of that name")
             << u"crt"_s << QString() << QByteArray()
-            << u"no preset 'crt'; there are "_s + presetTableNames().join(u", "_s);
+            << u"no preset 'crt'; there are "_s + declaredPresetNames().join(u", "_s);
     const auto row = [](const char *name, const char *file, const QByteArray &content,
                         const char *expected) {
         QTest::newRow(name) << u"stock"_s << QString::fromLatin1(file) << content

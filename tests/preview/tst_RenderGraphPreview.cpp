@@ -1,4 +1,3 @@
-#include "../PresetTables.h"
 #include "../TestSupport.h"
 
 #include <QColorSpace>
@@ -102,7 +101,7 @@ void TestRenderGraphPreview::errors_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<QByteArray>("message");
     const QByteArray noPreset =
-            "no preset 'crt'; there are " + presetTableNames().join(u", "_s).toUtf8();
+            "no preset 'crt'; there are " + declaredPresetNames().join(u", "_s).toUtf8();
     const QString picture = u"picture gba-lcd --out a.png --size 8x8 "_s;
     QTest::newRow("no command") << u""_s << "no command is given; --help tells the commands"_ba;
     QTest::newRow("unknown command")
@@ -226,7 +225,7 @@ void TestRenderGraphPreview::listNamesEverything()
 {
     const Run list = run(words(u"--shaders-dir= list"_s)); // which reads none
     QCOMPARE(list.err, "");
-    QVERIFY2(list.out.startsWith("presets:\n  " + presetTableNames().join(u"\n  "_s).toUtf8()
+    QVERIFY2(list.out.startsWith("presets:\n  " + declaredPresetNames().join(u"\n  "_s).toUtf8()
                                  + "\ntest pictures:\n  scene-320x240\n"),
              list.out.constData());
     QVERIFY2(list.out.contains("\n  photo-640x480\ndevices:\n  0 "), list.out.constData());
@@ -475,7 +474,7 @@ void TestRenderGraphPreview::graphOfAllPresets()
     RUN(u"graph --all --out graphs/all"_s);
     const QStringList graphs = QDir(u"graphs/all"_s).entryList(QDir::Files, QDir::Name);
     QStringList expected =
-            presetTableNames().replaceInStrings(QRegularExpression(u"$"_s), u".svg"_s);
+            declaredPresetNames().replaceInStrings(QRegularExpression(u"$"_s), u".svg"_s);
     expected.sort();
     QCOMPARE(graphs, expected);
     for (const QString &graph : graphs) {

@@ -1,7 +1,5 @@
 #include "RunTool.h"
 
-#include "PresetTables.h"
-
 using namespace Qt::StringLiterals;
 
 Run run(const QStringList &arguments, const Prepare &prepare)
@@ -66,15 +64,16 @@ void replaceText(const QString &path, const QByteArray &before, const QByteArray
 QByteArray retired(const QByteArray &end, const QString &shadersDir)
 {
     QByteArray lines;
-    for (const PresetTableRow &preset : presetTable("presets")) {
-        const QByteArray name = preset.text("name");
-        if (name == end)
+    for (const auto &preset : declaredPresets()) {
+        const QString name = preset[u"name"_s];
+        if (name.toLatin1() == end)
             return lines;
-        if (preset.text("presetExtension") == "glslp"
-            && !QFile::exists(shadersDir + u'/' + QString::fromLatin1(name) + u".glslp"_s)) {
-            lines += "render-graph-compile: preset '" + name
+        if (preset[u"presetExtension"_s] == "glslp"_L1
+            && !QFile::exists(shadersDir + u'/' + name + u".glslp"_s)) {
+            lines += "render-graph-compile: preset '" + name.toLatin1()
                     + "' has no .glslp source on disk (retired) -- skipping drift check, using "
-                    + preset.text("valueOverrideCount") + " hand-authored value override(s)\n";
+                    + preset[u"valueOverrideCount"_s].toLatin1()
+                    + " hand-authored value override(s)\n";
         }
     }
     return lines;
