@@ -23,17 +23,8 @@ QString yesNo(bool value)
 
 QString formatName(Graph::Format format)
 {
-    switch (format) {
-    case Graph::Format::R11G11B10F:
-        return u"R11G11B10F"_s;
-    case Graph::Format::RGBA16F:
-        return u"RGBA16F"_s;
-    case Graph::Format::RGBA8:
-        return u"RGBA8"_s;
-    case Graph::Format::RGBA32F:
-        return u"RGBA32F"_s;
-    }
-    return u"?"_s;
+    const QLatin1StringView name = Graph::formatName(format);
+    return name.isEmpty() ? u"?"_s : QString(name);
 }
 
 QString pixels(int extent)

@@ -114,6 +114,7 @@ void TestVulkanRenderGraph::enumeratorsKeepTheirIntegers()
     QCOMPARE(static_cast<int>(Graph::ScaleSource::Source), 0);
     QCOMPARE(static_cast<int>(Graph::ScaleSource::Viewport), 1);
     QCOMPARE(static_cast<int>(Graph::ScaleSource::Absolute), 2);
+    QCOMPARE(Graph::formatName(static_cast<Graph::Format>(4)), ""_L1);
     QCOMPARE(sizeof(Graph::Format), std::size_t(1));
     QCOMPARE(sizeof(Graph::ScaleSource), std::size_t(1));
 }

@@ -7,7 +7,6 @@
 #include <QTextStream>
 
 #include <cmath>
-#include <cstddef>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -99,17 +98,24 @@ constexpr auto kEpilogue = R"(};
 }  // namespace RenderGraphManifestData
 )"_L1;
 
-// By the enumerators' integers, which the manifest shows beside the names.
-constexpr QLatin1StringView kFormatNames[] = {"R11G11B10F"_L1, "RGBA16F"_L1, "RGBA8"_L1,
-                                              "RGBA32F"_L1};
-constexpr QLatin1StringView kScaleSourceNames[] = {"Source"_L1, "Viewport"_L1, "Absolute"_L1};
-
-// A value outside the table has the name of value 0.
-template<typename Enum, std::size_t N>
-QLatin1StringView nameOf(const QLatin1StringView (&names)[N], Enum value)
+// A number that is no enumerator's has the name of enumerator 0.
+QLatin1StringView nameOf(VulkanRenderGraph::Format format)
 {
-    const auto index = static_cast<std::size_t>(value);
-    return names[index < N ? index : 0];
+    const QLatin1StringView name = VulkanRenderGraph::formatName(format);
+    return name.isEmpty() ? VulkanRenderGraph::formatName(VulkanRenderGraph::Format::R11G11B10F)
+                          : name;
+}
+
+QLatin1StringView nameOf(VulkanRenderGraph::ScaleSource scaleSource)
+{
+    switch (scaleSource) {
+    case VulkanRenderGraph::ScaleSource::Viewport:
+        return "Viewport"_L1;
+    case VulkanRenderGraph::ScaleSource::Absolute:
+        return "Absolute"_L1;
+    default:
+        return "Source"_L1;
+    }
 }
 
 QLatin1StringView boolLiteral(bool value)
@@ -161,10 +167,9 @@ QString writePass(QTextStream &out, const QString &suffix, int index, const Pass
     out << "  "_L1 << stringLiteral(pass.fragmentSpirvResource) << ",\n"_L1;
     out << "  "_L1 << stringLiteral(pass.vertexSpirvResource) << ",\n"_L1;
     out << "  "_L1 << stringLiteral(pass.debugName) << ",\n"_L1;
-    out << "  "_L1 << static_cast<int>(pass.format) << ", // "_L1
-        << nameOf(kFormatNames, pass.format) << "\n"_L1;
-    out << "  "_L1 << static_cast<int>(pass.scaleSource) << ", // "_L1
-        << nameOf(kScaleSourceNames, pass.scaleSource) << "\n"_L1;
+    out << "  "_L1 << static_cast<int>(pass.format) << ", // "_L1 << nameOf(pass.format) << "\n"_L1;
+    out << "  "_L1 << static_cast<int>(pass.scaleSource) << ", // "_L1 << nameOf(pass.scaleSource)
+        << "\n"_L1;
     out << "  "_L1 << floatLiteral(pass.scaleX) << ", "_L1 << floatLiteral(pass.scaleY) << ",\n"_L1;
     out << "  "_L1 << pass.absoluteWidth << ", "_L1 << pass.absoluteHeight << ",\n"_L1;
     out << "  "_L1 << pass.scaleInputPassIndex << ",\n"_L1;

@@ -52,13 +52,13 @@ std::array<float, 4> sizeConstant(QSize size)
 struct FormatTraits
 {
     vk::Format format;
-    FormatInfo info;
+    int texelBytes;
 };
 constexpr std::array<FormatTraits, 4> kFormats = {
-        {{vk::Format::eB10G11R11UfloatPack32, {"R11G11B10F"_L1, 4}},
-         {vk::Format::eR16G16B16A16Sfloat, {"RGBA16F"_L1, 8}},
-         {vk::Format::eR8G8B8A8Unorm, {"RGBA8"_L1, 4}},
-         {vk::Format::eR32G32B32A32Sfloat, {"RGBA32F"_L1, 16}}}};
+        {{vk::Format::eB10G11R11UfloatPack32, 4},
+         {vk::Format::eR16G16B16A16Sfloat, 8},
+         {vk::Format::eR8G8B8A8Unorm, 4},
+         {vk::Format::eR32G32B32A32Sfloat, 16}}};
 
 const FormatTraits &traitsOf(VulkanRenderGraph::Format format)
 {
@@ -844,9 +844,9 @@ qint64 GraphRenderer::State::memoryHeld() const
     return qint64(bytes);
 }
 
-const FormatInfo &infoOf(VulkanRenderGraph::Format format)
+FormatInfo infoOf(VulkanRenderGraph::Format format)
 {
-    return traitsOf(format).info;
+    return {VulkanRenderGraph::formatName(format), traitsOf(format).texelBytes};
 }
 
 QList<GraphRenderer::DeviceInfo> GraphRenderer::devices(QString &error)

@@ -30,7 +30,7 @@ struct FormatInfo
     QLatin1StringView name;
     int texelBytes;
 };
-const FormatInfo &infoOf(VulkanRenderGraph::Format format);
+FormatInfo infoOf(VulkanRenderGraph::Format format);
 
 // One pass in the last frame.
 struct PassResult

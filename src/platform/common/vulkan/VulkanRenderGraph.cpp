@@ -94,6 +94,21 @@ bool isValidPass(const Graph::Pass &pass, int index, const QSet<QString> &boundI
 
 } // namespace
 
+QLatin1StringView VulkanRenderGraph::formatName(Format format)
+{
+    switch (format) {
+    case Format::R11G11B10F:
+        return QLatin1StringView("R11G11B10F");
+    case Format::RGBA16F:
+        return QLatin1StringView("RGBA16F");
+    case Format::RGBA8:
+        return QLatin1StringView("RGBA8");
+    case Format::RGBA32F:
+        return QLatin1StringView("RGBA32F");
+    }
+    return {};
+}
+
 bool VulkanRenderGraph::isValid() const
 {
     if (passes.isEmpty() || feedbackPassIndex < -1 || feedbackPassIndex >= passes.size())
