@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -82,6 +83,16 @@ constexpr std::span<const T> rows(const T *first, std::int32_t count)
 }
 
 } // namespace Detail
+
+// The passes of both arrays, for a preset that puts passes in front of another's.
+template<std::size_t M, std::size_t N>
+constexpr std::array<PassDecl, M + N> joined(const PassDecl (&first)[M],
+                                             const PassDecl (&second)[N])
+{
+    std::array<PassDecl, M + N> passes{};
+    std::ranges::copy(second, std::ranges::copy(first, passes.begin()).out);
+    return passes;
+}
 
 // The arrays as ranges; a count of 0 or less is an empty range, whatever the pointer.
 constexpr std::span<const PassDecl> passesOf(const PresetDecl &preset)
