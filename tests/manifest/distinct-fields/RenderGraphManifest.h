@@ -1,10 +1,22 @@
-@PROLOGUE@inline constexpr int kSampledInputs[] = {5, -2, -1};
+#pragma once
+
+// Presets written by hand, in the golden manifest's records.
+#define kPresets kGoldenPresets
+#include "../golden/RenderGraphManifest.h"
+#undef kPresets
+
+// A table stays a table.
+// clang-format off
+
+namespace RenderGraphManifestData {
+
+inline constexpr int kSampledInputs[] = {5, -2, -1};
 inline constexpr ParamEntry kParams[] = {
   { "first", 14u },
   { "second \303\251", 3u },
 };
 
-// Every value but the flags differs from those beside it.
+// All values but the flags differ.
 inline constexpr PassEntry kPasses[] = {
   { "fragment \303\251", "vertex \303\250", "name \303\252", 2, 1, 3.0f, 0.5f, 640, 480, 7,
     false, false, false, "black \303\253", 0.25f, false, 9, false, false, false,
