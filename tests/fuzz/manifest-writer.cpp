@@ -1,207 +1,154 @@
-// writeManifest(): the header is read back as C++ tokens and compared with the values that went in.
+// writeManifest(), against the header's text put together plainly from the same values.
 #include "Fuzz.h"
-#include "PlainGraph.h"
 
 #include <ManifestWriter.h>
 
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
 
-using PlainGraph::number;
-using Tokens = QList<QByteArray>;
-
-bool isWord(char c)
+QByteArray integer(qint64 value)
 {
-    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+    return QByteArray::number(value);
 }
 
-bool startsNumber(const QByteArray &text, qsizetype i)
+QByteArray boolean(bool value)
 {
-    return (text.at(i) >= '0' && text.at(i) <= '9') || text.at(i) == '-';
+    return value ? "true" : "false";
 }
 
-// Words, numbers and signs as they stand; strings unescaped behind a quote; floats as hexadecimal
-// ones; comments once the definitions begin.
-Tokens tokensOf(const QByteArray &text)
+QByteArray quoted(const QString &text)
 {
-    Tokens tokens;
-    for (qsizetype i = 0; i < text.size();) {
-        const char c = text.at(i);
-        if (c == ' ' || c == '\n') {
-            ++i;
-        } else if (text.mid(i, 2) == "//") {
-            const qsizetype end = std::max(text.indexOf('\n', i), i);
-            if (tokens.contains("inline"))
-                tokens.append(text.mid(i, end - i));
-            i = end;
-        } else if (c == '"') {
-            QByteArray string = "\"";
-            for (++i; i < text.size() && text.at(i) != '"'; ++i) {
-                if (text.at(i) == '\\')
-                    ++i;
-                string += text.mid(i, 1);
-            }
-            ++i;
-            tokens.append(string);
-        } else if (startsNumber(text, i)) {
-            const qsizetype start = i;
-            while (i < text.size()
-                   && (isWord(text.at(i)) || text.at(i) == '.' || text.at(i) == '+'
-                       || text.at(i) == '-'))
-                ++i;
-            const QByteArray literal = text.mid(start, i - start);
-            const bool isFloat =
-                    literal.endsWith('f') && (literal.contains('.') || literal.contains('e'));
-            tokens.append(isFloat ? "float " + number(std::strtof(literal.constData(), nullptr))
-                                  : literal);
-        } else if (isWord(c)) {
-            const qsizetype start = i;
-            while (i < text.size() && isWord(text.at(i)))
-                ++i;
-            tokens.append(text.mid(start, i - start));
-        } else {
-            tokens.append(QByteArray(1, c));
-            ++i;
-        }
+    QByteArray literal = "\"";
+    for (const char c : text.toUtf8()) {
+        if (c == '"' || c == '\\')
+            literal += '\\';
+        literal += c;
     }
-    return tokens;
+    return literal + '"';
 }
 
-constexpr const char *kRecords = R"(
-#pragma once
-namespace RenderGraphManifestData {
-struct ParamEntry { const char* id; unsigned int floatOffset; };
-struct PresetParamEntry {
-    const char* id; const char* description;
-    float initialValue; float defaultValue; float min; float max; float step;
-};
-struct PassEntry {
-    const char* fragmentSpirvResource; const char* vertexSpirvResource; const char* debugName;
-    int format; int scaleSource; float scaleX; float scaleY; int absoluteWidth; int absoluteHeight;
-    int scaleInputPassIndex; bool linearFilter; bool mipmap; bool cacheByParameters;
-    const char* constantBlackWhenZero; float constantBlackAlpha; bool shareConstantBlack;
-    int wrapMode; bool isFeedbackTarget; bool isFeedbackReader; bool isFinalPass;
-    const int* sampledInputs; int sampledInputCount; const ParamEntry* params; int paramCount;
-};
-struct PresetEntry {
-    const char* presetQrcPath; const PassEntry* passes; int passCount; int feedbackPassIndex;
-    bool finalRealPassRespondsToHdr; const PresetParamEntry* presetParams; int presetParamCount;
-    bool vulkanOnly; bool usesFrameCount;
-};
-)";
-
-// The tokens that the values should have become.
-class Expected
+// Nine significant digits without zeros at the end. An exact tie goes away from zero, where
+// printf() goes to the even digit; 120 digits show each float exactly.
+QByteArray real(float value)
 {
-public:
-    Tokens tokens = tokensOf(kRecords);
+    constexpr int kDigits = 9;
+    char exact[160];
+    std::snprintf(exact, sizeof exact, "%.120e", std::abs(static_cast<double>(value)));
+    const QByteArray text = exact; // d.ddd...e+xx
+    QByteArray digits = text.left(1) + text.mid(2, kDigits - 1);
+    int exponent = text.mid(text.indexOf('e') + 1).toInt();
+    if (text.at(kDigits + 1) >= '5') {
+        digits = QByteArray::number(digits.toLongLong() + 1);
+        exponent += digits.size() > kDigits ? 1 : 0;
+    }
+    while (digits.size() > 1 && digits.endsWith('0'))
+        digits.chop(1);
 
-    Expected &raw(const QByteArray &text)
-    {
-        tokens += tokensOf(text);
-        return *this;
+    QByteArray result;
+    if (exponent < -4 || exponent >= kDigits) {
+        char power[16];
+        std::snprintf(power, sizeof power, "e%+03d", exponent);
+        result = digits.left(1) + (digits.size() > 1 ? "." : "") + digits.mid(1) + power;
+    } else if (exponent < 0) {
+        result = "0." + QByteArray(-1 - exponent, '0') + digits;
+    } else {
+        digits = digits.leftJustified(exponent + 1, '0');
+        result = digits.left(exponent + 1) + '.' + digits.mid(exponent + 1);
+        if (result.endsWith('.'))
+            result += '0';
     }
-    Expected &text(const QString &value)
-    {
-        tokens.append('"' + value.toUtf8());
-        return *this;
-    }
-    Expected &value(float value)
-    {
-        tokens.append("float " + number(value));
-        return *this;
-    }
-    Expected &value(bool value)
-    {
-        tokens.append(value ? "true" : "false");
-        return *this;
-    }
-    Expected &value(int value)
-    {
-        tokens.append(QByteArray::number(value));
-        return *this;
-    }
-    Expected &comma()
-    {
-        tokens.append(",");
-        return *this;
-    }
-    Expected &comment(const QByteArray &name)
-    {
-        tokens.append("// " + name);
-        return *this;
-    }
-};
+    return (std::signbit(value) ? "-" : "") + result + 'f';
+}
 
-void expectPass(Expected &e, const QByteArray &suffix, const VulkanRenderGraph::Pass &pass)
+QByteArray passText(const QByteArray &suffix, const VulkanRenderGraph::Pass &pass)
 {
-    e.raw("inline constexpr int kSampledInputs_" + suffix + "[] = {");
-    for (int i = 0; i < pass.sampledInputs.size(); ++i) {
-        if (i > 0)
-            e.comma();
-        e.value(pass.sampledInputs.at(i).passIndex);
-    }
-    e.raw(pass.sampledInputs.isEmpty() ? "0};" : "};");
+    QByteArray inputs;
+    for (const VulkanRenderGraph::ResourceRef &input : pass.sampledInputs)
+        inputs += (inputs.isEmpty() ? "" : ", ") + integer(input.passIndex);
+    QByteArray text = "inline constexpr int kSampledInputs_" + suffix + "[] = {"
+            + (inputs.isEmpty() ? "0" : inputs) + "};\n";
+    QByteArray params = "nullptr";
     if (!pass.params.isEmpty()) {
-        e.raw("inline constexpr ParamEntry kParams_" + suffix + "[] = {");
+        params = "kParams_" + suffix;
+        text += "inline constexpr ParamEntry " + params + "[] = {\n";
         for (const VulkanRenderGraph::PushConstantParam &param : pass.params)
-            e.raw("{").text(param.id).raw("," + QByteArray::number(param.floatOffset) + "u },");
-        e.raw("};");
+            text += "  { " + quoted(param.id) + ", " + integer(param.floatOffset) + "u },\n";
+        text += "};\n";
     }
     const auto format = static_cast<int>(pass.format);
     const auto scale = static_cast<int>(pass.scaleSource);
-    e.raw("inline constexpr PassEntry kPass_" + suffix + " = {");
-    e.text(pass.fragmentSpirvResource).comma().text(pass.vertexSpirvResource).comma();
-    e.text(pass.debugName).comma();
-    e.value(format).comma().comment(format == 1           ? "RGBA16F"
-                                            : format == 2 ? "RGBA8"
-                                            : format == 3 ? "RGBA32F"
-                                                          : "R11G11B10F");
-    e.value(scale).comma().comment(scale == 1 ? "Viewport" : scale == 2 ? "Absolute" : "Source");
-    e.value(pass.scaleX).comma().value(pass.scaleY).comma();
-    e.value(pass.absoluteWidth).comma().value(pass.absoluteHeight).comma();
-    e.value(pass.scaleInputPassIndex).comma();
-    e.value(pass.linearFilter).comma().value(pass.mipmap).comma();
-    e.value(pass.cacheByParameters).comma();
-    e.text(pass.constantBlackWhenZero).comma().value(pass.constantBlackAlpha).comma();
-    e.value(pass.shareConstantBlack).comma().value(pass.wrapMode).comma();
-    e.value(pass.isFeedbackTarget).comma().value(pass.isFeedbackReader).comma();
-    e.value(pass.isFinalPass).comma();
-    e.raw("kSampledInputs_" + suffix + ",").value(static_cast<int>(pass.sampledInputs.size()));
-    e.raw(pass.params.isEmpty() ? ", nullptr," : ", kParams_" + suffix + ",");
-    e.value(static_cast<int>(pass.params.size())).raw(",};");
+    text += "inline constexpr PassEntry kPass_" + suffix + " = {\n";
+    text += "  " + quoted(pass.fragmentSpirvResource) + ",\n";
+    text += "  " + quoted(pass.vertexSpirvResource) + ",\n";
+    text += "  " + quoted(pass.debugName) + ",\n";
+    text += "  " + integer(format) + ", // "
+            + (format == 1           ? "RGBA16F"
+                       : format == 2 ? "RGBA8"
+                       : format == 3 ? "RGBA32F"
+                                     : "R11G11B10F")
+            + "\n";
+    text += "  " + integer(scale) + ", // "
+            + (scale == 1           ? "Viewport"
+                       : scale == 2 ? "Absolute"
+                                    : "Source")
+            + "\n";
+    text += "  " + real(pass.scaleX) + ", " + real(pass.scaleY) + ",\n";
+    text += "  " + integer(pass.absoluteWidth) + ", " + integer(pass.absoluteHeight) + ",\n";
+    text += "  " + integer(pass.scaleInputPassIndex) + ",\n";
+    text += "  " + boolean(pass.linearFilter) + ", " + boolean(pass.mipmap) + ",\n";
+    text += "  " + boolean(pass.cacheByParameters) + ",\n";
+    text += "  " + quoted(pass.constantBlackWhenZero) + ", " + real(pass.constantBlackAlpha)
+            + ",\n";
+    text += "  " + boolean(pass.shareConstantBlack) + ",\n";
+    text += "  " + integer(pass.wrapMode) + ",\n";
+    text += "  " + boolean(pass.isFeedbackTarget) + ", " + boolean(pass.isFeedbackReader) + ", "
+            + boolean(pass.isFinalPass) + ",\n";
+    text += "  kSampledInputs_" + suffix + ", " + integer(pass.sampledInputs.size()) + ",\n";
+    text += "  " + params + ", " + integer(pass.params.size()) + ",\n};\n\n";
+    return text;
 }
 
-QByteArray expectPreset(Expected &e, const EmittedPreset &preset)
+QByteArray presetText(const EmittedPreset &preset)
 {
     const QByteArray id = preset.name.toUtf8().replace('-', '_');
     const VulkanRenderGraph &graph = preset.graph;
+    QByteArray text;
     QByteArray names;
     for (int i = 0; i < graph.passes.size(); ++i) {
-        const QByteArray suffix = id + '_' + QByteArray::number(i);
-        expectPass(e, suffix, graph.passes.at(i));
+        const QByteArray suffix = id + '_' + integer(i);
+        text += passText(suffix, graph.passes.at(i));
         names += (i > 0 ? ", kPass_" : "kPass_") + suffix;
     }
-    e.raw("inline constexpr PassEntry kPasses_" + id + "[] = {" + names + "};");
+    text += "inline constexpr PassEntry kPasses_" + id + "[] = {" + names + "};\n\n";
+    QByteArray params = "nullptr";
     if (!preset.presetParams.isEmpty()) {
-        e.raw("inline constexpr PresetParamEntry kPresetParams_" + id + "[] = {");
+        params = "kPresetParams_" + id;
+        text += "inline constexpr PresetParamEntry " + params + "[] = {\n";
         for (const PresetParamMeta &param : preset.presetParams) {
-            e.raw("{").text(param.id).comma().text(param.description);
+            text += "  { " + quoted(param.id) + ", " + quoted(param.description);
             for (const float value :
                  {param.initialValue, param.defaultValue, param.min, param.max, param.step})
-                e.comma().value(value);
-            e.raw("},");
+                text += ", " + real(value);
+            text += " },\n";
         }
-        e.raw("};");
+        text += "};\n\n";
     }
-    e.raw("inline constexpr PresetEntry kPreset_" + id + " = {").text(graph.presetQrcPath);
-    e.raw(", kPasses_" + id + ",").value(static_cast<int>(graph.passes.size())).comma();
-    e.value(graph.feedbackPassIndex).comma().value(graph.finalRealPassRespondsToHdr);
-    e.raw(preset.presetParams.isEmpty() ? ", nullptr," : ", kPresetParams_" + id + ",");
-    e.value(static_cast<int>(preset.presetParams.size())).comma();
-    e.value(preset.vulkanOnly).comma().value(preset.usesFrameCount).raw("};");
-    return "kPreset_" + id;
+    text += "inline constexpr PresetEntry kPreset_" + id + " = { " + quoted(graph.presetQrcPath)
+            + ", kPasses_" + id + ", " + integer(graph.passes.size()) + ", "
+            + integer(graph.feedbackPassIndex) + ", " + boolean(graph.finalRealPassRespondsToHdr)
+            + ", " + params + ", " + integer(preset.presetParams.size()) + ", "
+            + boolean(preset.vulkanOnly) + ", " + boolean(preset.usesFrameCount) + " };\n\n";
+    return text;
+}
+
+QByteArray prologue()
+{
+    const QByteArray golden =
+            fileContent(QStringLiteral(SOURCE_DIR "/tests/manifest/golden/RenderGraphManifest.h"));
+    return golden.left(golden.indexOf("inline constexpr"));
 }
 
 QString textOf(Bytes &bytes)
@@ -209,7 +156,7 @@ QString textOf(Bytes &bytes)
     return QString::fromUtf8(bytes.take(bytes.below(24)));
 }
 
-int integer(Bytes &bytes)
+int integerFrom(Bytes &bytes)
 {
     return bytes.flag() ? bytes.below(12) - 2 : static_cast<int>(bytes.word());
 }
@@ -224,21 +171,21 @@ VulkanRenderGraph::Pass passFrom(Bytes &bytes)
     pass.scaleSource = static_cast<VulkanRenderGraph::ScaleSource>(bytes.byte());
     pass.scaleX = bytes.number();
     pass.scaleY = bytes.number();
-    pass.absoluteWidth = integer(bytes);
-    pass.absoluteHeight = integer(bytes);
-    pass.scaleInputPassIndex = integer(bytes);
+    pass.absoluteWidth = integerFrom(bytes);
+    pass.absoluteHeight = integerFrom(bytes);
+    pass.scaleInputPassIndex = integerFrom(bytes);
     pass.linearFilter = bytes.flag();
     pass.mipmap = bytes.flag();
     pass.cacheByParameters = bytes.flag();
     pass.constantBlackWhenZero = textOf(bytes);
     pass.constantBlackAlpha = bytes.number();
     pass.shareConstantBlack = bytes.flag();
-    pass.wrapMode = integer(bytes);
+    pass.wrapMode = integerFrom(bytes);
     pass.isFeedbackTarget = bytes.flag();
     pass.isFeedbackReader = bytes.flag();
     pass.isFinalPass = bytes.flag();
     for (int count = bytes.below(4); count > 0; --count)
-        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{integer(bytes)});
+        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{integerFrom(bytes)});
     for (int count = bytes.below(4); count > 0; --count) {
         const QString id = textOf(bytes);
         pass.params.append({id, bytes.word()});
@@ -254,7 +201,7 @@ EmittedPreset presetFrom(Bytes &bytes)
     preset.vulkanOnly = bytes.flag();
     preset.usesFrameCount = bytes.flag();
     preset.graph.presetQrcPath = textOf(bytes);
-    preset.graph.feedbackPassIndex = integer(bytes);
+    preset.graph.feedbackPassIndex = integerFrom(bytes);
     preset.graph.finalRealPassRespondsToHdr = bytes.flag();
     for (int count = bytes.below(4); count > 0; --count)
         preset.graph.passes.append(passFrom(bytes));
@@ -281,12 +228,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     for (int count = bytes.below(3); count > 0; --count)
         presets.append(presetFrom(bytes));
 
-    Expected expected;
+    static const QByteArray kPrologue = prologue();
+    QByteArray expected = kPrologue;
     QByteArray names;
-    for (const EmittedPreset &preset : presets)
-        names += expectPreset(expected, preset) + ',';
-    expected.raw("inline constexpr PresetEntry kPresets[] = {" + names + "};}");
-    expected.comment("namespace RenderGraphManifestData");
+    for (const EmittedPreset &preset : presets) {
+        expected += presetText(preset);
+        names += "  kPreset_" + preset.name.toUtf8().replace('-', '_') + ",\n";
+    }
+    expected += "inline constexpr PresetEntry kPresets[] = {\n" + names
+            + "};\n\n}  // namespace RenderGraphManifestData\n";
 
     static const QString path = fuzzDirectory() + QStringLiteral("/manifest.h");
     Capture capture;
@@ -295,6 +245,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const QByteArray header = fileContent(path);
     expectSame("the result", header,
                QByteArray::number(isWritten ? 1 : 0) + printed.out + printed.err, "1");
-    expectSame("the manifest", header, tokensOf(header).join('\n'), expected.tokens.join('\n'));
+    expectSame("the manifest", header, header, expected);
     return 0;
 }
