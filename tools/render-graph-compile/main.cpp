@@ -18,7 +18,7 @@ namespace {
 using FirstPartyPresetSource::PassDecl;
 using FirstPartyPresetSource::PresetDecl;
 
-// A missing source is not this scan's to report: compilePreset() does.
+// Skips a pass whose source is missing; compilePreset() reports it.
 bool usesFrameCount(const QString &shadersDir, const PresetDecl &decl)
 {
     return std::ranges::any_of(passesOf(decl), [&shadersDir](const PassDecl &pass) {
@@ -27,10 +27,10 @@ bool usesFrameCount(const QString &shadersDir, const PresetDecl &decl)
     });
 }
 
-// Every step that fails has said why.
-bool compilePresets(const QString &shadersDir, const QString &outPath)
+// Fills `presets` with all presets, in their order. At the first that fails returns false; the step
+// that failed has reported why.
+bool compilePresets(const QString &shadersDir, QList<EmittedPreset> &presets)
 {
-    QList<EmittedPreset> presets;
     for (const PresetDecl &decl : FirstPartyPresetSource::kPresets) {
         EmittedPreset preset;
         preset.name = QString::fromLatin1(decl.name);
@@ -42,18 +42,18 @@ bool compilePresets(const QString &shadersDir, const QString &outPath)
             return false;
         presets.append(preset);
     }
-    return writeManifest(outPath, presets);
+    return true;
 }
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    // First, since it takes its own arguments out of argv.
+    // Comes first because it removes Qt's own arguments from argv.
     const QCoreApplication application(argc, argv);
 
-    // Strictly option and value, pair by pair: a value may look like an option, and an unknown word
-    // takes the next one with it.
+    // Arguments are pairs of an option and its value: a value may look like an option, and an
+    // unknown word is skipped together with the word after it.
     QString shadersDir;
     QString outPath;
     for (int i = 1; i + 1 < argc; i += 2) {
@@ -69,5 +69,8 @@ int main(int argc, char *argv[])
         return 1;
     }
 
-    return compilePresets(shadersDir, outPath) ? 0 : 1;
+    QList<EmittedPreset> presets;
+    if (!compilePresets(shadersDir, presets))
+        return 1;
+    return writeManifest(outPath, presets) ? 0 : 1;
 }
