@@ -22,6 +22,29 @@ QByteArray readFile(const QString &path)
     return file.readAll();
 }
 
+void copyExampleShaders(const QString &to)
+{
+    const Run copy =
+            runProgram(u"cp"_s, {u"-r"_s, QStringLiteral(SOURCE_DIR "/examples/shaders"), to});
+    if (copy.exitStatus != 0)
+        qFatal("cannot copy the example shaders: %s", copy.err.constData());
+}
+
+Run runProgram(const QString &program, const QStringList &arguments,
+               const std::function<void(QProcess &)> &prepare)
+{
+    QProcess process;
+    if (prepare)
+        prepare(process);
+    process.start(program, arguments);
+    process.waitForFinished(-1);
+    if (process.error() == QProcess::FailedToStart)
+        qFatal("cannot run %s", qPrintable(program));
+    return {.exitStatus = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            .out = process.readAllStandardOutput(),
+            .err = process.readAllStandardError()};
+}
+
 QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected)
 {
     if (actual == expected)

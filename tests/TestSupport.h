@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QList>
 #include <QObject>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -13,6 +14,7 @@
 #include <QTest>
 
 #include <cstdio>
+#include <functional>
 #include <optional>
 
 #include <unistd.h>
@@ -55,6 +57,20 @@ QByteArray captured(std::FILE *stream, Action action)
 void writeFile(const QString &path, const QByteArray &content);
 
 QByteArray readFile(const QString &path);
+
+// A copy of the example shaders.
+void copyExampleShaders(const QString &to = QStringLiteral("shaders"));
+
+struct Run
+{
+    int exitStatus = -1; // of a normal exit only
+    QByteArray out;
+    QByteArray err;
+};
+
+// Runs a program to its end; `prepare` may change the process before it starts.
+Run runProgram(const QString &program, const QStringList &arguments,
+               const std::function<void(QProcess &)> &prepare = {});
 
 // The first lines in which the texts differ, for a reader: empty if they are the same.
 QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected);

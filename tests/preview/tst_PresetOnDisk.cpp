@@ -4,25 +4,13 @@
 
 #include "TestSupport.h"
 
-#include <QDirIterator>
 #include <QMap>
-#include <QProcess>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
 const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
-
-// The example shaders, below the working directory.
-void copyShaders()
-{
-    QDirIterator files(kShadersDir, QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        const QString path = files.next();
-        writeFile(u"shaders"_s + path.mid(kShadersDir.size()), readFile(path));
-    }
-}
 
 // What the build's compiler makes of an example component, or of fullscreen.vert, before a build
 // type adds debug information or optimizes.
@@ -35,13 +23,10 @@ QByteArray compiledModule(const QString &file)
     const QString source = isVertex ? vulkan + u"fullscreen.vert"_s
             : QFile::exists(slang)  ? slang
                                     : component + u".frag"_s;
-    QProcess glslang;
-    glslang.start(
+    const Run glslang = runProgram(
             QStringLiteral(GLSLANG),
             {u"-V"_s, u"-S"_s, isVertex ? u"vert"_s : u"frag"_s, u"-o"_s, u"module"_s, source});
-    if (!glslang.waitForFinished(-1) || glslang.exitCode() != 0)
-        return {};
-    return readFile(u"module"_s);
+    return glslang.exitStatus == 0 ? readFile(u"module"_s) : QByteArray();
 }
 
 } // namespace
@@ -284,7 +269,7 @@ void TestPresetOnDisk::errors()
     QFETCH(QString, file);
     QFETCH(QByteArray, content);
     QFETCH(QString, expected);
-    copyShaders();
+    copyExampleShaders();
     if (content.isNull())
         QFile::remove(u"shaders/"_s + file);
     else

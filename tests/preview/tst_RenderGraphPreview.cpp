@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 
 using namespace Qt::StringLiterals;
@@ -16,25 +15,15 @@ namespace {
 
 const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
 
-struct Run
-{
-    int exitStatus = -1; // of a normal exit only
-    QByteArray out;
-    QByteArray err;
-};
-
 Run run(const QStringList &arguments, const QHash<QString, QString> &environment = {})
 {
-    QProcess process;
-    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
-    for (auto it = environment.cbegin(); it != environment.cend(); ++it)
-        variables.insert(it.key(), it.value());
-    process.setProcessEnvironment(variables);
-    process.start(QStringLiteral(RENDER_GRAPH_PREVIEW), arguments);
-    process.waitForFinished(-1);
-    return {.exitStatus = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            .out = process.readAllStandardOutput(),
-            .err = process.readAllStandardError()};
+    return runProgram(QStringLiteral(RENDER_GRAPH_PREVIEW), arguments,
+                      [&environment](QProcess &process) {
+                          QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+                          for (auto it = environment.cbegin(); it != environment.cend(); ++it)
+                              variables.insert(it.key(), it.value());
+                          process.setProcessEnvironment(variables);
+                      });
 }
 
 QStringList words(const QString &line)
@@ -55,14 +44,6 @@ QStringList files()
         QCOMPARE(result.out, "");                                                                  \
         QCOMPARE(result.exitStatus, 0);                                                            \
     } while (false)
-
-void copyShaders()
-{
-    QProcess copy;
-    copy.start(u"cp"_s, {u"-r"_s, kShadersDir, u"shaders"_s});
-    if (!copy.waitForFinished(-1) || copy.exitCode() != 0)
-        qFatal("cannot copy the example shaders");
-}
 
 } // namespace
 
@@ -418,7 +399,7 @@ void TestRenderGraphPreview::badComponents()
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
     QFETCH(QByteArray, message);
-    copyShaders();
+    copyExampleShaders();
     const QString path = u"shaders/vulkan/components/rewind.slang"_s;
     QByteArray text = readFile(path);
     QVERIFY(text.contains(before));
@@ -550,7 +531,7 @@ void TestRenderGraphPreview::profileComparesTwo()
     QFETCH(QString, options);
     QFETCH(QString, preset);
     QFETCH(QString, shadersDir);
-    copyShaders();
+    copyExampleShaders();
     const QStringList command = words(u"profile stock --size 64x48 --frames 2 "_s + options);
     const Run json = run(command + QStringList{u"--json"_s});
     QCOMPARE(json.err, "");

@@ -15,7 +15,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSlider>
@@ -29,19 +28,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kPatience = 600000; // for a busy machine with a software device
-
-void copyDirectory(const QString &from, const QString &to)
-{
-    QDir().mkpath(to);
-    for (const QFileInfo &entry :
-         QDir(from).entryInfoList(QDir::Dirs | QDir::Files | QDir::NoDotAndDotDot)) {
-        const QString target = to + u'/' + entry.fileName();
-        if (entry.isDir())
-            copyDirectory(entry.filePath(), target);
-        else
-            QFile::copy(entry.filePath(), target);
-    }
-}
 
 } // namespace
 
@@ -82,7 +68,7 @@ private:
 
 std::unique_ptr<Window> TestWindow::open(const QString &preset)
 {
-    copyDirectory(QStringLiteral(EXAMPLE_SHADERS_DIR), u"shaders"_s);
+    copyExampleShaders();
     auto window = std::make_unique<Window>(u"shaders"_s, QString(), preset);
     window->show();
     window->findChild<QComboBox *>(u"source"_s)->setCurrentText(u"scene-160x144"_s);
@@ -244,13 +230,12 @@ void TestWindow::copiedOverridesCompile()
               "namespace FirstPartyPresetSource {\n"
               "inline constexpr ValueOverride kPasted[] = {\n"
                       + rows + "};\n}\n");
-    QProcess compiler;
-    compiler.start(QStringLiteral(CXX_COMPILER),
-                   {u"-std=c++20"_s, u"-fsyntax-only"_s, u"-Wall"_s, u"-Werror"_s,
-                    u"-I" SOURCE_DIR "/tools/render-graph-compile"_s, u"pasted.cpp"_s});
-    QVERIFY(compiler.waitForFinished(-1));
-    QCOMPARE(compiler.readAllStandardError(), QByteArray());
-    QCOMPARE(compiler.exitCode(), 0);
+    const Run compiler =
+            runProgram(QStringLiteral(CXX_COMPILER),
+                       {u"-std=c++20"_s, u"-fsyntax-only"_s, u"-Wall"_s, u"-Werror"_s,
+                        u"-I" SOURCE_DIR "/tools/render-graph-compile"_s, u"pasted.cpp"_s});
+    QCOMPARE(compiler.err, QByteArray());
+    QCOMPARE(compiler.exitStatus, 0);
 }
 
 void TestWindow::valuesAreReset()

@@ -5,7 +5,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -19,20 +18,12 @@ namespace {
 const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
 const QString kSpirvDir = QStringLiteral(SPIRV_DIR);
 
-struct ToolRun
+// With both streams in `out`.
+Run run(const QString &program, const QStringList &arguments)
 {
-    int exitStatus;
-    QByteArray out; // both streams
-};
-
-ToolRun run(const QString &program, const QStringList &arguments)
-{
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start(program, arguments);
-    if (!process.waitForFinished())
-        qFatal("cannot run %s", qPrintable(program));
-    return {process.exitCode(), process.readAll()};
+    return runProgram(program, arguments, [](QProcess &process) {
+        process.setProcessChannelMode(QProcess::MergedChannels);
+    });
 }
 
 QString modulePath(const char *resource)
@@ -67,7 +58,7 @@ int sizeOf(const QJsonObject &member)
 // Images and the push-constant block, from the reflection.
 void reflect(const QString &module, Interface &found)
 {
-    const ToolRun reflection = run(u"spirv-cross"_s, {module, u"--reflect"_s});
+    const Run reflection = run(u"spirv-cross"_s, {module, u"--reflect"_s});
     const QJsonObject json = QJsonDocument::fromJson(reflection.out).object();
     const QJsonArray textures = json[u"textures"_s].toArray();
     for (const auto &texture : textures) {
@@ -172,11 +163,11 @@ void TestExampleSpirv::sourcesCompileWithoutAWarning()
 {
     QFETCH(QString, path);
     QFETCH(QString, stage);
-    const ToolRun compiled =
+    const Run compiled =
             run(u"glslangValidator"_s, {u"-V"_s, u"-S"_s, stage, path, u"-o"_s, u"m.spv"_s});
     QCOMPARE(compiled.out, path.toUtf8() + '\n');
     QCOMPARE(compiled.exitStatus, 0);
-    const ToolRun validated = run(u"spirv-val"_s, {u"--target-env"_s, u"vulkan1.1"_s, u"m.spv"_s});
+    const Run validated = run(u"spirv-val"_s, {u"--target-env"_s, u"vulkan1.1"_s, u"m.spv"_s});
     QCOMPARE(validated.out, "");
     QCOMPARE(validated.exitStatus, 0);
 }
@@ -191,9 +182,9 @@ void TestExampleSpirv::componentInTheDocumentCompiles()
     QCOMPARE(component.count(u'\n'), 10);
     writeFile(u"vulkan/components/negative.slang"_s, component.toUtf8());
     QVERIFY(QFile::link(kShadersDir + u"/vulkan/include"_s, u"vulkan/include"_s));
-    const ToolRun compiled = run(u"glslangValidator"_s,
-                                 {u"-V"_s, u"-S"_s, u"frag"_s,
-                                  u"vulkan/components/negative.slang"_s, u"-o"_s, u"m.spv"_s});
+    const Run compiled = run(u"glslangValidator"_s,
+                             {u"-V"_s, u"-S"_s, u"frag"_s, u"vulkan/components/negative.slang"_s,
+                              u"-o"_s, u"m.spv"_s});
     QCOMPARE(compiled.out, "vulkan/components/negative.slang\n");
     QCOMPARE(interfaceOf(u"m.spv"_s).slotIndices, QSet<int>({0}));
 }

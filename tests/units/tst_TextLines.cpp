@@ -231,8 +231,9 @@ void TestTextLines::fileWithoutLines_data()
     QTest::addColumn<QString>("path");
     QTest::newRow("missing") << u"missing"_s;
     QTest::newRow("directory") << u"."_s;
-    // It has something to read, but states no size.
+    // One that has something to read but states no size, and one whose reading fails.
     QTest::newRow("file of the kernel's") << u"/proc/self/status"_s;
+    QTest::newRow("file that cannot be read") << u"/sys/class/net/lo/speed"_s;
 }
 
 void TestTextLines::fileWithoutLines()
