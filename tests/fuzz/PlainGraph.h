@@ -2,12 +2,7 @@
 
 #include <VulkanRenderGraph.h>
 
-#include <QByteArray>
-#include <QStringList>
-
-#include <cstdio>
-
-// The rules of a graph, written out one by one, and a graph as text.
+// The rules of a graph, written out one by one.
 namespace PlainGraph {
 
 inline bool keepsTheRules(const VulkanRenderGraph &graph)
@@ -73,44 +68,6 @@ inline bool keepsTheRules(const VulkanRenderGraph &graph)
         }
     }
     return good && finalPasses == 1;
-}
-
-inline QByteArray number(float value)
-{
-    char text[64];
-    std::snprintf(text, sizeof text, "%a", static_cast<double>(value));
-    return text;
-}
-
-inline QByteArray described(const VulkanRenderGraph &graph)
-{
-    QByteArray text = graph.presetQrcPath.toUtf8() + " feedback "
-            + QByteArray::number(graph.feedbackPassIndex) + " hdr "
-            + QByteArray::number(graph.finalRealPassRespondsToHdr ? 1 : 0) + '\n';
-    for (const VulkanRenderGraph::Pass &pass : graph.passes) {
-        const auto integer = [&text](int value) { text += ' ' + QByteArray::number(value); };
-        text += "pass '" + pass.fragmentSpirvResource.toUtf8() + "' '"
-                + pass.vertexSpirvResource.toUtf8() + "' '" + pass.debugName.toUtf8() + "' black '"
-                + pass.constantBlackWhenZero.toUtf8() + "' " + number(pass.scaleX) + ' '
-                + number(pass.scaleY) + ' ' + number(pass.constantBlackAlpha) + ':';
-        for (const int value :
-             {static_cast<int>(pass.format), static_cast<int>(pass.scaleSource), pass.absoluteWidth,
-              pass.absoluteHeight, pass.scaleInputPassIndex, pass.wrapMode})
-            integer(value);
-        text += " flags";
-        for (const bool flag :
-             {pass.linearFilter, pass.mipmap, pass.cacheByParameters, pass.shareConstantBlack,
-              pass.isFeedbackTarget, pass.isFeedbackReader, pass.isFinalPass})
-            integer(flag ? 1 : 0);
-        text += " inputs";
-        for (const VulkanRenderGraph::ResourceRef &input : pass.sampledInputs)
-            integer(input.passIndex);
-        text += " params";
-        for (const VulkanRenderGraph::PushConstantParam &param : pass.params)
-            text += ' ' + param.id.toUtf8() + '@' + QByteArray::number(param.floatOffset);
-        text += '\n';
-    }
-    return text;
 }
 
 } // namespace PlainGraph

@@ -1,8 +1,8 @@
 // collectPresetParameters() over a small declaration and a file, against PlainPreset. The input's
 // last bytes say what is declared and how the text lies across a reader's buffers, so that any
 // .glslp file is a seed.
+#include "../GraphText.h"
 #include "Fuzz.h"
-#include "PlainGraph.h"
 #include "PlainText.h"
 
 #include <PresetParameters.h>
@@ -15,7 +15,6 @@
 namespace {
 
 using namespace FirstPartyPresetSource;
-using PlainGraph::number;
 using PlainText::Cursor;
 
 // What `"text"` is as a number, and whether Qt's versions agree on it.
@@ -156,49 +155,19 @@ QByteArray joined(QStringList ids)
 QByteArray row(const QString &id, const QString &description, float initial, const ParamDecl &decl)
 {
     QByteArray text = id.toUtf8() + " '" + description.toUtf8() + "' "
-            + (std::isnan(initial) ? "nan" : number(initial));
+            + (std::isnan(initial) ? "nan" : numberText(initial));
     for (const float value : {decl.defaultValue, decl.min, decl.max, decl.step})
-        text += ' ' + number(value);
+        text += ' ' + numberText(value);
     return text + '\n';
 }
 
 constexpr int kHeaderSize = 5;
-constexpr ParamDecl kFirst[] = {{.id = "b",
-                                 .description = "B",
-                                 .defaultValue = 0.5F,
-                                 .min = -1.0F,
-                                 .max = 4.0F,
-                                 .step = 0.25F},
-                                {.id = "a",
-                                 .description = "A",
-                                 .defaultValue = 2.0F,
-                                 .min = 0.0F,
-                                 .max = 3.0F,
-                                 .step = 0.5F},
-                                {.id = "wiggle",
-                                 .description = "W",
-                                 .defaultValue = 1.0F,
-                                 .min = 0.0F,
-                                 .max = 1.0F,
-                                 .step = 1.0F}};
-constexpr ParamDecl kSecond[] = {{.id = "a",
-                                  .description = "again",
-                                  .defaultValue = 9.0F,
-                                  .min = 8.0F,
-                                  .max = 10.0F,
-                                  .step = 1.0F},
-                                 {.id = "\xE9",
-                                  .description = "\xE9",
-                                  .defaultValue = 0.0F,
-                                  .min = 0.0F,
-                                  .max = 1.0F,
-                                  .step = 0.1F},
-                                 {.id = "C",
-                                  .description = "",
-                                  .defaultValue = -0.0F,
-                                  .min = 0.0F,
-                                  .max = 1.0F,
-                                  .step = 0.1F}};
+constexpr ParamDecl kFirst[] = {{"b", "B", 0.5F, -1.0F, 4.0F, 0.25F},
+                                {"a", "A", 2.0F, 0.0F, 3.0F, 0.5F},
+                                {"wiggle", "W", 1.0F, 0.0F, 1.0F, 1.0F}};
+constexpr ParamDecl kSecond[] = {{"a", "again", 9.0F, 8.0F, 10.0F, 1.0F},
+                                 {"\xE9", "\xE9", 0.0F, 0.0F, 1.0F, 0.1F},
+                                 {"C", "", -0.0F, 0.0F, 1.0F, 0.1F}};
 constexpr ValueOverride kOverrides[] = {{"a", 3.0F}, {"C", 4.0F}, {"a", 5.0F}, {"z", 6.0F}};
 
 } // namespace

@@ -1,5 +1,6 @@
 // VulkanRenderGraph::isValid(), against PlainGraph: a graph that keeps the rules, and what the
 // input changes in it.
+#include "../GraphText.h"
 #include "Fuzz.h"
 #include "PlainGraph.h"
 
@@ -122,7 +123,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     Graph graph = soundGraph(bytes.below(7));
     while (!bytes.isEmpty())
         change(graph, bytes);
-    expectSame("isValid", PlainGraph::described(graph), graph.isValid() ? "valid" : "invalid",
+    expectSame("isValid", graphText(graph), graph.isValid() ? "valid" : "invalid",
                PlainGraph::keepsTheRules(graph) ? "valid" : "invalid");
     return 0;
 }

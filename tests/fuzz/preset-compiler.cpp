@@ -1,5 +1,6 @@
 // compilePreset() over declarations and component files made from the input, against the rules
 // written out over the same bytes.
+#include "../GraphText.h"
 #include "Fuzz.h"
 #include "PlainGraph.h"
 #include "PlainSource.h"
@@ -337,11 +338,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     Capture capture;
     const bool isCompiled = compilePreset(fuzzDirectory(), input.preset, graph);
     const Printed printed = capture.end();
-    const QByteArray record = PlainGraph::described(rule.graph) + files;
+    const QByteArray record = graphText(rule.graph) + files;
     expectSame("the result", record,
                QByteArray::number(isCompiled ? 1 : 0) + ' ' + printed.out + printed.err,
                (message.isEmpty() ? "1 " : "0 ") + message);
-    expectSame("the graph", record, PlainGraph::described(graph),
-               PlainGraph::described(rule.graph));
+    expectSame("the graph", record, graphText(graph), graphText(rule.graph));
     return 0;
 }

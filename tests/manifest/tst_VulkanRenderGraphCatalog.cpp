@@ -1,5 +1,6 @@
 #include <VulkanRenderGraphCatalog.h>
 
+#include "GraphText.h"
 #include "TestSupport.h"
 
 using namespace Qt::StringLiterals;
@@ -30,9 +31,7 @@ class TestVulkanRenderGraphCatalog : public QObject
 
 private Q_SLOTS:
     void presetNames();
-    void passInFull();
-    void passFlags_data();
-    void passFlags();
+    void graphInFull();
     void presets_data();
     void presets();
     void parameters();
@@ -46,65 +45,29 @@ void TestVulkanRenderGraphCatalog::presetNames()
              QStringList({u"hdr"_s, u"vulkan"_s, u"c-d.e"_s}));
 }
 
-void TestVulkanRenderGraphCatalog::passInFull()
+// The first pass has no flag, each other one has one.
+void TestVulkanRenderGraphCatalog::graphInFull()
 {
-    const VulkanRenderGraph::Pass pass = preset(u"hdr"_s).graph.passes.at(0);
-    QCOMPARE(pass.fragmentSpirvResource, u"fragment \u00e9"_s);
-    QCOMPARE(pass.vertexSpirvResource, u"vertex \u00e8"_s);
-    QCOMPARE(pass.debugName, u"name \u00ea"_s);
-    QCOMPARE(pass.format, VulkanRenderGraph::Format::RGBA8);
-    QCOMPARE(pass.scaleSource, VulkanRenderGraph::ScaleSource::Viewport);
-    QCOMPARE(pass.scaleX, 3.0F);
-    QCOMPARE(pass.scaleY, 0.5F);
-    QCOMPARE(pass.absoluteWidth, 640);
-    QCOMPARE(pass.absoluteHeight, 480);
-    QCOMPARE(pass.scaleInputPassIndex, 7);
-    QCOMPARE(pass.constantBlackWhenZero, u"black \u00eb"_s);
-    QCOMPARE(pass.constantBlackAlpha, 0.25F);
-    QCOMPARE(pass.wrapMode, 9);
-    QCOMPARE(pass.sampledInputs.size(), 3);
-    QCOMPARE(pass.sampledInputs.at(0).passIndex, 5);
-    QCOMPARE(pass.sampledInputs.at(1).passIndex, -2);
-    QCOMPARE(pass.sampledInputs.at(2).passIndex, -1);
-    QCOMPARE(pass.params.size(), 2);
-    QCOMPARE(pass.params.at(0).id, u"first"_s);
-    QCOMPARE(pass.params.at(0).floatOffset, 14U);
-    QCOMPARE(pass.params.at(1).id, u"second \u00e9"_s);
-    QCOMPARE(pass.params.at(1).floatOffset, 3U);
-}
-
-// Of each pass the only flag that is set; none of the first.
-void TestVulkanRenderGraphCatalog::passFlags_data()
-{
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QStringList>("expected");
-    int index = 0;
-    QTest::newRow("none") << index++ << QStringList();
+    QByteArray expected = R"(:/shaders/hdr.glslp feedback 6 responds to HDR
+'name ê' 'fragment é' 'vertex è'
+  format 2 scale source 1 scale 3 0.5 size 640 480 scale input 7 wrap mode 9
+  black when 'black ë' alpha 0.25
+  flags
+  inputs 5 -2 -1
+  params first@14 second é@3
+)";
     for (const char *flag : {"linearFilter", "mipmap", "cacheByParameters", "shareConstantBlack",
-                             "isFeedbackTarget", "isFeedbackReader", "isFinalPass"})
-        QTest::newRow(flag) << index++ << QStringList({QString::fromLatin1(flag)});
-}
-
-void TestVulkanRenderGraphCatalog::passFlags()
-{
-    QFETCH(int, index);
-    const VulkanRenderGraph::Pass pass = preset(u"hdr"_s).graph.passes.at(index);
-    QStringList flags;
-    if (pass.linearFilter)
-        flags.append(u"linearFilter"_s);
-    if (pass.mipmap)
-        flags.append(u"mipmap"_s);
-    if (pass.cacheByParameters)
-        flags.append(u"cacheByParameters"_s);
-    if (pass.shareConstantBlack)
-        flags.append(u"shareConstantBlack"_s);
-    if (pass.isFeedbackTarget)
-        flags.append(u"isFeedbackTarget"_s);
-    if (pass.isFeedbackReader)
-        flags.append(u"isFeedbackReader"_s);
-    if (pass.isFinalPass)
-        flags.append(u"isFinalPass"_s);
-    QTEST(flags, "expected");
+                             "isFeedbackTarget", "isFeedbackReader", "isFinalPass"}) {
+        expected += R"('n' 'f' 'v'
+  format 0 scale source 0 scale 1 1 size 0 0 scale input -1 wrap mode 0
+  black when '' alpha 1
+  flags )" + QByteArray(flag)
+                + R"(
+  inputs
+  params
+)";
+    }
+    QCOMPARE(graphText(preset(u"hdr"_s).graph), expected);
 }
 
 void TestVulkanRenderGraphCatalog::presets_data()

@@ -9,14 +9,7 @@ namespace {
 
 using Rule = const char *(*)(const PresetDecl &);
 
-constexpr ParamDecl kParams[] = {
-        {.id = "a",
-         .description = "A",
-         .defaultValue = 0.5F,
-         .min = 0.0F,
-         .max = 1.0F,
-         .step = 0.1F},
-};
+constexpr ParamDecl kParams[] = {{"a", "A", 0.5F, 0.0F, 1.0F, 0.1F}};
 constexpr PassDecl kGoodPasses[] = {
         {.component = "one", .extentAlias = "ONE", .params = kParams, .paramCount = 1},
         {.component = "two", .extentAlias = "TWO", .scaleInputAlias = "ONE"},

@@ -13,32 +13,12 @@ using namespace FirstPartyPresetSource;
 namespace {
 
 constexpr ParamDecl kFirst[] = {
-        {.id = "b",
-         .description = "B first",
-         .defaultValue = 0.5F,
-         .min = 0.0F,
-         .max = 1.0F,
-         .step = 0.1F},
-        {.id = "a",
-         .description = "A",
-         .defaultValue = 2.0F,
-         .min = 1.0F,
-         .max = 3.0F,
-         .step = 0.25F},
+        {"b", "B first", 0.5F, 0.0F, 1.0F, 0.1F},
+        {"a", "A", 2.0F, 1.0F, 3.0F, 0.25F},
 };
 constexpr ParamDecl kSecond[] = {
-        {.id = "b",
-         .description = "B second",
-         .defaultValue = 9.0F,
-         .min = 8.0F,
-         .max = 10.0F,
-         .step = 1.0F},
-        {.id = "c",
-         .description = "C",
-         .defaultValue = -1.0F,
-         .min = -2.0F,
-         .max = 0.0F,
-         .step = 0.5F},
+        {"b", "B second", 9.0F, 8.0F, 10.0F, 1.0F},
+        {"c", "C", -1.0F, -2.0F, 0.0F, 0.5F},
 };
 constexpr PassDecl kPasses[] = {
         {.component = "x", .params = kFirst, .paramCount = 2},
@@ -47,12 +27,7 @@ constexpr PassDecl kPasses[] = {
 };
 constexpr ParamDecl param(const char *id, const char *description)
 {
-    return {.id = id,
-            .description = description,
-            .defaultValue = 0.5F,
-            .min = 0.0F,
-            .max = 1.0F,
-            .step = 0.1F};
+    return {id, description, 0.5F, 0.0F, 1.0F, 0.1F};
 }
 
 constexpr ParamDecl kMixedCase[] = {param("b", ""), param("_", ""), param("a", ""), param("B", "")};
