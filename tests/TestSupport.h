@@ -27,8 +27,8 @@ inline constexpr bool kIsSanitized = __has_feature(address_sanitizer);
 inline constexpr bool kIsSanitized = false;
 #endif
 
-// Lets `stream` write to the descriptor while `action` runs. Verify nothing inside: QTest reports
-// on these streams itself.
+// Redirects `stream` to the descriptor while `action` runs. `action` must not use QVERIFY or
+// QCOMPARE: they print to these streams.
 template<typename Action>
 void redirected(std::FILE *stream, int descriptor, Action action)
 {
@@ -41,7 +41,7 @@ void redirected(std::FILE *stream, int descriptor, Action action)
     ::close(saved);
 }
 
-// What `action` writes to `stream`.
+// What `action` prints to `stream`.
 template<typename Action>
 QByteArray captured(std::FILE *stream, Action action)
 {
@@ -53,7 +53,7 @@ QByteArray captured(std::FILE *stream, Action action)
     return file.readAll();
 }
 
-// Makes the directories that the file needs, too.
+// Creates missing directories too.
 void writeFile(const QString &path, const QByteArray &content);
 
 QByteArray readFile(const QString &path);
@@ -72,7 +72,7 @@ struct Run
 Run runProgram(const QString &program, const QStringList &arguments,
                const std::function<void(QProcess &)> &prepare = {});
 
-// The first lines in which the texts differ, for a reader: empty if they are the same.
+// Shows the first lines in which the texts differ; empty if they are equal.
 QByteArray firstDifference(const QByteArray &actual, const QByteArray &expected);
 
 // The fields of each preset's declaration by name, as tests/presets/golden/presets.txt has them.
@@ -80,15 +80,15 @@ QList<QHash<QString, QString>> declaredPresets();
 
 QStringList declaredPresetNames();
 
-// Whether a test that takes its time over each preset is to try this one: TESTED_PRESET in the
-// environment can name the only one.
+// Whether a slow test about all presets runs for this one. The environment variable TESTED_PRESET can
+// limit such tests to one preset.
 bool isTested(const QString &preset);
 
-// The text in UTF-16, behind a byte-order mark.
+// The text in UTF-16, after a byte-order mark.
 QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian = false);
 
-// A test class whose every row runs in an empty directory of its own, as the working directory, so
-// that the paths in messages are short and always the same.
+// A test class that runs each row in an empty working directory of its own, so that the paths in
+// messages are short and always the same.
 class TestInEmptyDirectory : public QObject
 {
     Q_OBJECT

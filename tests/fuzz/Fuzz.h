@@ -7,11 +7,11 @@
 #include <cstddef>
 #include <cstdint>
 
-// One run of a target; libFuzzer's name, and its own main() or SeedRunner's calls it.
+// Runs a target once. libFuzzer, which gives the name, calls it, or SeedRunner.
 // NOLINTNEXTLINE(readability-identifier-naming)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
-// Hands out an input piece by piece; zeros once it is used up.
+// Takes an input apart piece by piece; returns zeros after its end.
 class Bytes
 {
 public:
@@ -63,20 +63,20 @@ private:
     qsizetype m_position = 0;
 };
 
-// The text, and where `byte` is beyond ASCII, CRs before it: of a reader's first buffer they leave
-// `byte` - 0x80 bytes, so that the text runs on into the second one. A byte-order mark stays first.
-// As every CR is dropped, the result has the text's own lines.
+// The text itself, or with CRs in front of it if `byte` is 0x80 or more. The CRs fill a reader's
+// first buffer up to its last `byte` - 0x80 bytes, so that the text continues in the second one. A
+// byte-order mark stays in front. The lines do not change, since readers drop every CR.
 QByteArray acrossBuffers(const QByteArray &text, int byte);
 
-// A directory of this process, without a slash at its end; it goes when the process ends.
+// A directory of this process, without a trailing slash; it is deleted when the process ends.
 const QString &fuzzDirectory();
 
 void putFile(const QString &path, const QByteArray &content);
 void removeFile(const QString &path);
 QByteArray fileContent(const QString &path);
 
-// What `action` prints through C's standard streams. Only the two FILE pointers are exchanged, so
-// that a sanitizer's report is still seen.
+// Captures what is printed to stdout and stderr. It replaces only the two FILE pointers, so that a
+// sanitizer's report is still printed.
 struct Printed
 {
     QByteArray out;
@@ -95,6 +95,6 @@ private:
     bool m_isOpen = true;
 };
 
-// Aborts with the input and both results where they differ.
+// Aborts if the results differ, and prints them with the input.
 void expectSame(const char *what, const QByteArray &input, const QByteArray &tool,
                 const QByteArray &rule);

@@ -4,7 +4,7 @@
 
 #include <set>
 
-// What a component's source says, character by character and without expressions.
+// The scans of a component's source, character by character, without regular expressions.
 namespace PlainSource {
 
 using PlainText::Cursor;
@@ -43,7 +43,7 @@ inline QStringList codeLines(const QByteArray &bytes)
     return kept;
 }
 
-// Behind each "pc ." of the code; `visit(cursor)` stands at the field's name.
+// Calls `visit(cursor)` after each "pc ." of the code, at the field's name.
 template<typename Visitor>
 void forEachField(const QByteArray &bytes, Visitor visit)
 {

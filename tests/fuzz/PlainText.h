@@ -6,7 +6,7 @@
 
 #include <utility>
 
-// How a text file becomes lines, byte by byte: the rule that the tool leaves to Qt.
+// Splits a text file into lines, byte by byte. The tool leaves this to Qt.
 namespace PlainText {
 
 inline constexpr qsizetype kBufferSize = 16384; // as in TextLines.h
@@ -21,7 +21,7 @@ inline void appendCodePoint(QString &text, char32_t code)
     }
 }
 
-// A bad byte is U+FFFD; a sequence that the end of the file cuts off vanishes.
+// A bad byte gives U+FFFD. A sequence that is incomplete at the end of the file gives nothing.
 inline QString fromUtf8(const QByteArray &bytes)
 {
     const auto at = [&bytes](qsizetype i) { return static_cast<unsigned char>(bytes.at(i)); };
@@ -84,7 +84,8 @@ inline bool isUtf16(const QByteArray &bytes)
     return bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF");
 }
 
-// Whether a bad sequence begins close enough before the border of two buffers to reach over it.
+// Whether a bad sequence begins so close to the end of a buffer that it may reach into the next
+// one.
 inline bool hasBadUtf8AcrossBuffers(const QByteArray &bytes)
 {
     for (qsizetype border = kBufferSize; border < bytes.size(); border += kBufferSize) {
@@ -98,8 +99,8 @@ inline bool hasBadUtf8AcrossBuffers(const QByteArray &bytes)
     return false;
 }
 
-// False for what Qt reads differently from version to version, UTF-32 beyond U+10FFFF or in the
-// surrogates, or from buffer to buffer.
+// False for what Qt's versions decode differently (UTF-32 beyond U+10FFFF or in the surrogates),
+// and for what Qt decodes differently across buffers.
 inline bool isWellDefined(const QByteArray &bytes)
 {
     if (!isUtf32(bytes))
@@ -163,7 +164,7 @@ inline bool isWord(QChar c)
     return isDigit(c) || c == u'_' || (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z');
 }
 
-// Qt's expressions match nothing in a line that is not well-formed UTF-16.
+// Qt's regular expressions match nothing in a line that is not well-formed UTF-16.
 inline bool hasLoneSurrogate(const QString &line)
 {
     for (qsizetype i = 0; i < line.size(); ++i) {

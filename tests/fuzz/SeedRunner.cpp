@@ -1,4 +1,4 @@
-// Stands in for libFuzzer: runs the target once for each file that is named.
+// Replaces libFuzzer: runs the target once for each file on the command line.
 #include "Fuzz.h"
 
 int main(int argc, char *argv[])

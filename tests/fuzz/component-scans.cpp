@@ -1,5 +1,5 @@
-// The scans of one component's source, against PlainSource. The input's last byte says how the text
-// lies across a reader's buffers, so that any ASCII file is a seed.
+// Compares the scans of one component's source with PlainSource. The input's last byte decides how
+// the text lies across a reader's buffers, so any ASCII file is a seed.
 #include "Fuzz.h"
 #include "PlainSource.h"
 

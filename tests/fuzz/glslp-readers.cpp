@@ -1,6 +1,6 @@
-// collectPresetParameters() over a small declaration and a file, against PlainPreset. The input's
-// last bytes say what is declared and how the text lies across a reader's buffers, so that any
-// .glslp file is a seed.
+// Compares collectPresetParameters() with a plain statement of its rules, for a small declaration
+// and a file. The input's last bytes decide what is declared and how the text lies across a
+// reader's buffers, so any .glslp file is a seed.
 #include "../GraphText.h"
 #include "Fuzz.h"
 #include "PlainText.h"
@@ -17,7 +17,7 @@ namespace {
 using namespace FirstPartyPresetSource;
 using PlainText::Cursor;
 
-// What `"text"` is as a number, and whether Qt's versions agree on it.
+// The number that a text stands for, and whether all versions of Qt agree on it.
 struct Reading
 {
     std::optional<float> value;

@@ -1,5 +1,5 @@
-// VulkanRenderGraph::isValid(), against PlainGraph: a graph that keeps the rules, and what the
-// input changes in it.
+// Compares VulkanRenderGraph::isValid() with PlainGraph, for a graph that keeps the rules and that
+// the input then changes.
 #include "../GraphText.h"
 #include "Fuzz.h"
 #include "PlainGraph.h"

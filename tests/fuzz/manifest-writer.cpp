@@ -1,4 +1,4 @@
-// writeManifest(), against the header's text put together plainly from the same values.
+// Compares the bytes that writeManifest() writes with a plain statement of the header's text.
 #include "Fuzz.h"
 
 #include <ManifestWriter.h>

@@ -1,5 +1,5 @@
-// compilePreset() over declarations and component files made from the input, against the rules
-// written out over the same bytes.
+// Compares compilePreset() with a plain statement of its rules, for declarations and component
+// files that are made from the input.
 #include "../GraphText.h"
 #include "Fuzz.h"
 #include "PlainGraph.h"
@@ -28,7 +28,7 @@ constexpr std::array kNames = {"",   "B",   "a",  "A",  "b",  "mask_hdr_ready",
 constexpr int kMostPasses = 12;
 constexpr int kMostParams = 20;
 
-// What <component>.slang says and what lies on disk for it, and whether there are the two files.
+// Whether <component>.slang and .frag exist, and the former's text and its bytes on disk.
 struct Component
 {
     bool isSlang = false;
@@ -37,7 +37,7 @@ struct Component
     QByteArray onDisk;
 };
 
-// All that one run compiles. The records point into it.
+// The input of one run. The records point into it.
 struct Input
 {
     std::map<QByteArray, Component> components;

@@ -28,8 +28,8 @@ qsizetype commentStart(QStringView line, qsizetype from)
     }
 }
 
-// The line itself if it holds no comment; else what is left of it, in `code`. `inBlockComment`
-// carries from line to line.
+// Returns the line itself if it has no comment, else the line without its comments, in `code`.
+// `inBlockComment` keeps its value from one line to the next.
 QStringView withoutComments(QStringView line, QString &code, bool &inBlockComment)
 {
     if (!inBlockComment && commentStart(line, 0) == line.size())
@@ -68,8 +68,8 @@ void forEachCodeLine(const QString &path, Visitor visit)
     });
 }
 
-// Each pattern below comes with a literal that every match of it contains: looking for that first
-// keeps the expression off nearly all lines.
+// Each pattern below comes with a literal that every match contains. Searching for the literal
+// first spares nearly all lines the regular expression.
 bool hasToken(const QString &path, QStringView literal, const QRegularExpression &token)
 {
     const QStringMatcher matcher(literal);

@@ -5,11 +5,11 @@
 #include <QStringList>
 
 // Facts about one shader component's source. Code is read with its comments removed; directives are
-// comments and are read from the raw lines. Every function reads the file anew, and one that cannot
-// be opened yields nothing: whether that is an error is the caller's to say.
+// comments and are read from the raw lines. Every function reads the file again. A file that cannot
+// be opened yields nothing; the caller decides whether that is an error.
 
-// Where a component's source lies: the primary one, and the fallback that is never scanned. The
-// result is relative if `shadersDir` is. Neither touches the file system.
+// The path of a component's source, and of the fallback, which is never scanned. The path is
+// relative if `shadersDir` is. Neither function accesses the file system.
 QString slangComponentPath(const QString &shadersDir, const QString &component);
 QString fragComponentPath(const QString &shadersDir, const QString &component);
 
@@ -28,8 +28,8 @@ QSet<int> usedParamSlotIndices(const QString &path);
 QStringList declaredAliasInputs(const QString &path);
 QStringList declaredParameterIds(const QString &path);
 
-// The line, from 1, on which such a name stands first, or the code first reads that slot; 0 if none
-// does.
+// The line, counted from 1, of the first such directive with that name, or of the first code that
+// reads that slot; 0 if there is none.
 int aliasInputLine(const QString &path, const QString &alias);
 int parameterLine(const QString &path, const QString &id);
 int paramSlotLine(const QString &path, int index);

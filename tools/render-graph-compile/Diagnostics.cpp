@@ -32,7 +32,7 @@ void report(Diagnostic kind, const char *format, ...)
             collector->m_errors.append(QString::fromLocal8Bit(text));
         return;
     }
-    // In one piece, so that lines of tools that run side by side do not mix.
+    // One write, so that lines of tools that run at the same time do not mix.
     const QByteArray line = kPrefix + text + '\n';
     std::fwrite(line.constData(), 1, std::size_t(line.size()),
                 kind == Diagnostic::Error ? stderr : stdout);

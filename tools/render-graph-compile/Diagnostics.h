@@ -4,11 +4,12 @@
 
 enum class Diagnostic { Error, Note };
 
-// The one way out for what the tool has to say: one line with its name in front, errors on stderr
-// and notes on stdout. The format is printf's, and has neither the name nor the line end.
+// Prints one line that begins with the tool's name, an error on stderr or a note on stdout. All of
+// the tool's messages are printed here. The format is printf's, without the name and the line end.
 [[gnu::format(printf, 2, 3)]] void report(Diagnostic kind, const char *format, ...);
 
-// While it lives, what its thread reports is not printed: errors are collected, notes dropped.
+// Collects the errors that its thread reports while it exists, and drops the notes. Neither is
+// printed.
 class DiagnosticCollector
 {
 public:
@@ -24,6 +25,6 @@ public:
 private:
     friend void report(Diagnostic kind, const char *format, ...);
 
-    DiagnosticCollector *m_outer; // takes over again
+    DiagnosticCollector *m_outer; // collects again after this one
     QStringList m_errors;
 };

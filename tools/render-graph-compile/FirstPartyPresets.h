@@ -4,13 +4,13 @@
 
 #include <iterator>
 
-// The first-party presets: the hand-authored data that the tool compiles. The order of presets, of
+// The first-party presets: the hand-written data that the tool compiles. The order of presets, of
 // passes within a preset, of parameters and of overrides decides the order of the manifest, the
-// pass indices and the push-constant slots. Every row names only what differs from the record's
-// default.
+// pass indices and the push-constant slots. A row sets only the fields that differ from the
+// record's defaults.
 namespace FirstPartyPresetSource {
 
-// A table stays a table.
+// Keeps the tables aligned.
 // clang-format off
 
 inline constexpr ParamDecl kCrtDriveParams[] = {
@@ -621,8 +621,8 @@ inline constexpr PresetDecl kPresets[] = {
 
 // clang-format on
 
-// A row that breaks a rule does not compile. The message shows the rule, the preset, and what in it
-// breaks the rule.
+// A row that breaks a rule does not compile. The message shows the rule, the preset, and what in
+// the preset breaks the rule.
 static_assert(Rules::areKept<kPresets>());
 
 } // namespace FirstPartyPresetSource

@@ -98,7 +98,7 @@ constexpr auto kEpilogue = R"(};
 }  // namespace RenderGraphManifestData
 )"_L1;
 
-// A number that is no enumerator's has the name of enumerator 0.
+// A number without an enumerator has the name of enumerator 0.
 QLatin1StringView nameOf(VulkanRenderGraph::Format format)
 {
     const QLatin1StringView name = VulkanRenderGraph::formatName(format);
@@ -139,7 +139,7 @@ void writeSampledInputs(QTextStream &out, const QString &name, const Pass &pass)
     for (const VulkanRenderGraph::ResourceRef &input : pass.sampledInputs)
         indices.append(QString::number(input.passIndex));
     if (indices.isEmpty())
-        indices.append(u"0"_s); // never read, but an array needs an element
+        indices.append(u"0"_s); // never read; an array needs an element
     out << "inline constexpr int "_L1 << name << "[] = {"_L1 << indices.join(", "_L1) << "};\n"_L1;
 }
 
@@ -151,7 +151,7 @@ void writeParams(QTextStream &out, const QString &name, const Pass &pass)
     out << "};\n"_L1;
 }
 
-// Returns the name of the pass entry, which stands behind the arrays that it points to.
+// Writes the pass's arrays and then its entry. Returns the entry's name.
 QString writePass(QTextStream &out, const QString &suffix, int index, const Pass &pass)
 {
     const QString passSuffix = "%1_%2"_L1.arg(suffix, QString::number(index));
@@ -202,7 +202,7 @@ void writePresetParams(QTextStream &out, const QString &name, const QList<Preset
     out << "};\n\n"_L1;
 }
 
-// Returns the name of the preset entry.
+// Writes the preset's passes and parameters and then its entry. Returns the entry's name.
 QString writePreset(QTextStream &out, const EmittedPreset &preset)
 {
     const QString suffix = identifierSuffix(preset.name);

@@ -7,7 +7,7 @@
 #include <QList>
 #include <QString>
 
-// One preset's results, as they reach the manifest.
+// What the manifest holds of one preset.
 struct EmittedPreset
 {
     QString name;
@@ -17,13 +17,13 @@ struct EmittedPreset
     bool usesFrameCount = false;
 };
 
-// The body of a C string literal for `s`: quotes and backslashes escaped, all else as it is.
+// The body of a C string literal for `s`: escapes quotes and backslashes only.
 QString cEscape(const QString &s);
 
 // A C++ float literal that reads back as exactly `v`. Not for infinities and NaN.
 QString floatLiteral(float v);
 
-// Writes the manifest header to `outPath`, replacing what was there. A file that cannot be opened
-// is an error: one line on stderr, and false. Later write errors are not noticed. Preset names are
-// trusted to give distinct C++ identifiers.
+// Writes the manifest header to `outPath` and replaces what was there. If the file cannot be
+// opened, prints one line on stderr and returns false. Later write errors are not detected. The
+// presets' names must give distinct C++ identifiers.
 bool writeManifest(const QString &outPath, const QList<EmittedPreset> &presets);

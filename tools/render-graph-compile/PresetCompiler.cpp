@@ -69,7 +69,7 @@ Pass declaredPass(const PassDecl &decl)
     return pass;
 }
 
-// Brings what the last declared pass shows, in SDR or HDR, into the presented image.
+// Draws the output of the last declared pass, in SDR or HDR, into the presented image.
 Pass hdrColorBoostPass(int lastDeclaredIndex)
 {
     Pass pass = passFor(u"hdr-color-boost"_s);
@@ -105,7 +105,7 @@ bool contains(const QList<ResourceRef> &inputs, int passIndex)
     });
 }
 
-// One run over one preset.
+// Compiles one preset.
 class PresetCompilation
 {
 public:
@@ -179,7 +179,7 @@ private:
         if (isSlang && !readsOnlyDeclaredSlots(index, slangPath, pass))
             return false;
 
-        // Only now, so that no pass finds its own alias.
+        // Published last, so that no pass finds its own alias.
         const QString alias = QString::fromLatin1(decl.extentAlias);
         if (!alias.isEmpty())
             m_passOfAlias.insert(alias, index);
@@ -236,7 +236,7 @@ private:
     }
 
     // A parameter's slot is its rank among the pass's sorted ids, so that a shader's author can
-    // tell it from the directives alone.
+    // derive it from the directives alone.
     bool assignSlots(int index, QStringList ids, Pass &pass) const
     {
         ids.sort();
@@ -253,19 +253,19 @@ private:
 
     bool readsOnlyDeclaredSlots(int index, const QString &path, const Pass &pass) const
     {
-        // The set's order differs from run to run; the smallest offender does not.
-        std::optional<int> offender;
+        // The smallest, since the set's order differs from run to run.
+        std::optional<int> undeclared;
         const QSet<int> usedSlots = usedParamSlotIndices(path);
         for (const int slot : usedSlots) {
             if (slot >= pass.params.size())
-                offender = std::min(slot, offender.value_or(slot));
+                undeclared = std::min(slot, undeclared.value_or(slot));
         }
-        if (!offender)
+        if (!undeclared)
             return true;
         report(Diagnostic::Error,
                "preset '%s' pass %d: code reads pc.params[%d] but its own //! param directives "
                "only declare %d slot(s) (%s)",
-               m_decl.name, index, *offender, static_cast<int>(pass.params.size()),
+               m_decl.name, index, *undeclared, static_cast<int>(pass.params.size()),
                qPrintable(path));
         return false;
     }
@@ -281,7 +281,7 @@ private:
 
 QStringList slotParameterIds(const QString &slangPath)
 {
-    // Fed by the renderer itself, so it takes no push-constant slot and has no declaration.
+    // The renderer sets this parameter itself. It takes no push-constant slot and is not declared.
     constexpr auto kExemptParameterId = "mask_hdr_ready"_L1;
     QStringList ids = declaredParameterIds(slangPath);
     ids.removeOne(kExemptParameterId);

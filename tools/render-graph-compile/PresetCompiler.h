@@ -8,8 +8,8 @@
 #include <QStringList>
 
 // Builds `graph` from the preset's declaration and its components' sources below `shadersDir`,
-// closed by the HDR colour boost pass. Whatever `graph` held before is discarded. At the first
-// error prints one line on stderr and returns false; `graph` is then unfinished.
+// with the HDR colour boost pass at its end. The previous content of `graph` is discarded. The
+// first error prints one line on stderr and returns false; `graph` is then incomplete.
 bool compilePreset(const QString &shadersDir, const FirstPartyPresetSource::PresetDecl &decl,
                    VulkanRenderGraph &graph);
 

@@ -11,11 +11,11 @@
 
 // The records in which shader presets are declared. All of it is constant data: strings are static
 // and ASCII, "" where there is none; arrays are static, null with count 0 where there is none.
-// The scalar defaults are the plain case: a pass that renders once at the size of its input, picks
-// the nearest texel and asks for nothing special.
+// The defaults describe a plain pass: it renders once at the size of its input, and its output is
+// sampled at the nearest texel.
 namespace FirstPartyPresetSource {
 
-// One parameter that a pass binds, with what the user interface shows for it.
+// One parameter that a pass binds, and what the user interface shows for it.
 struct ParamDecl
 {
     const char *id;
@@ -110,8 +110,8 @@ constexpr std::span<const ValueOverride> valueOverridesOf(const PresetDecl &pres
     return Detail::rows(preset.valueOverrides, preset.valueOverrideCount);
 }
 
-// What well-formed presets keep. A rule's function returns what breaks the rule, as the compiler is
-// to name it: an id, an alias, a component or a field. It returns null if nothing does.
+// The rules for presets. A rule's function returns the name of what breaks the rule, for the
+// compiler's message: an id, an alias, a component or a field. It returns null if the rule is kept.
 namespace Rules {
 
 constexpr bool isAsciiLetterOrDigit(char c)
@@ -134,8 +134,8 @@ constexpr const char *missingPasses(const PresetDecl &preset)
     return preset.passCount >= 1 ? nullptr : "passes";
 }
 
-// Compares no array with null where it need not: under GCC's sanitizers the address of an object is
-// no constant that could be compared.
+// In constant expressions an array with a count is not compared with null: GCC's sanitizers reject
+// such a comparison.
 constexpr bool isCountOf(const void *array, std::int32_t count)
 {
     return count > 0 ? std::is_constant_evaluated() || array != nullptr
@@ -202,8 +202,8 @@ constexpr const char *misplacedAbsoluteSize(const PresetDecl &preset)
     return nullptr;
 }
 
-// For all overrides against all parameters: std::string_view would first measure both texts, and
-// compilers take that long to evaluate.
+// Compares every override with every parameter. std::string_view would first measure both texts,
+// which takes compilers long to evaluate.
 constexpr bool isSameText(const char *a, const char *b)
 {
     for (; *a == *b; ++a, ++b) {
@@ -329,8 +329,8 @@ constexpr bool isSameIdentifier(std::string_view a, std::string_view b)
             [](char c) { return c == '-' ? '_' : c; });
 }
 
-// The first rule that is broken, the preset that breaks it, and what in that preset does so; null
-// if all are kept.
+// The first rule that is broken, the preset that breaks it, and what in the preset breaks it. All
+// are null if the rules are kept.
 struct BrokenRule
 {
     const char *rule = nullptr;
@@ -361,7 +361,7 @@ inline constexpr bool isConstant = requires
     typename std::bool_constant<(expression(), true)>;
 };
 
-// No constant expression if there are fewer rows.
+// Not a constant expression if the array has fewer rows than its count.
 constexpr void readLast(const auto &rows)
 {
     if (!rows.empty()) {
@@ -379,7 +379,7 @@ constexpr void readAll(std::span<const PresetDecl> presets)
     }
 }
 
-// Which count is greater than its array, from one preset and pass on.
+// Finds the first count that is greater than its array, from the given preset and pass on.
 template<const auto &presets, std::size_t index = 0, std::size_t passIndex = 0>
 constexpr BrokenRule firstCountBeyondArray()
 {
@@ -409,8 +409,8 @@ struct ShownText
 
 void stopCompiling();
 
-// No constant expression: compilers show what it is called with, GCC the template's arguments and
-// clang the others.
+// Not a constant expression. The compiler's message shows the arguments: GCC those of the template,
+// clang those of the function.
 template<ShownText rule, ShownText preset, ShownText culprit>
 constexpr bool aRuleIsBroken(const char * /*rule*/, const char * /*preset*/,
                              const char * /*culprit*/)

@@ -20,7 +20,8 @@ using FirstPartyPresetSource::ValueOverride;
 
 using ValueTable = QHash<QString, float>;
 
-// The numbers that the file assigns, by name: parameters and anything else; the last one wins.
+// The numbers that the file assigns to names, whether of parameters or not. The last assignment to
+// a name counts.
 ValueTable presetValueOverrides(const QString &glslpPath)
 {
     static const QRegularExpression kValueLine(uR"re(^\s*(\w+)\s*=\s*"([^"]*)")re"_s);

@@ -21,14 +21,13 @@ struct PresetParamMeta
 };
 
 // Fills `out` with each parameter that the preset's passes declare, once, in order of first
-// declaration. Tuned values come from <shadersDir>/<preset>.glslp while that file exists, and from
-// the declaration's overrides once it is gone, which one line on stdout then says. A .glslp file
-// whose `parameters` list is not the preset's set of ids is an error: one line on stderr, and
-// false.
+// declaration. Tuned values come from <shadersDir>/<preset>.glslp. Without that file they come from
+// the declaration's overrides, and one line on stdout says so. A .glslp file whose `parameters`
+// list is not the preset's set of ids is an error: prints one line on stderr and returns false.
 bool collectPresetParameters(const QString &shadersDir,
                              const FirstPartyPresetSource::PresetDecl &decl,
                              QList<PresetParamMeta> &out);
 
-// The `parameters` list of a .glslp file. Sets `listLine` to the line on which it stands, from 1,
-// or to 0 if there is none or the file cannot be read.
+// The `parameters` list of a .glslp file. Sets `listLine` to its line, counted from 1, or to 0 if
+// there is no list or the file cannot be read.
 QStringList presetDeclaredParameterList(const QString &glslpPath, int *listLine = nullptr);

@@ -8,15 +8,15 @@
 
 // Calls `bool visit(QStringView line)` for each line of the text, without its line end, until it
 // returns false. Decodes UTF-8, or what a byte-order mark names, and drops every CR. Holds one line
-// and one buffer at a time. A read that fails ends the text: what came before it is visited, the
-// line that it cuts off too.
+// and one buffer at a time. A failed read ends the text: the lines before it are visited, including
+// an incomplete last one.
 template<typename Visitor>
 void forEachLine(QIODevice &device, Visitor visit)
 {
     QStringDecoder decode;
     QString text; // decoded and not yet visited
     std::array<char, 16384> buffer;
-    // Only a read tells where the text ends: atEnd() believes the size that the device states.
+    // Reads until nothing is left: atEnd() relies on the size that the device reports.
     for (qint64 size = 0; (size = device.read(buffer.data(), buffer.size())) > 0;) {
         const QByteArrayView bytes(buffer.data(), size);
         if (!decode.isValid())
@@ -38,8 +38,8 @@ void forEachLine(QIODevice &device, Visitor visit)
         visit(QStringView(text));
 }
 
-// The same for a file. One that cannot be opened has no lines, nor has one without a size, such as
-// a pipe.
+// The same for a file. A file that cannot be opened has no lines, and neither has one without a
+// size, such as a pipe.
 template<typename Visitor>
 void forEachLine(const QString &path, Visitor visit)
 {

@@ -5,7 +5,7 @@
 #include "../golden/RenderGraphManifest.h"
 #undef kPresets
 
-// A table stays a table.
+// Keeps the tables aligned.
 // clang-format off
 
 namespace RenderGraphManifestData {

@@ -18,7 +18,7 @@ public:
     enum class Format : quint8 { R11G11B10F = 0, RGBA16F = 1, RGBA8 = 2, RGBA32F = 3 };
     enum class ScaleSource : quint8 { Source = 0, Viewport = 1, Absolute = 2 };
 
-    // The enumerator's name; empty if the number is none of the enumerators'.
+    // The enumerator's name; empty for a number without an enumerator.
     static QLatin1StringView formatName(Format format);
 
     // One sampled image.

@@ -9,12 +9,12 @@
 
 #include <optional>
 
-// Reads back what the application's generated manifest holds, by preset name: the file stem of the
-// preset's resource, such as "crt-pvm". Compiled together with that manifest, which is included as
+// Reads an application's generated manifest by preset name: the file stem of the preset's resource,
+// such as "crt-pvm". It is compiled together with that manifest, which it includes as
 // "RenderGraphManifest.h".
 namespace VulkanRenderGraphCatalog {
 
-// What a user interface shows for one parameter.
+// One parameter as a user interface shows it.
 struct Parameter
 {
     QString id;
