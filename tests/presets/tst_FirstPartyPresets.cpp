@@ -7,8 +7,6 @@ using namespace FirstPartyPresetSource;
 
 namespace {
 
-using Rule = const char *(*)(const PresetDecl &);
-
 constexpr ParamDecl kParams[] = {{"a", "A", 0.5F, 0.0F, 1.0F, 0.1F}};
 constexpr PassDecl kGoodPasses[] = {
         {.component = "one", .extentAlias = "ONE", .params = kParams, .paramCount = 1},
@@ -46,105 +44,107 @@ void TestFirstPartyPresets::emptyRangesForCountsOfZeroOrLess()
 // Each row breaks one rule and no other.
 void TestFirstPartyPresets::rules_data()
 {
-    QTest::addColumn<Rule>("rule");
+    QTest::addColumn<QByteArray>("rule");
     QTest::addColumn<QByteArray>("culprit");
     QTest::addColumn<QList<PassDecl>>("passes");
     QTest::addColumn<QList<ValueOverride>>("overrides");
     QTest::addColumn<int>("feedbackPassIndex");
 
     const QList<PassDecl> good(std::begin(kGoodPasses), std::end(kGoodPasses));
-    const auto withPass = [&good](const PassDecl &pass) { return good + QList<PassDecl>({pass}); };
-    const QList<ValueOverride> none;
+    const auto row = [](const char *name, const char *rule, const char *culprit,
+                        const QList<PassDecl> &passes, const QList<ValueOverride> &overrides = {},
+                        int feedbackPassIndex = -1) {
+        QTest::newRow(name) << QByteArray(rule) << QByteArray(culprit) << passes << overrides
+                            << feedbackPassIndex;
+    };
+    const auto passRow = [&](const char *name, const char *rule, const char *culprit,
+                             const PassDecl &pass) {
+        row(name, rule, culprit, good + QList{pass});
+    };
 
-    QTest::newRow("no passes") << Rule(Rules::missingPasses) << "passes"_ba << QList<PassDecl>()
-                               << none << -1;
-    QTest::newRow("count without array")
-            << Rule(Rules::countWithoutArray) << "x"_ba
-            << withPass({.component = "x", .paramCount = -1}) << none << -1;
-    QTest::newRow("array without count")
-            << Rule(Rules::countWithoutArray) << "x"_ba
-            << withPass({.component = "x", .params = kParams}) << none << -1;
-    QTest::newRow("negative count with an array")
-            << Rule(Rules::countWithoutArray) << "x"_ba
-            << withPass({.component = "x", .params = kParams, .paramCount = -1}) << none << -1;
-    QTest::newRow("feedback index n")
-            << Rule(Rules::feedbackPassOutOfRange) << "feedbackPassIndex"_ba << good << none << 3;
-    QTest::newRow("feedback index -2")
-            << Rule(Rules::feedbackPassOutOfRange) << "feedbackPassIndex"_ba << good << none << -2;
-    QTest::newRow("alias twice") << Rule(Rules::repeatedAlias) << "ONE"_ba
-                                 << withPass({.component = "x", .extentAlias = "ONE"}) << none
-                                 << -1;
-    QTest::newRow("scale input published nowhere")
-            << Rule(Rules::scaleInputNotPublishedEarlier) << "FOUR"_ba
-            << withPass({.component = "x", .scaleInputAlias = "FOUR"}) << none << -1;
-    QTest::newRow("scale input of the first pass")
-            << Rule(Rules::scaleInputNotPublishedEarlier) << "FOUR"_ba
-            << QList<PassDecl>({{.component = "x", .scaleInputAlias = "FOUR"}}) << none << -1;
-    QTest::newRow("scale input published by itself")
-            << Rule(Rules::scaleInputNotPublishedEarlier) << "FOUR"_ba
-            << withPass({.component = "x", .extentAlias = "FOUR", .scaleInputAlias = "FOUR"})
-            << none << -1;
-    QTest::newRow("absolute size on a relative pass")
-            << Rule(Rules::misplacedAbsoluteSize) << "x"_ba
-            << withPass({.component = "x", .absoluteHeight = 1}) << none << -1;
-    QTest::newRow("absolute pass without a size")
-            << Rule(Rules::misplacedAbsoluteSize) << "x"_ba
-            << withPass({.component = "x", .scaleType = kScaleAbsolute}) << none << -1;
-    QTest::newRow("absolute pass with a negative height")
-            << Rule(Rules::misplacedAbsoluteSize) << "x"_ba
-            << withPass({.component = "x",
-                         .scaleType = kScaleAbsolute,
-                         .absoluteWidth = 8,
-                         .absoluteHeight = -1})
-            << none << -1;
-    QTest::newRow("constant black on an unbound id")
-            << Rule(Rules::unboundConstantBlack) << "b"_ba
-            << withPass({.component = "x", .constantBlackWhenZero = "b"}) << none << -1;
-    QTest::newRow("override of an unbound id") << Rule(Rules::unboundOverride) << "b"_ba << good
-                                               << QList<ValueOverride>({{"b", 1.0F}}) << -1;
-    QTest::newRow("override twice") << Rule(Rules::repeatedOverride) << "a"_ba << good
-                                    << QList<ValueOverride>({{"a", 1.0F}, {"a", 1.0F}}) << -1;
-    QTest::newRow("override below the minimum")
-            << Rule(Rules::overrideOutOfBounds) << "a"_ba << good
-            << QList<ValueOverride>({{"a", -0.1F}}) << -1;
-    QTest::newRow("override above the maximum")
-            << Rule(Rules::overrideOutOfBounds) << "a"_ba << good
-            << QList<ValueOverride>({{"a", 1.1F}}) << -1;
-    QTest::newRow("scale type -1") << Rule(Rules::passValueOutOfRange) << "x"_ba
-                                   << withPass({.component = "x", .scaleType = -1}) << none << -1;
-    QTest::newRow("scale type 3") << Rule(Rules::passValueOutOfRange) << "x"_ba
-                                  << withPass({.component = "x", .scaleType = 3}) << none << -1;
-    QTest::newRow("constant black alpha 0.5")
-            << Rule(Rules::passValueOutOfRange) << "x"_ba
-            << withPass({.component = "x", .constantBlackAlpha = 0.5F}) << none << -1;
+    row("no passes", "a preset has at least one pass", "passes", {});
+
+    const char *rule = "an array comes with its count, and no array with a count of 0";
+    passRow("count without array", rule, "x", {.component = "x", .paramCount = -1});
+    passRow("array without count", rule, "x", {.component = "x", .params = kParams});
+    passRow("negative count with an array", rule, "x",
+            {.component = "x", .params = kParams, .paramCount = -1});
+
+    rule = "feedbackPassIndex is -1 or the index of a pass of its preset";
+    row("feedback index n", rule, "feedbackPassIndex", good, {}, 3);
+    row("feedback index -2", rule, "feedbackPassIndex", good, {}, -2);
+
+    passRow("alias twice", "an extentAlias is published by one pass of a preset only", "ONE",
+            {.component = "x", .extentAlias = "ONE"});
+
+    rule = "a scaleInputAlias names the extentAlias of an earlier pass";
+    passRow("scale input published nowhere", rule, "FOUR",
+            {.component = "x", .scaleInputAlias = "FOUR"});
+    row("scale input of the first pass", rule, "FOUR",
+        {{.component = "x", .scaleInputAlias = "FOUR"}});
+    passRow("scale input published by itself", rule, "FOUR",
+            {.component = "x", .extentAlias = "FOUR", .scaleInputAlias = "FOUR"});
+
+    rule = "absoluteWidth and absoluteHeight belong to kScaleAbsolute passes, and only to them";
+    passRow("absolute size on a relative pass", rule, "x", {.component = "x", .absoluteHeight = 1});
+    passRow("absolute width on a relative pass", rule, "x", {.component = "x", .absoluteWidth = 8});
+    passRow("absolute pass without a size", rule, "x",
+            {.component = "x", .scaleType = kScaleAbsolute});
+    passRow("absolute pass with a negative height", rule, "x",
+            {.component = "x",
+             .scaleType = kScaleAbsolute,
+             .absoluteWidth = 8,
+             .absoluteHeight = -1});
+
+    passRow("constant black on an unbound id",
+            "constantBlackWhenZero names a parameter that some pass of the preset binds", "b",
+            {.component = "x", .constantBlackWhenZero = "b"});
+
+    row("override of an unbound id",
+        "the id of a value override is bound by some pass of its preset", "b", good, {{"b", 1.0F}});
+    row("override twice", "the id of a value override stands once in its list", "a", good,
+        {{"a", 1.0F}, {"a", 1.0F}});
+
+    rule = "a value override lies within the bounds of its parameter";
+    row("override below the minimum", rule, "a", good, {{"a", -0.1F}});
+    row("override above the maximum", rule, "a", good, {{"a", 1.1F}});
+
+    rule = "scaleType is one of the kScale values, and constantBlackAlpha is 0 or 1";
+    passRow("scale type -1", rule, "x", {.component = "x", .scaleType = -1});
+    passRow("scale type 3", rule, "x", {.component = "x", .scaleType = 3});
+    passRow("constant black alpha 0.5", rule, "x", {.component = "x", .constantBlackAlpha = 0.5F});
+
+    rule = "the default of a parameter lies within its bounds, and its step is above 0";
     static constexpr ParamDecl kWithoutStep[] = {{"b", "B", 0.5F, 0.0F, 1.0F, 0.0F}};
-    QTest::newRow("step 0") << Rule(Rules::paramOutOfBounds) << "b"_ba
-                            << withPass({.component = "x", .params = kWithoutStep, .paramCount = 1})
-                            << none << -1;
-    static constexpr ParamDecl kOutOfRange[] = {{"b", "B", 2.0F, 0.0F, 1.0F, 0.1F}};
-    QTest::newRow("default above max")
-            << Rule(Rules::paramOutOfBounds) << "b"_ba
-            << withPass({.component = "x", .params = kOutOfRange, .paramCount = 1}) << none << -1;
+    passRow("step 0", rule, "b", {.component = "x", .params = kWithoutStep, .paramCount = 1});
+    static constexpr ParamDecl kTooHigh[] = {{"b", "B", 2.0F, 0.0F, 1.0F, 0.1F}};
+    passRow("default above max", rule, "b",
+            {.component = "x", .params = kTooHigh, .paramCount = 1});
+    static constexpr ParamDecl kTooLow[] = {{"b", "B", -1.0F, 0.0F, 1.0F, 0.1F}};
+    passRow("default below min", rule, "b", {.component = "x", .params = kTooLow, .paramCount = 1});
 }
 
 void TestFirstPartyPresets::rules()
 {
-    QFETCH(Rule, rule);
+    QFETCH(QByteArray, rule);
     QFETCH(QByteArray, culprit);
     QFETCH(QList<PassDecl>, passes);
     QFETCH(QList<ValueOverride>, overrides);
     QFETCH(int, feedbackPassIndex);
 
-    const PresetDecl preset = {.name = "p",
-                               .feedbackPassIndex = feedbackPassIndex,
-                               .passes = passes.constData(),
-                               .passCount = int(passes.size()),
-                               .valueOverrides =
-                                       overrides.isEmpty() ? nullptr : overrides.constData(),
-                               .valueOverrideCount = int(overrides.size())};
+    const PresetDecl presets[] = {
+            {.name = "p",
+             .feedbackPassIndex = feedbackPassIndex,
+             .passes = passes.constData(),
+             .passCount = int(passes.size()),
+             .valueOverrides = overrides.isEmpty() ? nullptr : overrides.constData(),
+             .valueOverrideCount = int(overrides.size())}};
+    const Rules::BrokenRule broken = Rules::firstBrokenRule(presets);
+    QCOMPARE(broken.rule, rule);
+    QCOMPARE(broken.preset, "p"_ba);
+    QCOMPARE(broken.culprit, culprit);
     for (const auto &[text, find] : Rules::kRules)
-        QVERIFY2((find(preset) != nullptr) == (find == rule), text);
-    QCOMPARE(rule(preset), culprit);
+        QVERIFY2((find(presets[0]) != nullptr) == (text == rule), text);
 }
 
 // The counts of a preset's own arrays, which rules() keeps right.
