@@ -439,7 +439,7 @@ void TestCrtRaster::rowsLieOnLines()
     QFETCH(double, light);
     const Params params =
             with(kScanline, {{u"raster_lines"_s, lines}, {u"raster_offset"_s, offset}});
-    const Picture drawn = beam(litRow({32, rows}, row), {320, 720}, params);
+    const Picture drawn = beam(litRow({32, rows}, row), {160, 720}, params);
     const Spot spot = measured(drawn, 1);
     QVERIFY2(std::fabs(spot.y - middle) < 1e-4, shown(spot.y - middle).constData());
     // A little is lost beyond the picture's sides.
@@ -450,11 +450,11 @@ void TestCrtRaster::linesWithoutPictureAreDark()
 {
     const Params params =
             with(kScanline, {{u"raster_lines"_s, 240.0F}, {u"raster_offset"_s, 8.0F}});
-    const Picture drawn = beam(grey({32, 224}, 1.0F), {320, 720}, params);
+    const Picture drawn = beam(grey({32, 224}, 1.0F), {160, 720}, params);
     // Lines 8 to 231 are lit, three pixels each.
     for (int y = 0; y < 720; ++y) {
         const bool isLit = y >= 3 * 8 && y < 3 * 232;
-        const float light = drawn.at(160, y)[1];
+        const float light = drawn.at(80, y)[1];
         QVERIFY2(isLit == (light > 1e-3F), shown(double(light)).constData());
     }
     QVERIFY(std::fabs(mean(drawn, 1) / (224.0 / 240.0) - 1.0) < 2e-3);
@@ -492,7 +492,7 @@ void TestCrtRaster::fieldsAlternate()
     QFETCH(double, light);
     const Params params =
             with(kScanline, {{u"raster_lines"_s, lines}, {u"raster_interlace"_s, 1.0F}});
-    const Picture drawn = beam(litRow({32, rows}, row), {320, 720}, params, frame);
+    const Picture drawn = beam(litRow({32, rows}, row), {160, 720}, params, frame);
     const Spot spot = measured(drawn, 1);
     QVERIFY2(std::fabs(spot.light - light) < 2e-3 * light + 1e-7, shown(spot.light).constData());
     if (light > 0.0)
@@ -533,7 +533,7 @@ void TestCrtRaster::beamKeepsItsEnergy()
     QFETCH(double, tolerance);
     const Params params =
             with(with(kScanline, raster), {{u"beam_min"_s, sigma}, {u"beam_max"_s, sigma}});
-    const Picture drawn = beam(grey({320, rows}, light), {640, 480}, params);
+    const Picture drawn = beam(grey({320, rows}, light), {320, 240}, params);
     for (std::size_t c = 0; c < 3; ++c) {
         const double kept = mean(drawn, c) / double(light);
         QVERIFY2(std::fabs(kept - 1.0) < tolerance, shown(kept).constData());
@@ -565,12 +565,12 @@ void TestCrtRaster::spotIsRoundAndGrowsWithTheLight_data()
     QTest::addColumn<float>("light");
     QTest::addColumn<float>("overscan");
     QTest::addColumn<double>("sigma"); // 0.15 + 0.25 sqrt(light), in 240ths of the picture height
-    QTest::newRow("white") << QSize(960, 720) << 1.0F << 0.0F << 0.4;
-    QTest::newRow("white, wide screen") << QSize(1280, 720) << 1.0F << 0.0F << 0.4;
-    QTest::newRow("white, overscanned") << QSize(960, 720) << 1.0F << 0.1F << 0.4;
-    QTest::newRow("half") << QSize(960, 720) << 0.5F << 0.0F << 0.32678;
-    QTest::newRow("quarter") << QSize(960, 720) << 0.25F << 0.0F << 0.275;
-    QTest::newRow("dark") << QSize(960, 720) << 0.04F << 0.0F << 0.2;
+    QTest::newRow("white") << QSize(480, 360) << 1.0F << 0.0F << 0.4;
+    QTest::newRow("white, wide screen") << QSize(640, 360) << 1.0F << 0.0F << 0.4;
+    QTest::newRow("white, overscanned") << QSize(480, 360) << 1.0F << 0.1F << 0.4;
+    QTest::newRow("half") << QSize(480, 360) << 0.5F << 0.0F << 0.32678;
+    QTest::newRow("quarter") << QSize(480, 360) << 0.25F << 0.0F << 0.275;
+    QTest::newRow("dark") << QSize(480, 360) << 0.04F << 0.0F << 0.2;
 }
 
 // A spot's variance is what is left of the drawn one when the pixels' are taken away.
@@ -603,12 +603,12 @@ void TestCrtRaster::gunsHaveSpotsOfTheirOwn()
     const Picture pixel = litPixel({320, 240}, {1.0F, 0.04F, 0.04F, 1.0F});
     const Params params = with(kScanline, {{u"beam_min"_s, 0.15F}, {u"beam_max"_s, 0.4F}});
     const auto sigma = [](const Picture &picture, std::size_t channel) {
-        return std::sqrt(measured(picture, channel).varianceY - 1.0 / 9.0 / 12.0);
+        return std::sqrt(measured(picture, channel).varianceY - 4.0 / 9.0 / 12.0);
     };
-    const Picture own = beam(pixel, {960, 720}, params);
+    const Picture own = beam(pixel, {480, 360}, params);
     QVERIFY2(std::fabs(sigma(own, 0) / 0.4 - 1.0) < 0.03, shown(sigma(own, 0)).constData());
     QVERIFY2(std::fabs(sigma(own, 1) / 0.2 - 1.0) < 0.03, shown(sigma(own, 1)).constData());
-    const Picture same = beam(pixel, {960, 720}, with(params, {{u"rgb_beam"_s, 0.0F}}));
+    const Picture same = beam(pixel, {480, 360}, with(params, {{u"rgb_beam"_s, 0.0F}}));
     for (const std::size_t channel : {0U, 1U, 2U})
         QVERIFY2(std::fabs(sigma(same, channel) / 0.4 - 1.0) < 0.03,
                  shown(sigma(same, channel)).constData());
@@ -629,17 +629,17 @@ void TestCrtRaster::spotIsGaussian()
     QFETCH(bool, isVertical);
     QFETCH(double, tolerance);
     constexpr double kSigma = 0.5;
-    Picture picture = grey({320, 1200}, 0.0F);
+    Picture picture = grey({40, 1200}, 0.0F);
     for (int y = 0; y < 1200; ++y) {
-        for (int x = 0; x < 320; ++x) {
-            if (isVertical ? y >= 600 : x >= 160)
+        for (int x = 0; x < 40; ++x) {
+            if (isVertical ? y >= 600 : x >= 20)
                 picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
         }
     }
     const Params params = with(kScanline, {{u"beam_max"_s, float(kSigma)}});
-    const Picture drawn = beam(picture, {640, 480}, params);
+    const Picture drawn = beam(picture, {80, 480}, params);
     for (int i = -4; i < 4; ++i) {
-        const float light = isVertical ? drawn.at(500, 240 + i)[1] : drawn.at(320 + i, 100)[1];
+        const float light = isVertical ? drawn.at(60, 240 + i)[1] : drawn.at(40 + i, 100)[1];
         // A pixel is half a 240th of the height, and shows its mean.
         double expected = 0.0;
         for (int sub = 0; sub < 16; ++sub) {
@@ -671,7 +671,7 @@ void TestCrtRaster::convergenceMovesOneGun()
     QFETCH(double, down);
     const Picture pixel = litPixel({320, 240}, {1.0F, 1.0F, 1.0F, 1.0F});
     for (const float sign : {1.0F, -1.0F}) {
-        const Picture drawn = beam(pixel, {960, 720},
+        const Picture drawn = beam(pixel, {640, 480},
                                    with(kScanline, {{u"beam_max"_s, 0.3F}, {param, 1.5F * sign}}));
         for (const int gun : {0, 1, 2}) {
             const Spot spot = measured(drawn, std::size_t(gun));
