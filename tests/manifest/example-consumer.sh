@@ -81,11 +81,11 @@ Parameters
 END
 "$consumer" show crt-pvm >log
 for row in \
-    '   0  crt-linearize           RGBA16F  4096 x source  source                     4' \
-    '   1  crt-abl-tiles           RGBA32F  256 x 240      0                          0' \
-    '   5  crt-drive               RGBA16F  pass 0         4, 0                       3' \
-    '   7  crt-persistence         RGBA16F  input          6, history                 3' \
-    '  16  crt-phosphor-tile       RGBA16F  256 x 256      -                          3'; do
+    '   0  crt-linearize           RGBA16F  4096 x source  source                  4' \
+    '   1  crt-abl-tiles           RGBA32F  256 x 240      0                       0' \
+    '   5  crt-drive               RGBA16F  pass 0         4, 0                    3' \
+    '   7  crt-persistence         RGBA16F  input          6, history              3' \
+    '  16  crt-phosphor-tile       RGBA16F  256 x 256      -                       3'; do
     grep -qFx "$row" log || fail "consumer show crt-pvm: no line '$row'"
 done
 

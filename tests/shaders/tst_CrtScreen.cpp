@@ -41,7 +41,6 @@ Picture screenBehind(const Picture &tile, const Picture &light, const Params &pa
     const Picture dark;
     return evaluate(u"crt-screen"_s,
                     {{.picture = &tile, .linearFilter = true, .mipmap = true, .wrapMode = 2},
-                     {.picture = &dark},
                      {.picture = &light},
                      {.picture = &dark},
                      {.picture = &dark}},

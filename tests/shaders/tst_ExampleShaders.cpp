@@ -110,31 +110,13 @@ void TestExampleShaders::slotsFollowTheSortedIds()
 void TestExampleShaders::sampledInputs_data()
 {
     QTest::addColumn<Inputs>("expected");
-    const Inputs crt = {{-2},    {0}, {1},  {2},  {3},  {4, 0}, {5},  {6, -1}, {7},
-                        {8, -1}, {9}, {10}, {11}, {12}, {13},   {14}, {},      {16, 8, 9, 12, 15},
-                        {17}};
+    const Inputs crt = {{-2}, {0},  {1},  {2},  {3},  {4, 0}, {5}, {6, -1},         {7}, {8, -1},
+                        {9},  {10}, {11}, {12}, {13}, {14},   {},  {16, 9, 12, 15}, {17}};
     for (const char *name : {"crt-pvm", "crt-bvm", "crt-arcade", "crt-pc", "crt-bw"})
         QTest::newRow(name) << crt;
-    QTest::newRow("crt-consumer") << Inputs({{-2},
-                                             {0},
-                                             {1},
-                                             {2},
-                                             {3},
-                                             {4},
-                                             {5, 1},
-                                             {6},
-                                             {7, -1},
-                                             {8},
-                                             {9, -1},
-                                             {10},
-                                             {11},
-                                             {12},
-                                             {13},
-                                             {14},
-                                             {15},
-                                             {},
-                                             {17, 9, 10, 13, 16},
-                                             {18}});
+    QTest::newRow("crt-consumer") << Inputs(
+            {{-2},    {0},  {1},  {2},  {3},  {4},  {5, 1}, {6}, {7, -1},          {8},
+             {9, -1}, {10}, {11}, {12}, {13}, {14}, {15},   {},  {17, 10, 13, 16}, {18}});
     QTest::newRow("gba-lcd") << Inputs({{-2}, {0, -1}, {1}, {2}});
     QTest::newRow("gameboy-lcd") << Inputs({{-2}, {0, -1}, {1}, {2}});
     QTest::newRow("dmg-lcd") << Inputs({{-2}, {0, -1}, {1}, {2}, {3, 2}, {4}});

@@ -475,7 +475,7 @@ inline constexpr PassEntry kPass_crt_pvm_16 = {
   kParams_crt_pvm_16, 3,
 };
 
-inline constexpr int kSampledInputs_crt_pvm_17[] = {16, 8, 9, 12, 15};
+inline constexpr int kSampledInputs_crt_pvm_17[] = {16, 9, 12, 15};
 inline constexpr ParamEntry kParams_crt_pvm_17[] = {
   { "barrel_distortion", 0u },
   { "black_floor", 1u },
@@ -504,7 +504,7 @@ inline constexpr PassEntry kPass_crt_pvm_17 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_pvm_17, 5,
+  kSampledInputs_crt_pvm_17, 4,
   kParams_crt_pvm_17, 11,
 };
 
@@ -975,7 +975,7 @@ inline constexpr PassEntry kPass_crt_bvm_16 = {
   kParams_crt_bvm_16, 3,
 };
 
-inline constexpr int kSampledInputs_crt_bvm_17[] = {16, 8, 9, 12, 15};
+inline constexpr int kSampledInputs_crt_bvm_17[] = {16, 9, 12, 15};
 inline constexpr ParamEntry kParams_crt_bvm_17[] = {
   { "barrel_distortion", 0u },
   { "black_floor", 1u },
@@ -1004,7 +1004,7 @@ inline constexpr PassEntry kPass_crt_bvm_17 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_bvm_17, 5,
+  kSampledInputs_crt_bvm_17, 4,
   kParams_crt_bvm_17, 11,
 };
 
@@ -1475,7 +1475,7 @@ inline constexpr PassEntry kPass_crt_arcade_16 = {
   kParams_crt_arcade_16, 3,
 };
 
-inline constexpr int kSampledInputs_crt_arcade_17[] = {16, 8, 9, 12, 15};
+inline constexpr int kSampledInputs_crt_arcade_17[] = {16, 9, 12, 15};
 inline constexpr ParamEntry kParams_crt_arcade_17[] = {
   { "barrel_distortion", 0u },
   { "black_floor", 1u },
@@ -1504,7 +1504,7 @@ inline constexpr PassEntry kPass_crt_arcade_17 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_arcade_17, 5,
+  kSampledInputs_crt_arcade_17, 4,
   kParams_crt_arcade_17, 11,
 };
 
@@ -1975,7 +1975,7 @@ inline constexpr PassEntry kPass_crt_pc_16 = {
   kParams_crt_pc_16, 3,
 };
 
-inline constexpr int kSampledInputs_crt_pc_17[] = {16, 8, 9, 12, 15};
+inline constexpr int kSampledInputs_crt_pc_17[] = {16, 9, 12, 15};
 inline constexpr ParamEntry kParams_crt_pc_17[] = {
   { "barrel_distortion", 0u },
   { "black_floor", 1u },
@@ -2004,7 +2004,7 @@ inline constexpr PassEntry kPass_crt_pc_17 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_pc_17, 5,
+  kSampledInputs_crt_pc_17, 4,
   kParams_crt_pc_17, 11,
 };
 
@@ -2475,7 +2475,7 @@ inline constexpr PassEntry kPass_crt_bw_16 = {
   kParams_crt_bw_16, 3,
 };
 
-inline constexpr int kSampledInputs_crt_bw_17[] = {16, 8, 9, 12, 15};
+inline constexpr int kSampledInputs_crt_bw_17[] = {16, 9, 12, 15};
 inline constexpr ParamEntry kParams_crt_bw_17[] = {
   { "barrel_distortion", 0u },
   { "black_floor", 1u },
@@ -2504,7 +2504,7 @@ inline constexpr PassEntry kPass_crt_bw_17 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_bw_17, 5,
+  kSampledInputs_crt_bw_17, 4,
   kParams_crt_bw_17, 11,
 };
 
@@ -3003,7 +3003,7 @@ inline constexpr PassEntry kPass_crt_consumer_17 = {
   kParams_crt_consumer_17, 3,
 };
 
-inline constexpr int kSampledInputs_crt_consumer_18[] = {17, 9, 10, 13, 16};
+inline constexpr int kSampledInputs_crt_consumer_18[] = {17, 10, 13, 16};
 inline constexpr ParamEntry kParams_crt_consumer_18[] = {
   { "barrel_distortion", 0u },
   { "black_floor", 1u },
@@ -3032,7 +3032,7 @@ inline constexpr PassEntry kPass_crt_consumer_18 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_consumer_18, 5,
+  kSampledInputs_crt_consumer_18, 4,
   kParams_crt_consumer_18, 11,
 };
 
