@@ -4,10 +4,11 @@
 #include "../include/color.glsl"
 #include "../include/lcd.glsl"
 
-// What a grey cell looks like: the picture's brightness, evenly between the dark and the clear
-// cell, so that four even shades stay even. Gamma-encoded in and out, 1.0 = reference white, which
-// the clear cell stays below. Alpha takes the tint along to the last pass, which needs the colour
-// of the glass. Source of the weights: ITU-R BT.709.
+// The colour of a grey cell: the picture's brightness, mapped linearly to the range from the dark
+// to the clear cell, so that four even shades stay even. Gamma-encoded in and out, 1.0 = reference
+// white; the clear cell is darker. Alpha passes the tint on to the last pass, which needs the
+// colour of the glass.
+// Source of the weights: ITU-R BT.709.
 
 layout(binding = 0) uniform sampler2D Source;
 

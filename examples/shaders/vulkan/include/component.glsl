@@ -10,8 +10,8 @@
 layout(location = 0) in vec2 texCoord;
 layout(location = 0) out vec4 fragColor;
 
-// 128 bytes, the least that every Vulkan device offers: 3 * 16 for the sizes and 5 * 4 for the scalars
-// leave 60, which is 15 parameters.
+// 128 bytes, the least that every Vulkan device offers: 3 * 16 for the sizes and 5 * 4 for the
+// scalars leave 60, which is 15 parameters.
 layout(push_constant) uniform PushConstants
 {
     vec4 sourceSize; // of binding 0: width, height in pixels, then their reciprocals

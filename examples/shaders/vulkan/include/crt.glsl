@@ -1,15 +1,15 @@
-// What the passes of the tube share: area means, blurs, the beam's and the mask's edges, the face.
+// What the passes of the tube share: area means, blurs, Gaussian integrals, the shape of the face.
 
-// How many RGB repeats the phosphor tile holds in each direction; its cells are square. Four keep
-// staggered slots seamless, and hexagonal dots all but exactly so.
+// RGB repeats of the phosphor tile in each direction; its cells are square. With four, staggered
+// slots are seamless, and hexagonal dots very nearly.
 const float kTileTriads = 4.0;
 
 const int kMaxAreaTaps = 64;
 const int kMaxBlurReach = 24; // three times the widest sigma, 8
 
 // The standard normal distribution function, at most 1.4e-4 off: Bowling et al., "A logistic
-// approximation to the cumulative normal distribution", 2009. It is exactly antisymmetric about
-// 1/2, so that differences of it over adjoining intervals still sum to 1.
+// approximation to the cumulative normal distribution", 2009. It is exactly antisymmetric about 1/2:
+// its differences over adjoining intervals sum to 1.
 float normalCdf(float x)
 {
     float z = clamp(x, -6.0, 6.0);
@@ -22,27 +22,27 @@ vec3 normalCdf(vec3 x)
     return 1.0 / (1.0 + exp(-z * (1.5976 + 0.07056 * z * z)));
 }
 
-// The same less 1/2, for filters that end: x in parts of their reach, 2.9 sigmas. Of its degree the
-// polynomial that fits best and ends level, at most 0.002 off; the shares between places from one
-// end to the other sum to 1.
-const float kReach = 2.9;
+// The integral of a Gaussian filter of finite reach, from its middle to x, where x is in units of
+// the reach: -1/2 at -1, 1/2 at 1. A polynomial approximation of the normal distribution function,
+// at most 0.002 off, with slope 0 at both ends.
+const float kReach = 2.9; // in sigmas
 
-float normalShare(float x)
+float gaussianIntegral(float x)
 {
     float z = clamp(x, -1.0, 1.0);
     float square = z * z;
     return z * (1.145458 + square * (-1.418756 + square * (1.151138 - 0.37784 * square)));
 }
 
-vec3 normalShare(vec3 x)
+vec3 gaussianIntegral(vec3 x)
 {
     vec3 z = clamp(x, -1.0, 1.0);
     vec3 square = z * z;
     return z * (1.145458 + square * (-1.418756 + square * (1.151138 - 0.37784 * square)));
 }
 
-// The mean over one cell of a grid laid over the image. Texels on a cell's edge are shared by area,
-// so that together the cells count every texel exactly once, whatever the two sizes are.
+// The mean over one cell of a grid that covers the image. A texel on the edge between cells counts
+// in each by area, so that all cells together count every texel exactly once at any two sizes.
 vec3 areaMean(sampler2D image, vec2 cell, vec2 cells)
 {
     ivec2 size = textureSize(image, 0);
@@ -80,20 +80,20 @@ vec3 gaussianBlur(sampler2D image, vec2 position, vec2 stride, float sigma)
     return sum / weights;
 }
 
-// From the screen to the tube's face, both centred and -0.5..0.5 over the output. Second-order
+// From a place on the screen to one on the tube's face, both -0.5..0.5 over the output. Second-order
 // radial distortion (D. C. Brown, "Decentering distortion of lenses", 1966), scaled so that the
-// middles of the four edges stay where they are and only the corners are drawn in.
+// middles of the four edges do not move and only the corners are drawn in.
 vec2 facePosition(vec2 centred, float barrel)
 {
     return centred * (1.0 + 4.0 * barrel * dot(centred, centred)) / (1.0 + barrel);
 }
 
-// How much of the pixel the face covers: a rectangle with rounded corners, by its distance.
-// `radius` and `pixel` are in picture heights.
+// The part of the pixel that the face covers, from the signed distance to a rectangle with rounded
+// corners. `radius` and `pixel` are in picture heights.
 float faceCoverage(vec2 face, float aspect, float radius, float pixel)
 {
     vec2 beyond = abs(face) * vec2(aspect, 1.0) - (vec2(0.5 * aspect, 0.5) - radius);
     float outside = length(max(beyond, 0.0)) + min(max(beyond.x, beyond.y), 0.0) - radius;
-    // Slightly more than half, for pixels along the screen's edges to be whole despite rounding.
+    // Slightly more than half: pixels along the screen's edges are fully covered despite rounding.
     return clamp(0.501 - outside / pixel, 0.0, 1.0);
 }

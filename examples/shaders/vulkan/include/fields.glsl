@@ -3,8 +3,9 @@
 // Long enough that nobody sees a pattern start over, short enough for a float.
 const uint kLoopFrames = 65536u;
 
-// The nearest of the rates that displays have. They are so far apart that a frame that comes a little
-// late or early is not taken for one of another rate, which would set the clock.
+// The nearest refresh rate of common displays. The thresholds are midway between rates, so that a
+// frame that comes a little late or early does not count as one of another rate and make the time
+// jump.
 float displayRate(float frameSeconds)
 {
     if (frameSeconds <= 0.0)
@@ -17,7 +18,7 @@ float displayRate(float frameSeconds)
                                                   : 240.0;
 }
 
-// Fields of 1/60 s that the picture has run, at any rate of the display.
+// The time that the picture has run in fields of 1/60 s, at any refresh rate.
 float fieldsShown()
 {
     return float(60u * (pc.frameCount % kLoopFrames)) / displayRate(pc.frameSeconds);

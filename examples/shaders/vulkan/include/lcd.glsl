@@ -24,21 +24,21 @@ vec3 dmgInk(float tint)
 }
 
 // The cell after `frames` frames of 1/60 s, each of which covers `rate` of the remaining difference.
-// The least speed keeps a history of few bits from stalling short of the drive.
+// A history of few bits would stop short of the drive; the minimum speed prevents that.
 vec3 followDrive(vec3 cell, vec3 drive, vec3 rate, float frames)
 {
-    const float kLeastSpeed = 0.6 / 255.0;
+    const float kMinSpeed = 0.6 / 255.0;
     vec3 covered = 1.0 - pow(1.0 - clamp(rate, 0.0, 1.0), vec3(frames));
     vec3 distanceLeft = abs(drive - cell);
-    vec3 moved = max(distanceLeft * covered, kLeastSpeed * frames);
+    vec3 moved = max(distanceLeft * covered, kMinSpeed * frames);
     return mix(cell + sign(drive - cell) * moved, drive, greaterThanEqual(moved, distanceLeft));
 }
 
-// The response of a cell: it approaches its drive exponentially, at its own rate upwards (brighter)
-// and downwards. The encoded value stands for the tilt of the molecules, whose square the light
-// follows roughly; it is the tilt that relaxes exponentially. Alpha is passed through.
+// The response of a cell: it approaches its drive exponentially, at different rates upwards
+// (brighter) and downwards. The encoded value stands for the tilt of the molecules, which relaxes
+// exponentially; the light is roughly the square of the tilt. Alpha is passed through.
 // Source: Jakeman and Raynes, "Electro-optic response times in liquid crystals", 1972.
-vec4 respondingCell(vec4 drive, vec3 last, float rise, float fall, float hdrSpeed)
+vec4 cellResponse(vec4 drive, vec3 last, float rise, float fall, float hdrSpeed)
 {
     float frames = pc.frameSeconds > 0.0 ? 60.0 * pc.frameSeconds : 1.0;
     // A bright trail is more disturbing in HDR, so time may run faster there.
@@ -54,7 +54,7 @@ float rampIntegral(float t)
     return inside * (t - 0.5 * inside);
 }
 
-// How much of first..last lies in begin..end, whose edges are ramps of width `softness`.
+// The length of first..last within begin..end, whose edges are ramps of width `softness`.
 float softOverlap(float first, float last, float begin, float end, float softness)
 {
     float scale = 1.0 / softness;
@@ -65,7 +65,7 @@ float softOverlap(float first, float last, float begin, float end, float softnes
     return (rise - fall) * softness;
 }
 
-// How much of first..last lies in begin..end, per axis.
+// The length of first..last within begin..end, per axis.
 vec2 overlap(vec2 first, vec2 last, vec2 begin, vec2 end)
 {
     return max(min(last, end) - max(first, begin), 0.0);

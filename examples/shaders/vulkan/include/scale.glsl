@@ -1,6 +1,6 @@
-// What the passes of the edge-directed scaler hand on: in each channel a level, 0..4, of one corner
-// of the pixel (upper left, upper right, lower right, lower left) and a flag. These are small
-// integers, which RGBA16F holds exactly.
+// What the passes of the edge-directed scaler write: in each channel the level, 0..4, of one corner
+// of the pixel (upper left, upper right, lower right, lower left) and a flag. RGBA16F holds these
+// small integers exactly.
 const int kFullLevel = 4;
 const int kFlagBit = 8;
 
@@ -25,20 +25,21 @@ int cornerTowards(ivec2 direction)
     return direction.y < 0 ? (direction.x < 0 ? 0 : 1) : (direction.x > 0 ? 2 : 3);
 }
 
-// A texel, or nothing beyond the edge of the picture.
-vec4 fetchOrNothing(sampler2D image, ivec2 at)
+// A texel, or zeros beyond the edge of the picture.
+vec4 fetchOrZero(sampler2D image, ivec2 at)
 {
     ivec2 size = textureSize(image, 0);
     bool inside = all(greaterThanEqual(at, ivec2(0))) && all(lessThan(at, size));
     return inside ? texelFetch(image, at, 0) : vec4(0.0);
 }
 
-// What the last pass gets for a side of a pixel: from each of the side's ends a wedge of another
-// colour may reach in. The edge falls from half a pixel at the step, `away` pixels beyond this
-// pixel's end, to nothing after half of `run` pixels.
-const int kLongestRun = 6;
-const int kFarthestStep = 2;
-const int kWedgeCodes = 1 + kLongestRun * (kFarthestStep + 1);
+// What the last pass reads for each side of a pixel. From either end of the side a wedge of the
+// neighbour's colour may reach into the pixel. The wedge is half a pixel high at the edge's step,
+// which is `away` pixels beyond this pixel's end, and its height falls to 0 after half of `run`
+// pixels.
+const int kMaxRun = 6;
+const int kMaxStepDistance = 2;
+const int kWedgeCodes = 1 + kMaxRun * (kMaxStepDistance + 1);
 
 struct Wedge
 {
@@ -51,17 +52,17 @@ const Wedge kNoWedge = Wedge(0, 0, 0);
 
 int wedgeCode(Wedge wedge)
 {
-    return wedge.run > 0 ? 1 + (wedge.run - 1) * (kFarthestStep + 1) + wedge.away : 0;
+    return wedge.run > 0 ? 1 + (wedge.run - 1) * (kMaxStepDistance + 1) + wedge.away : 0;
 }
 
 Wedge wedgeOf(int code, int level)
 {
     int index = max(code - 1, 0);
-    int run = code > 0 ? 1 + index / (kFarthestStep + 1) : 0;
-    return Wedge(run, index % (kFarthestStep + 1), level);
+    int run = code > 0 ? 1 + index / (kMaxStepDistance + 1) : 0;
+    return Wedge(run, index % (kMaxStepDistance + 1), level);
 }
 
-// Below 2048 in magnitude; the sign says whether the edge is blended.
+// Both wedges as one number below 2048. It is negative if the edge is to be blended.
 float packSide(Wedge first, Wedge second, bool smoothed)
 {
     int level = max(max(first.level, second.level), 1) - 1;
