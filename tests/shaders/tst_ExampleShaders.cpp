@@ -1,5 +1,4 @@
 #include <FirstPartyPresets.h>
-#include <PresetCompiler.h>
 
 #include "TestSupport.h"
 
@@ -9,21 +8,11 @@
 using namespace Qt::StringLiterals;
 using namespace FirstPartyPresetSource;
 
-// That the shipped components say what their presets' graphs need.
+// The sources of the components: each is used, and names its slots as they are.
 
 namespace {
 
 const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
-
-using Inputs = QList<QList<int>>; // per pass, in binding order
-
-const PresetDecl &presetNamed(std::string_view name)
-{
-    const auto *const found = std::ranges::find(kPresets, name, &PresetDecl::name);
-    if (found == std::end(kPresets))
-        qFatal("no such preset");
-    return *found;
-}
 
 // The parameter ids that the component's text declares, sorted; a .frag file declares none itself.
 QStringList declaredIds(const QString &source)
@@ -48,10 +37,6 @@ private Q_SLOTS:
     void everyComponentIsThere();
     void slotsFollowTheSortedIds_data();
     void slotsFollowTheSortedIds();
-    void sampledInputs_data();
-    void sampledInputs();
-    void everyParameterIsBound_data();
-    void everyParameterIsBound();
 };
 
 void TestExampleShaders::everyComponentIsThere()
@@ -105,62 +90,6 @@ void TestExampleShaders::slotsFollowTheSortedIds()
     }
     QCOMPARE(defined, ids);
     QCOMPARE(source.count(u"pc.params["_s), ids.size());
-}
-
-void TestExampleShaders::sampledInputs_data()
-{
-    QTest::addColumn<Inputs>("expected");
-    const Inputs crt = {{-2}, {0},  {1},  {2},  {3},  {4, 0}, {5}, {6, -1},         {7}, {8, -1},
-                        {9},  {10}, {11}, {12}, {13}, {14},   {},  {16, 9, 12, 15}, {17}};
-    for (const char *name : {"crt-pvm", "crt-bvm", "crt-arcade", "crt-pc", "crt-bw"})
-        QTest::newRow(name) << crt;
-    QTest::newRow("crt-consumer") << Inputs(
-            {{-2},    {0},  {1},  {2},  {3},  {4},  {5, 1}, {6}, {7, -1},          {8},
-             {9, -1}, {10}, {11}, {12}, {13}, {14}, {15},   {},  {17, 10, 13, 16}, {18}});
-    QTest::newRow("gba-lcd") << Inputs({{-2}, {0, -1}, {1}, {2}});
-    QTest::newRow("gameboy-lcd") << Inputs({{-2}, {0, -1}, {1}, {2}});
-    QTest::newRow("dmg-lcd") << Inputs({{-2}, {0, -1}, {1}, {2}, {3, 2}, {4}});
-    QTest::newRow("no-pixels") << Inputs({{-2}, {0}, {1}, {2, 1}, {3}, {4, 0}, {5}, {6}});
-    QTest::newRow("rewind") << Inputs({{-2}, {0}, {1}});
-    QTest::newRow("stock") << Inputs({{-2}, {0}});
-}
-
-void TestExampleShaders::sampledInputs()
-{
-    QFETCH(Inputs, expected);
-    const PresetDecl &preset = presetNamed(QTest::currentDataTag());
-    VulkanRenderGraph graph;
-    QVERIFY(compilePreset(kShadersDir, preset, graph));
-    Inputs inputs;
-    for (const VulkanRenderGraph::Pass &pass : std::as_const(graph.passes)) {
-        QList<int> &list = inputs.emplaceBack();
-        for (const VulkanRenderGraph::ResourceRef &input : pass.sampledInputs)
-            list.append(input.passIndex);
-    }
-    QCOMPARE(inputs, expected);
-}
-
-void TestExampleShaders::everyParameterIsBound_data()
-{
-    QTest::addColumn<const PresetDecl *>("preset");
-    for (const PresetDecl &preset : kPresets)
-        QTest::newRow(preset.name) << &preset;
-}
-
-void TestExampleShaders::everyParameterIsBound()
-{
-    QFETCH(const PresetDecl *, preset);
-    VulkanRenderGraph graph;
-    QVERIFY(compilePreset(kShadersDir, *preset, graph));
-    QSet<QString> bound;
-    for (const VulkanRenderGraph::Pass &pass : std::as_const(graph.passes)) {
-        for (const VulkanRenderGraph::PushConstantParam &param : pass.params)
-            bound.insert(param.id);
-    }
-    for (const PassDecl &pass : passesOf(*preset)) {
-        for (const ParamDecl &param : paramsOf(pass))
-            QVERIFY2(bound.contains(QString::fromLatin1(param.id)), param.id);
-    }
 }
 
 QTEST_APPLESS_MAIN(TestExampleShaders)
