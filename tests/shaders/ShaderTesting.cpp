@@ -238,6 +238,14 @@ double decoded(double signal)
     return std::pow(signal, 2.2);
 }
 
+bool isNear(double value, double expected, double within)
+{
+    if (std::fabs(value - expected) < within)
+        return true;
+    qWarning("%.8g is not within %g of %.8g", value, within, expected);
+    return false;
+}
+
 PresetDrawing::PresetDrawing(const PresetEntry &preset) : m_renderer(rendererOf(preset))
 {
     m_renderer.resetHistories();

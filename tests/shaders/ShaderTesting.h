@@ -6,8 +6,8 @@
 
 #include <functional>
 
-// What the tests of the example shaders ask of the renderer, on a software device: it gives the
-// same numbers on every machine. Whatever fails ends the program.
+// Draws components and presets for the tests of the example shaders, on a software device: it gives
+// the same numbers on every machine. An error ends the program.
 
 // A picture as a pass's declaration wants it sampled.
 struct SampledPicture
@@ -20,6 +20,26 @@ struct SampledPicture
 
 using Params = QHash<QString, float>;
 using Tweak = std::function<void(FrameState &)>;
+
+// Neutral values of components that several tests draw.
+inline const Params kComposite = {{QStringLiteral("composite_strength"), 1.0F},
+                                  {QStringLiteral("composite_sharp"), 0.6F},
+                                  {QStringLiteral("composite_chroma"), 1.1F},
+                                  {QStringLiteral("composite_chroma_delay"), 0.0F},
+                                  {QStringLiteral("composite_chroma_gain"), 1.0F},
+                                  {QStringLiteral("composite_chroma_vertical"), 0.0F}};
+inline const Params kLinearize = {{QStringLiteral("crt_gamma_out"), 2.4F},
+                                  {QStringLiteral("gun_cutoff"), 0.0F},
+                                  {QStringLiteral("color_saturation"), 1.0F},
+                                  {QStringLiteral("desaturate"), 0.0F}};
+inline const Params kScanline = {
+        {QStringLiteral("beam_min"), 0.1F},          {QStringLiteral("beam_max"), 0.1F},
+        {QStringLiteral("rgb_beam"), 1.0F},          {QStringLiteral("raster_lines"), 0.0F},
+        {QStringLiteral("raster_offset"), 0.0F},     {QStringLiteral("raster_interlace"), 0.0F},
+        {QStringLiteral("conv_rx"), 0.0F},           {QStringLiteral("conv_ry"), 0.0F},
+        {QStringLiteral("conv_bx"), 0.0F},           {QStringLiteral("conv_by"), 0.0F},
+        {QStringLiteral("barrel_distortion"), 0.0F}, {QStringLiteral("corner_radius"), 0.0F},
+        {QStringLiteral("overscan"), 0.0F}};
 
 constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
 
@@ -55,6 +75,9 @@ double mean(const Picture &picture, std::size_t channel);
 // Between light and the presets' signal.
 double encoded(double light);
 double decoded(double signal);
+
+// Whether a measured value is as expected; tells it if not.
+bool isNear(double value, double expected, double within);
 
 // Draws a whole preset as the golden manifest has it, with the modules that the build compiled.
 // There is one picture of each preset at a time: a new one forgets the last one's history.

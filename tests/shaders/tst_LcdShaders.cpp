@@ -221,7 +221,7 @@ void TestLcdShaders::cellsTakeTheirTimeAtAnyRate()
     PresetDrawing settled(preset); // forgets the history
     const double end = cell(after);
     const double left = (now - end) / (start - end);
-    QVERIFY2(std::fabs(left - expected) < within, QByteArray::number(left).constData());
+    QVERIFY(isNear(left, expected, within));
 }
 
 // Light in, light out, through clear filters but for the last row.
@@ -258,8 +258,7 @@ void TestLcdShaders::gamutExpansion()
                                     {u"GBC_GAMUT"_s, gamut},
                                     {u"LCD_COLOR_PROFILE"_s, 1.0F}});
     for (std::size_t c = 0; c < 3; ++c) {
-        QVERIFY2(std::fabs(lightAt(panel, 0, 0, c) - expected[c]) < 1e-4,
-                 QByteArray::number(lightAt(panel, 0, 0, c)).constData());
+        QVERIFY(isNear(lightAt(panel, 0, 0, c), expected[c], 1e-4));
     }
 }
 
@@ -295,7 +294,7 @@ void TestLcdShaders::panelMeanBrightness()
         for (const Pixel &pixel : shown.pixels)
             light += decoded(double(pixel[c]));
         light /= double(shown.pixels.size());
-        QVERIFY2(std::fabs(light - expected) < 2e-3, QByteArray::number(light).constData());
+        QVERIFY(isNear(light, expected, 2e-3));
     }
 }
 
@@ -324,7 +323,7 @@ void TestLcdShaders::spillBlursApertures()
         wide += light;
     }
     QVERIFY2(std::abs(partly - 2 * ramp) <= 1, QByteArray::number(partly).constData());
-    QVERIFY2(std::fabs(wide - 24.0) < 0.01, QByteArray::number(wide).constData());
+    QVERIFY(isNear(wide, 24.0, 0.01));
 }
 
 // Of white through apertures of a fifth the surface scatters up to half.
@@ -346,10 +345,8 @@ void TestLcdShaders::diffusionFillsTheGaps()
     const Picture white = grey({3, 1}, 1.0F);
     const Picture shown = evaluate(u"gba-subpixel"_s, {{.picture = &white}}, {360, 4},
                                    with(kBareSubpixel, {{u"lcd_diffuse"_s, diffuse}}));
-    QVERIFY2(std::fabs(lightAt(shown, 180, 2, 1) - most) < 1e-3,
-             QByteArray::number(lightAt(shown, 180, 2, 1)).constData());
-    QVERIFY2(std::fabs(lightAt(shown, 125, 2, 1) - least) < 1e-3,
-             QByteArray::number(lightAt(shown, 125, 2, 1)).constData());
+    QVERIFY(isNear(lightAt(shown, 180, 2, 1), most, 1e-3));
+    QVERIFY(isNear(lightAt(shown, 125, 2, 1), least, 1e-3));
 }
 
 // Of what is scattered 1 - 0.75^2 leaves the pixel; nothing is lost.
@@ -379,8 +376,8 @@ void TestLcdShaders::diffusionReachesTheNeighbours()
             own += x / 8 == 2 && y / 8 == 2 ? lightAt(shown, x, y) / 64.0 : 0.0;
         }
     }
-    QVERIFY2(std::fabs(all - 1.0) < 1e-3, QByteArray::number(all).constData());
-    QVERIFY2(std::fabs(all - own - outside) < 1e-3, QByteArray::number(all - own).constData());
+    QVERIFY(isNear(all, 1.0, 1e-3));
+    QVERIFY(isNear(all - own, outside, 1e-3));
 }
 
 // How far each colour's light swings between its stripe and the others, on grey and on white.
@@ -426,7 +423,7 @@ void TestLcdShaders::crosstalkMovesLightAlongItsColumnOnly()
         for (int x = 0; x < 5; ++x)
             (x == 2 ? column : elsewhere) += double(result.at(x, y)[0]);
     }
-    QVERIFY(std::fabs(column - 1.0) < 1e-4);
+    QVERIFY(isNear(column, 1.0, 1e-4));
     QCOMPARE(elsewhere, 0.0);
     QVERIFY(result.at(2, 41)[0] > 0.05F);
 }
@@ -449,9 +446,9 @@ void TestLcdShaders::shadowMovesByTheGap()
             momentY += missing * (y - 10);
         }
     }
-    QVERIFY(std::fabs(sum - (decoded(0.665) - decoded(0.184))) < 1e-4);
-    QVERIFY2(std::fabs(momentX / sum - 2.5) < 1e-2, QByteArray::number(momentX / sum).constData());
-    QVERIFY(std::fabs(momentY / sum - 2.5) < 1e-2);
+    QVERIFY(isNear(sum, (decoded(0.665) - decoded(0.184)), 1e-4));
+    QVERIFY(isNear(momentX / sum, 2.5, 1e-2));
+    QVERIFY(isNear(momentY / sum, 2.5, 1e-2));
 }
 
 // The mean light of dark cells, and that in the middle of a cell and of a gap.
@@ -476,13 +473,11 @@ void TestLcdShaders::gapsBetweenGreyCells()
     const double dark = (1.0 - double(gap)) * (1.0 - double(gap));
     const double expected = dark * ink + (1.0 - dark) * glass;
     // Where a footprint is narrowed to 4 cells it counts some less than others.
-    QVERIFY2(std::fabs(meanLight(shown) - expected) < 1e-4,
-             QByteArray::number(meanLight(shown)).constData());
+    QVERIFY(isNear(meanLight(shown), expected, 1e-4));
     if (viewport == QSize(80, 60)) {
-        QVERIFY(std::fabs(lightAt(shown, 45, 25) - ink) < 1e-4);
+        QVERIFY(isNear(lightAt(shown, 45, 25), ink, 1e-4));
         const double corner = gap > 0.0F ? glass : ink;
-        QVERIFY2(std::fabs(lightAt(shown, 40, 20) - corner) < 1e-4,
-                 QByteArray::number(lightAt(shown, 40, 20)).constData());
+        QVERIFY(isNear(lightAt(shown, 40, 20), corner, 1e-4));
     }
 }
 
@@ -523,10 +518,10 @@ void TestLcdShaders::greyCellsStandInTheirPlaces()
         }
     }
     const double shade = sum * pixel.width() * pixel.height();
-    QVERIFY2(std::fabs(shade - 0.383443) < 1e-3, QByteArray::number(shade).constData());
+    QVERIFY(isNear(shade, 0.383443, 1e-3));
     const double within = 0.3 * std::max(pixel.width(), 0.02); // of where the pixels happen to lie
-    QVERIFY2(std::fabs(momentX / sum - x) < within, QByteArray::number(momentX / sum).constData());
-    QVERIFY2(std::fabs(momentY / sum - y) < within, QByteArray::number(momentY / sum).constData());
+    QVERIFY(isNear(momentX / sum, x, within));
+    QVERIFY(isNear(momentY / sum, y, within));
 }
 
 // Light of clear cells before a shadow that is dark everywhere: 0.407575 without any.
@@ -549,8 +544,7 @@ void TestLcdShaders::shadowHasItsOpacity()
     const Picture shown =
             grid(Picture({6, 5}, kGlass), Picture({6, 5}, kInk), {60, 50},
                  {{u"dmg_shadow_strength"_s, strength}, {u"dmg_shadow_offset"_s, offset}});
-    QVERIFY2(std::fabs(lightAt(shown, 31, 22) - expected) < 1e-4,
-             QByteArray::number(lightAt(shown, 31, 22)).constData());
+    QVERIFY(isNear(lightAt(shown, 31, 22), expected, 1e-4));
 }
 
 // Light beside the cells, at a distance of so many of them.
@@ -575,8 +569,7 @@ void TestLcdShaders::marginFades()
     const Picture shown = grid(clear, clear, {300, 30},
                                {{u"dmg_panel_margin"_s, 12.0F}, {u"dmg_margin_gain"_s, gain}});
     const int x = int((12.0 - beyond) * 10.0);
-    QVERIFY2(std::fabs(lightAt(shown, x, 15) - expected) < 3e-3,
-             QByteArray::number(lightAt(shown, x, 15)).constData());
+    QVERIFY(isNear(lightAt(shown, x, 15), expected, 3e-3));
 }
 
 // The standard deviation of the light: of values in -1..1 that are blended from four, 0.385.
@@ -603,10 +596,8 @@ void TestLcdShaders::grain()
     for (const Pixel &pixel : shown.pixels)
         square += std::pow(decoded(double(pixel[0])) - average, 2.0);
     const double deviation = std::sqrt(square / double(shown.pixels.size())) / average;
-    QVERIFY2(std::fabs(average - 0.407575) < 0.01 * double(strength) + 1e-4,
-             QByteArray::number(average).constData());
-    QVERIFY2(std::fabs(deviation - 0.385 * double(strength)) < 0.03 * double(strength) + 1e-4,
-             QByteArray::number(deviation).constData());
+    QVERIFY(isNear(average, 0.407575, 0.01 * double(strength) + 1e-4));
+    QVERIFY(isNear(deviation, 0.385 * double(strength), 0.03 * double(strength) + 1e-4));
 }
 
 void TestLcdShaders::scalerKeepsStraightEdges_data()
@@ -704,7 +695,7 @@ void TestLcdShaders::resamplerEncodesLight()
     const Picture light = noise({24, 18});
     const Picture shown = evaluate(u"smooth-resample"_s, {{.picture = &light}}, light.size);
     for (std::size_t i = 0; i < light.pixels.size(); ++i)
-        QVERIFY(std::fabs(decoded(double(shown.pixels[i][0])) - double(light.pixels[i][0])) < 1e-4);
+        QVERIFY(isNear(decoded(double(shown.pixels[i][0])), double(light.pixels[i][0]), 1e-4));
 }
 
 void TestLcdShaders::resamplerAveragesWhenShrinking()
@@ -716,7 +707,7 @@ void TestLcdShaders::resamplerAveragesWhenShrinking()
             double light = 0.0;
             for (int i = 0; i < 18; ++i)
                 light += double(picture.at(3 * x + i % 3, 6 * y + i / 3)[1]);
-            QVERIFY(std::fabs(decoded(double(small.at(x, y)[1])) - light / 18.0) < 1e-4);
+            QVERIFY(isNear(decoded(double(small.at(x, y)[1])), light / 18.0, 1e-4));
         }
     }
     // Nothing rings: enlarging a step stays within its levels.

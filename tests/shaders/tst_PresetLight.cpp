@@ -146,7 +146,7 @@ void TestPresetLight::lightIsKept()
     const Picture shown =
             drawing.draw(grey(kSource, float(encoded(level))), stateOf(*preset, isHdr));
     const double kept = luminance(lightOf(shown, isHdr)) / level;
-    QVERIFY2(std::fabs(kept / stated - 1.0) < 0.03, QByteArray::number(kept).constData());
+    QVERIFY(isNear(kept / stated, 1.0, 0.03));
 }
 
 // CIE 15's daylight at color_temperature's place between D65 and D93 in reciprocal temperature, and
@@ -181,8 +181,8 @@ void TestPresetLight::whiteIsOfItsColour()
     const double bigY = 0.2126390 * red + 0.7151687 * green + 0.0721923 * blue;
     const double bigZ = 0.0193308 * red + 0.1191948 * green + 0.9505322 * blue;
     const double sum = bigX + bigY + bigZ;
-    QVERIFY2(std::fabs(bigX / sum - x) < 0.003, QByteArray::number(bigX / sum).constData());
-    QVERIFY2(std::fabs(bigY / sum - y) < 0.003, QByteArray::number(bigY / sum).constData());
+    QVERIFY(isNear(bigX / sum, x, 0.003));
+    QVERIFY(isNear(bigY / sum, y, 0.003));
 }
 
 // At the presets' own values full white has .79 of the light of a small patch, as long as the
@@ -208,7 +208,7 @@ void TestPresetLight::fullWhiteIsLimited()
         return luminance(lightOf(settled.draw(whitePatch(reach), state), true, 0.05));
     };
     const double share = centre(0.5) / centre(0.15);
-    QVERIFY2(std::fabs(share - 0.794) < 0.012, QByteArray::number(share).constData());
+    QVERIFY(isNear(share, 0.794, 0.012));
 }
 
 // White comes up at full screen: after the time t its gain is 0.794 + 0.206 exp(-t / 0.25 s),
@@ -242,9 +242,9 @@ void TestPresetLight::limiterTakesItsTime()
     for (int frame = 0; frame < rate; ++frame)
         shares.append(next(white) / settled * 0.793701);
     const auto after = [&](double seconds) { return shares.at(qRound(seconds * rate) - 1); };
-    QVERIFY2(std::fabs(after(0.1) - 0.932) < 0.008, QByteArray::number(after(0.1)).constData());
-    QVERIFY2(std::fabs(after(0.5) - 0.8216) < 0.008, QByteArray::number(after(0.5)).constData());
-    QVERIFY2(std::fabs(after(1.0) - 0.7975) < 0.008, QByteArray::number(after(1.0)).constData());
+    QVERIFY(isNear(after(0.1), 0.932, 0.008));
+    QVERIFY(isNear(after(0.5), 0.8216, 0.008));
+    QVERIFY(isNear(after(1.0), 0.7975, 0.008));
 }
 
 QTEST_GUILESS_MAIN(TestPresetLight)

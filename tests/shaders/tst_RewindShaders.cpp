@@ -123,8 +123,7 @@ void TestRewindShaders::wiggleIsAPartOfTheWidth()
     const QList<double> expected = displacements({320, 240}, 3.0F, 100);
     const QList<double> lines = displacements(size, 3.0F, 100);
     for (int line = 0; line < 240; ++line) {
-        QVERIFY2(std::fabs(lines.at(line) - expected.at(line)) < 0.05,
-                 QByteArray::number(lines.at(line) - expected.at(line)).constData());
+        QVERIFY(isNear(lines.at(line), expected.at(line), 0.05));
     }
 }
 
@@ -225,7 +224,7 @@ void TestRewindShaders::trailIsAPartOfTheWidth()
         ++x;
     const double part = (chroma(x - 1) - 0.36788) / (chroma(x - 1) - chroma(x));
     const double trail = kColumns * (x - 0.5 + part - edge) / size.width();
-    QVERIFY2(std::fabs(trail - 4.0) < 0.4, QByteArray::number(trail).constData());
+    QVERIFY(isNear(trail, 4.0, 0.4));
 }
 
 // What is left of a grating: at 2 MHz, 105 periods in a line, 3 dB less.
@@ -268,8 +267,7 @@ void TestRewindShaders::lumaBandwidth()
         before += wave * (double(picture.at(x, 1)[1]) - 0.5);
         after += wave * (double(tape.at(x, 1)[1]) - 0.5);
     }
-    QVERIFY2(std::fabs(after / before - expected) < within,
-             QByteArray::number(after / before).constData());
+    QVERIFY(isNear(after / before, expected, within));
 }
 
 void TestRewindShaders::smearLeavesLumaAlone()
@@ -279,7 +277,7 @@ void TestRewindShaders::smearLeavesLumaAlone()
     const Picture smeared = taped(picture, 0.0F, 1.0F);
     QVERIFY(difference(smeared, sharp) > 0.05F);
     for (std::size_t i = 0; i < picture.pixels.size(); ++i)
-        QVERIFY(std::fabs(luma(smeared.pixels[i]) - luma(sharp.pixels[i])) < 1e-4);
+        QVERIFY(isNear(luma(smeared.pixels[i]), luma(sharp.pixels[i]), 1e-4));
 }
 
 // The same grain over pictures of another size and aspect.
@@ -306,7 +304,7 @@ void TestRewindShaders::tapeRunsWithTheFrameCounter()
     double sum = 0.0;
     for (std::uint32_t count = 0; count < 20; ++count)
         sum += mean(frame(count, 1, 1.0F), 0);
-    QVERIFY2(std::fabs(sum / 20.0 - 0.5) < 0.01, QByteArray::number(sum / 20.0).constData());
+    QVERIFY(isNear(sum / 20.0, 0.5, 0.01));
 }
 
 // After 1.1 s.
