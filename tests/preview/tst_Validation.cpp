@@ -9,8 +9,8 @@
 
 using namespace Qt::StringLiterals;
 
-// Every preset under Vulkan's validation layer, with the validation of synchronisation: it has
-// nothing to say.
+// Draws every preset under Vulkan's validation layer with synchronization validation, which must
+// not report anything.
 
 namespace {
 
@@ -25,7 +25,7 @@ class TestValidation : public QObject
 private Q_SLOTS:
     void initTestCase();
     void cleanup();
-    void layerSpeaksUp();
+    void layerReportsHazards();
     void presetsAreClean_data();
     void presetsAreClean();
 
@@ -60,8 +60,8 @@ void TestValidation::cleanup()
     QFile::resize(m_directory.filePath(u"messages"_s), 0);
 }
 
-// Or else it was not there, and silence means nothing.
-void TestValidation::layerSpeaksUp()
+// Without this a layer that is not loaded would pass the test.
+void TestValidation::layerReportsHazards()
 {
     const vk::raii::Context context;
     const vk::raii::Instance instance(context, vk::InstanceCreateInfo());
@@ -79,7 +79,7 @@ void TestValidation::layerSpeaksUp()
     const vk::raii::CommandBuffers commands(device, {*pool, vk::CommandBufferLevel::ePrimary, 1});
     commands.front().begin(vk::CommandBufferBeginInfo());
     commands.front().fillBuffer(*buffer, 0, 16, 1);
-    commands.front().fillBuffer(*buffer, 0, 16, 2); // does not wait for the first
+    commands.front().fillBuffer(*buffer, 0, 16, 2); // without a barrier
     commands.front().end();
     QVERIFY2(messages().contains("SYNC-HAZARD-WRITE"), messages().constData());
 }

@@ -9,7 +9,7 @@
 // Draws components and presets for the tests of the example shaders, on a software device: it gives
 // the same numbers on every machine. An error ends the program.
 
-// A picture as a pass's declaration wants it sampled.
+// A picture and how a pass samples it.
 struct SampledPicture
 {
     const Picture *picture;
@@ -80,7 +80,7 @@ double decoded(double signal);
 bool isNear(double value, double expected, double within);
 
 // Draws a whole preset as the golden manifest has it, with the modules that the build compiled.
-// There is one picture of each preset at a time: a new one forgets the last one's history.
+// Only one at a time draws a preset: a new one resets the histories.
 class PresetDrawing
 {
 public:

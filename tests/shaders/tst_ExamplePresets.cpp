@@ -11,7 +11,7 @@
 using namespace Qt::StringLiterals;
 using namespace RenderGraphManifestData;
 
-// Whole presets, drawn from the manifest as a renderer does.
+// Whole presets, drawn from the manifest as by a renderer.
 
 namespace {
 
@@ -68,10 +68,10 @@ bool isFinite(const Picture &picture)
     });
 }
 
-// What else a parameter needs to be seen: it acts on something that is off by default.
-Params company(const QString &id)
+// Values of other parameters that a parameter needs to have an effect.
+Params requiredValues(const QString &id)
 {
-    static const QHash<QString, Params> kCompany = {
+    static const QHash<QString, Params> kRequired = {
             {u"mono_warmth"_s, {{u"desaturate"_s, 1.0F}}},
             {u"abl_strength"_s, {{u"abl_current_limit"_s, 0.1F}}},
             {u"signal_active_us"_s, {{u"signal_bandwidth_mhz"_s, 1.0F}}},
@@ -80,7 +80,7 @@ Params company(const QString &id)
             {u"hdr_peak"_s, {{u"crt_white"_s, 400.0F}}},
             {u"rgb_beam"_s, {{u"raster_lines"_s, 60.0F}}},
     };
-    return kCompany.value(id);
+    return kRequired.value(id);
 }
 
 bool reads(const PassEntry &pass, const char *id)
@@ -110,7 +110,7 @@ bool needsHistory(const PresetEntry &preset, const char *id)
             [id](const PassEntry &pass) { return pass.isFeedbackReader && reads(pass, id); });
 }
 
-// The range's end, but where both ends mean the same: an unlimited bandwidth.
+// The end of the range, unless both ends have the same effect: an unlimited bandwidth.
 float highestEffective(const PresetParamEntry &param)
 {
     return QString::fromUtf8(param.id) == u"signal_bandwidth_mhz"_s ? 1.0F : param.max;
@@ -131,7 +131,7 @@ void TestExamplePresets::everyParameterIsSeen_data()
 {
     QTest::addColumn<const PresetEntry *>("preset");
     QTest::addColumn<const PresetParamEntry *>("param");
-    // In the first preset of those that bind it in the same components.
+    // Of presets that bind a parameter in the same components only the first one is tested.
     QSet<QStringList> tried;
     for (const PresetEntry &preset : kPresets) {
         const QString name = QFileInfo(QString::fromUtf8(preset.presetQrcPath)).baseName();
@@ -154,7 +154,7 @@ void TestExamplePresets::everyParameterIsSeen()
     QFETCH(const PresetParamEntry *, param);
     const QString id = QString::fromUtf8(param->id);
     Params params = initialParams(*preset);
-    params.insert(company(id));
+    params.insert(requiredValues(id));
 
     params.insert(id, param->min);
     const int frames = needsHistory(*preset, param->id) ? 2 : 1;

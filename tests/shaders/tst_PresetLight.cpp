@@ -16,7 +16,7 @@ constexpr QSize kSource(20, 12); // which a raster of 240 lines shows
 constexpr QSize kViewport(132, 720); // narrow, as all that counts here is down the picture
 constexpr float kHeadroom = 4.0F;
 
-// In parts of the source's light: 18 % and 50 % of reference white, and white.
+// Relative to the source's light, at 18 %, 50 % and 100 % of reference white.
 using Kept = std::array<double, 3>;
 constexpr std::array<double, 3> kLevels = {0.18, 0.5, 1.0};
 
@@ -30,7 +30,7 @@ struct Stated
 // A table stays a table.
 // clang-format off
 
-// A row that fails prints what it measured: copy that here if the preset was meant to change.
+// A check that fails prints the measured value. Copy it here if the preset was meant to change.
 constexpr Stated kStated[] = {
     // The tubes: greys are right, but for what their gamma does (crt-pc 2.2 above a toe, crt-consumer
     // 2.5). Full white is limited to .79. In SDR bright greys and white give way to the mask, the more
@@ -61,8 +61,8 @@ FrameState stateOf(const PresetEntry &preset, bool isHdr)
             .hdrHeadroom = isHdr ? kHeadroom : 1.0F};
 }
 
-// Linear light, the mean over a part of the shown picture: what is closer to its middle than these
-// parts of its size.
+// The mean linear light of the middle of the shown picture; `reach` is half its size, relative to
+// the picture's.
 Pixel lightOf(const Picture &shown, bool isHdr, double reach = 0.25)
 {
     std::array<double, 3> sum = {};
