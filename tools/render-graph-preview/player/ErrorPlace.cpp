@@ -53,8 +53,8 @@ QString slotPlace(const QString &path, int slot)
                                            : u"the slots are "_s + ids.join(", "_L1)));
 }
 
-// The ids, each once, that are not among the others.
-QStringList without(QStringList ids, const QStringList &others)
+// The ids that are not in `others`, each once, sorted.
+QStringList difference(QStringList ids, const QStringList &others)
 {
     ids.removeDuplicates();
     ids.removeIf([&others](const QString &id) { return others.contains(id); });
@@ -72,8 +72,8 @@ QString driftPlace(const QString &path, const QList<PresetParamMeta> &parameters
     for (const PresetParamMeta &parameter : parameters)
         own.append(parameter.id);
 
-    const QStringList missing = without(own, listed);
-    const QStringList surplus = without(listed, own);
+    const QStringList missing = difference(own, listed);
+    const QStringList surplus = difference(listed, own);
     QStringList differences;
     if (!missing.isEmpty())
         differences.append("only the passes have '"_L1 + missing.join("', '"_L1) + u'\'');

@@ -5,9 +5,9 @@
 #include <QList>
 #include <QString>
 
-// What the tool's line about a component or a .glslp file leaves open: "<file>:<line>: <what>", in
-// the words of cmake/DescribeComponentError.cmake. Empty where it leaves nothing open. Takes the
-// line without the tool's name, the component that it is about, and the preset's own file and
-// parameters.
+// Finds the place in the sources that an error of the preset compiler is about, if the error does
+// not name it. `error` is without the program's name. `slangPath` is the component that failed;
+// `glslpPath` and `parameters` are the preset's. Returns "<file>:<line>: <text>", or an empty text
+// if there is nothing to add. cmake/DescribeComponentError.cmake writes the same texts.
 QString errorPlace(const QString &error, const QString &slangPath, const QString &glslpPath,
                    const QList<PresetParamMeta> &parameters);

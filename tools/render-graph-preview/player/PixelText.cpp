@@ -12,10 +12,9 @@ constexpr int kAdvance = kGlyphWidth + 1;
 struct Glyph
 {
     char character;
-    std::array<quint8, kPixelTextHeight> rows; // the leftmost pixel is the highest of five bits
+    std::array<quint8, kPixelTextHeight> rows; // five bits; the highest is the leftmost pixel
 };
 
-// A table stays a table.
 // clang-format off
 
 constexpr Glyph kGlyphs[] = {

@@ -4,11 +4,11 @@
 #include <QPoint>
 #include <QString>
 
-// Text in a 5x7 face of our own, so that the same text is the same pixels on every machine. Lower
-// case is shown as upper case, and what the face lacks as a space.
+// Text in a built-in 5x7 font, so that a text is the same pixels on every machine. Lower case is
+// drawn as upper case, and characters that the font does not have as spaces.
 inline constexpr int kPixelTextHeight = 7;
 
 int pixelTextWidth(const QString &text, int scale);
 
-// Into an image of 32 bits per pixel; what would lie outside is left out.
+// Draws into an image of 32 bits per pixel. Pixels outside the image are left out.
 void drawPixelText(QImage &image, QPoint topLeft, const QString &text, QRgb color, int scale = 1);

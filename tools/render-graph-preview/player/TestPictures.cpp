@@ -23,7 +23,6 @@ struct Ink
     QRgb color;
 };
 
-// A table stays a table.
 // clang-format off
 
 constexpr Ink kInks[] = {
@@ -32,7 +31,7 @@ constexpr Ink kInks[] = {
     {'g', qRgb(60, 136, 72)}, {'h', qRgb(32, 84, 64)},
 };
 
-// A letter is an ink, a point lets the background through.
+// A letter is an ink; '.' is transparent.
 constexpr const char *kBoat[] = {
     ".........k..........", ".........kr.........", "........kkrr........", ".......wkkrrr.......",
     "......wwkk..........", "......wwkkww........", ".....wwwkkwww.......", ".....wwwkkwwww......",
@@ -66,7 +65,7 @@ void drawSprite(QImage &image, QPoint topLeft, const char *const (&rows)[height]
     }
 }
 
-// Of two colours one by the 4x4 ordered dither; `level` from 0 to 1 is the second one's share.
+// Ordered 4x4 dither of two colours; `level` from 0 to 1 is the share of the second.
 QRgb dithered(QRgb first, QRgb second, double level, int x, int y)
 {
     static constexpr int kOrder[4][4] = {
@@ -94,7 +93,7 @@ QImage scene(QSize size, int frame)
 
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
-            // Whole blocks, so that the larger picture has the same coarse pixels.
+            // At scale 2, blocks of 2x2 pixels.
             const int column = x / scale;
             const int row = y / scale;
             QRgb color = 0;
@@ -105,7 +104,7 @@ QImage scene(QSize size, int frame)
                 const QPoint fromSun = QPoint(column * scale, row * scale) - sun;
                 if (QPoint::dotProduct(fromSun, fromSun) < sunRadius * sunRadius)
                     color = qRgb(255, 240, 176);
-                // Two ranges of hills, whose flanks are diagonals of two slopes.
+                // Two ranges of hills with diagonal slopes.
                 const double far = 0.16 * triangleWave(5.0 * column * scale / width);
                 const double near = 0.11 * triangleWave(3.3 * column * scale / width + 0.4);
                 if (row * scale > horizon - int(far * height))
@@ -115,7 +114,7 @@ QImage scene(QSize size, int frame)
             } else if (y < shore) {
                 const double depth = double(row * scale - horizon) / (shore - horizon);
                 color = dithered(qRgb(96, 104, 168), qRgb(32, 44, 104), depth, column, row);
-                // The sun on the waves, which run with the frames.
+                // The sun's reflection on moving waves.
                 const int reach = sunRadius * (2 + int(triangleWave(0.37 * row + 0.1 * frame) * 3));
                 if ((row + frame / 8) % 3 == 0 && std::abs(column * scale - sun.x()) < reach / 3)
                     color = qRgb(248, 196, 120);
@@ -166,8 +165,8 @@ QImage scene(QSize size, int frame)
     return image;
 }
 
-// The card: from the top bars, a ramp above steps, a sweep of vertical and of horizontal detail,
-// and a grid with a circle, diagonals and a frame.
+// The test card, from the top: colour bars, a grey ramp, grey steps, a frequency sweep, stripes,
+// and a grid with a circle and diagonals. A white frame surrounds it.
 
 QRgb grey(double level)
 {
@@ -195,12 +194,12 @@ QRgb cardPixel(int x, int y, QSize size)
         return grey(step / 15.0);
     }
     if (row < 7) {
-        // From one period over the width's eighth to the finest that pixels hold.
+        // A frequency sweep up to one period per two pixels.
         const double phase = 4.0 * x / width + (0.5 * width - 4.0) * x * x / (2.0 * width * width);
         return grey(0.5 + 0.5 * std::cos(2.0 * std::numbers::pi * phase));
     }
     if (row < 9) {
-        // Stripes of 1, 2, 3 and 4 pixels: upright, lying, checked, diagonal.
+        // Stripes of 1, 2, 3 and 4 pixels: vertical, horizontal, checked, diagonal.
         const int field = 16 * x / width;
         const int pitch = field % 4 + 1;
         const int patterns[] = {x / pitch, y / pitch, x / pitch + y / pitch, (x + y) / pitch};
@@ -225,10 +224,10 @@ QRgb cardPixel(int x, int y, QSize size)
     return qRgb(48, 64, 96);
 }
 
-// The photo: spheres on a plain under a hazy sky, without an edge that a pixel grid made.
+// The photo-like scene: spheres on a plain under a hazy sky, antialiased.
 
-// A number from 0 to 1 that looks like chance and is always the same.
-double chance(int x, int y)
+// A pseudo-random number from 0 to 1.
+double hashNoise(int x, int y)
 {
     quint32 hash = quint32(x) * 0x9e3779b1U ^ quint32(y) * 0x85ebca77U;
     hash = (hash ^ hash >> 15) * 0x2c1b3c6dU;
@@ -243,8 +242,8 @@ double smoothNoise(double x, double y)
     const auto eased = [](double t) { return t * t * (3.0 - 2.0 * t); };
     const double u = eased(x - left);
     const double v = eased(y - top);
-    return std::lerp(std::lerp(chance(left, top), chance(left + 1, top), u),
-                     std::lerp(chance(left, top + 1), chance(left + 1, top + 1), u), v);
+    return std::lerp(std::lerp(hashNoise(left, top), hashNoise(left + 1, top), u),
+                     std::lerp(hashNoise(left, top + 1), hashNoise(left + 1, top + 1), u), v);
 }
 
 double cloudiness(double x, double y)
@@ -265,8 +264,8 @@ Light mixed(const Light &a, const Light &b, double share)
 
 struct Sphere
 {
-    double x; // of the height, from the middle
-    double y; // from the top
+    double x; // in heights of the picture, from the middle
+    double y; // in heights, from the top
     double radius;
     Light color;
 };
@@ -322,7 +321,8 @@ QRgb photoPixel(int x, int y, QSize size)
             photoLight((x + 0.5 - 0.5 * size.width()) / size.height(), (y + 0.5) / size.height());
     const auto encoded = [&](std::size_t c) {
         const double value = std::pow(std::clamp(light[c], 0.0, 1.0), 1.0 / 2.2);
-        return int(std::clamp(255.0 * value + 5.0 * (chance(x, 3 * y + int(c)) - 0.5), 0.0, 255.0));
+        return int(
+                std::clamp(255.0 * value + 5.0 * (hashNoise(x, 3 * y + int(c)) - 0.5), 0.0, 255.0));
     };
     return qRgb(encoded(0), encoded(1), encoded(2));
 }
@@ -338,21 +338,21 @@ QImage still(QSize size, PixelAt pixelAt)
     return image;
 }
 
-struct Motif
+struct TestPicture
 {
     const char *name;
     QImage (*draw)(QSize size, int frame);
 };
 
-constexpr Motif kMotifs[] = {
+constexpr TestPicture kTestPictures[] = {
         {"scene", scene},
         {"card", [](QSize size, int /*frame*/) { return still(size, cardPixel); }},
         {"photo", [](QSize size, int /*frame*/) { return still(size, photoPixel); }},
 };
 
-QString nameOf(const Motif &motif, QSize size)
+QString nameOf(const TestPicture &picture, QSize size)
 {
-    return u"%1-%2x%3"_s.arg(QLatin1StringView(motif.name)).arg(size.width()).arg(size.height());
+    return u"%1-%2x%3"_s.arg(QLatin1StringView(picture.name)).arg(size.width()).arg(size.height());
 }
 
 } // namespace
@@ -360,19 +360,19 @@ QString nameOf(const Motif &motif, QSize size)
 QStringList testPictureNames()
 {
     QStringList names;
-    for (const Motif &motif : kMotifs) {
+    for (const TestPicture &picture : kTestPictures) {
         for (const QSize size : kSizes)
-            names.append(nameOf(motif, size));
+            names.append(nameOf(picture, size));
     }
     return names;
 }
 
 QImage testPicture(const QString &name, int frame)
 {
-    for (const Motif &motif : kMotifs) {
+    for (const TestPicture &picture : kTestPictures) {
         for (const QSize size : kSizes) {
-            if (nameOf(motif, size) == name)
-                return motif.draw(size, frame);
+            if (nameOf(picture, size) == name)
+                return picture.draw(size, frame);
         }
     }
     return {};

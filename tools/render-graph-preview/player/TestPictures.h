@@ -4,10 +4,10 @@
 #include <QString>
 #include <QStringList>
 
-// Source pictures drawn by code: a pixel-art scene ("scene"), a test card ("card") and a photo-like
-// scene ("photo"), each in the sizes that the presets are made for. "scene-320x240" is one name.
+// Source pictures that are drawn by code: a pixel-art scene ("scene"), a test card ("card") and a
+// photo-like scene ("photo"), each in several sizes. "scene-320x240" is a name.
 QStringList testPictureNames();
 
-// As the frame of that number shows it: in the scene a part moves, the others stand still. Null if
-// no picture has the name.
+// A frame of a test picture. The scene is animated, the others are still. Null if no picture has
+// the name.
 QImage testPicture(const QString &name, int frame = 0);
