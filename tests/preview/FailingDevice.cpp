@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <cstring>
 
-// A Vulkan layer under which the device's function that FAILING_CALL names at that moment fails:
-// vkQueueSubmit for a device that is lost, and stays it, or vkAllocateMemory for one that has no
-// memory.
+// A Vulkan layer that makes the device function named by FAILING_CALL fail, for as long as the
+// variable is set: vkQueueSubmit, after which the device stays lost, or vkAllocateMemory, as if out
+// of memory.
 
 namespace {
 
@@ -23,7 +23,7 @@ bool isFailing(const char *name)
     return failing != nullptr && std::strcmp(name, failing) == 0;
 }
 
-// The link to the next layer, in the chain behind what the loader passes on.
+// Finds the link to the next layer in the structures that the loader chains to `chain`.
 template<typename Info>
 Info *linkOf(const void *chain, VkStructureType type)
 {
