@@ -1,5 +1,4 @@
-#include <GraphRenderer.h>
-
+#include "DrawingSupport.h"
 #include "TestSupport.h"
 
 #include <QElapsedTimer>
@@ -10,58 +9,35 @@
 
 using namespace Qt::StringLiterals;
 
-// The renderer's own part: what is drawn when, and what it says when it cannot. What the shaders
-// compute is tested with them.
+// The renderer itself: which passes it draws when, histories, sizes, times and errors. The tests of
+// the shaders check what is drawn.
 
 namespace {
 
 using Kind = PassResult::Kind;
 
-const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
-
-PresetOnDisk loaded(const QString &name)
-{
-    PresetOnDisk preset = loadPreset(kShadersDir, name);
-    if (!preset.error.isEmpty())
-        qFatal("%s", qPrintable(preset.error));
-    return preset;
-}
-
-// A software device: it is there wherever the tests run.
-std::unique_ptr<GraphRenderer> softwareRenderer()
-{
-    QString error;
-    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
-    for (int number = 0; number < devices.size(); ++number) {
-        if (devices.at(number).isSoftware)
-            return GraphRenderer::create(QString::number(number), error);
-    }
-    qFatal("no software device %s", qPrintable(error));
-}
-
-// A renderer with a preset and a source; what fails ends the program.
-class Drawing
+// A renderer with a preset and a source.
+class PresetRenderer
 {
 public:
-    explicit Drawing(const QString &preset, const Picture &source) : m_preset(loaded(preset))
+    explicit PresetRenderer(const QString &preset, const FloatImage &source)
+        : m_preset(examplePreset(preset))
     {
         state.params = initialValues(m_preset.parameters);
         check(renderer->setGraph(m_preset.graph, m_preset.modules, m_error));
         setSource(source);
     }
-    void setSource(const Picture &source)
+    void setSource(const FloatImage &source)
     {
-        check(renderer->setSource(source, m_error));
+        check(renderer->setSource(source.toImage(), m_error));
     }
     void draw()
     {
         check(renderer->drawFrame(state, m_error));
     }
-    Picture output(int index)
+    FloatImage output(int index) const
     {
-        const std::optional<Picture> picture = renderer->output(index, m_error);
-        check(picture.has_value());
-        return *picture;
+        return outputOf(*renderer, index);
     }
     int indexOf(const QString &component) const
     {
@@ -90,8 +66,8 @@ private:
     QString m_error;
 };
 
-const Picture kWhite({4, 3}, {1.0F, 1.0F, 1.0F, 1.0F});
-const Picture kBlack({4, 3});
+const FloatImage kWhite({4, 3}, {1.0F, 1.0F, 1.0F, 1.0F});
+const FloatImage kBlack({4, 3});
 
 } // namespace
 
@@ -101,7 +77,6 @@ class TestGraphRenderer : public QObject
 
 private Q_SLOTS:
     void devices();
-    void deviceErrors();
     void frameErrors();
     void brokenGraphLeavesTheLastOne();
     void outputsHaveTheirSizes_data();
@@ -110,42 +85,35 @@ private Q_SLOTS:
     void historyIsOfTheLastFrame();
     void cachedPassIsDrawnWhenAParameterChanges();
     void constantBlackIsNotDrawn();
-    void drawnPassesTellTheirTime();
+    void drawnPassesAreTimed();
     void memoryGrowsWithTheViewport();
 };
 
 void TestGraphRenderer::devices()
 {
     QString error;
-    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
-    QCOMPARE(error, QString());
-    QVERIFY(!devices.isEmpty());
-    // By nothing, number, and a part of the name in other letters.
+    QList<GraphRenderer::DeviceInfo> devices;
+    QVERIFY2(GraphRenderer::devices(devices, error), qPrintable(error));
     const QString name = devices.first().name;
     for (const QString &choice : {QString(), u"0"_s, name.toUpper(), name.left(4).toLower()}) {
-        const auto renderer = GraphRenderer::create(choice, error);
-        QVERIFY2(renderer, qPrintable(error));
+        std::unique_ptr<GraphRenderer> renderer;
+        QVERIFY2(GraphRenderer::create(choice, renderer, error), qPrintable(error));
         QCOMPARE(renderer->device().name, name);
     }
-}
 
-void TestGraphRenderer::deviceErrors()
-{
-    QString unused;
-    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(unused);
     QStringList listed;
-    for (const GraphRenderer::DeviceInfo &device : devices)
+    for (const GraphRenderer::DeviceInfo &device : std::as_const(devices))
         listed.append(u"%1: %2"_s.arg(QString::number(listed.size()), device.name));
     for (const QString &choice : {u"abacus"_s, u"-1"_s, QString::number(devices.size())}) {
-        QString error;
-        QVERIFY(!GraphRenderer::create(choice, error));
+        std::unique_ptr<GraphRenderer> renderer;
+        QVERIFY(!GraphRenderer::create(choice, renderer, error));
         QCOMPARE(error, u"no Vulkan device '%1'; there are %2"_s.arg(choice, listed.join(u", "_s)));
     }
 }
 
 void TestGraphRenderer::frameErrors()
 {
-    const PresetOnDisk preset = loaded(u"dmg-lcd"_s);
+    const PresetOnDisk preset = examplePreset(u"dmg-lcd"_s);
     const auto renderer = softwareRenderer();
     FrameState state;
     state.viewport = {20, 10};
@@ -155,13 +123,15 @@ void TestGraphRenderer::frameErrors()
     QVERIFY(renderer->setGraph(preset.graph, preset.modules, error));
     QVERIFY(!renderer->drawFrame(state, error));
     QCOMPARE(error, u"there is no source picture"_s);
-    QVERIFY(!renderer->setSource(Picture({0, 3}), error));
+    QVERIFY(!renderer->setSource(QImage(), error));
     QCOMPARE(error, u"the source picture is empty"_s);
-    QVERIFY(!renderer->setSource(Picture({200000, 1}), error));
+    QVERIFY(!renderer->setSource(FloatImage({200000, 1}).toImage(), error));
     QVERIFY2(error.startsWith(u"the source picture has 200000x1 pixels, and this device takes no "
                               "more than "_s),
              qPrintable(error));
-    QVERIFY(renderer->setSource(kWhite, error));
+    QVERIFY(!renderer->setSource(QImage(1, 1, QImage::Format_RGB32), error));
+    QCOMPARE(error, u"the source picture is not of 32-bit floats"_s);
+    QVERIFY(renderer->setSource(kWhite.toImage(), error));
     QVERIFY(!renderer->drawFrame(state, error));
     QCOMPARE(error, u"no value of parameter 'DMG_TINT'"_s);
     state.params = initialValues(preset.parameters);
@@ -172,19 +142,20 @@ void TestGraphRenderer::frameErrors()
     QVERIFY(!renderer->drawFrame(state, error));
     QVERIFY2(error.startsWith(u"pass 4 ('crt-dmg-grid') has 10x200000 pixels, "_s),
              qPrintable(error));
-    QVERIFY(!renderer->output(0, error));
+    QImage picture;
+    QVERIFY(!renderer->output(0, picture, error));
     QCOMPARE(error, u"no pass 0 in the last frame"_s);
     state.viewport = {20, 10};
     QVERIFY(renderer->drawFrame(state, error));
-    QVERIFY(!renderer->output(6, error));
+    QVERIFY(!renderer->output(6, picture, error));
     QCOMPARE(error, u"no pass 6 in the last frame"_s);
 }
 
 void TestGraphRenderer::brokenGraphLeavesTheLastOne()
 {
-    Drawing drawing(u"stock"_s, kWhite);
+    PresetRenderer drawing(u"stock"_s, kWhite);
     drawing.draw();
-    PresetOnDisk broken = loaded(u"dmg-lcd"_s);
+    PresetOnDisk broken = examplePreset(u"dmg-lcd"_s);
     QString error;
     QVERIFY(!drawing.renderer->setGraph(VulkanRenderGraph(), broken.modules, error));
     QCOMPARE(error, u"the graph is not valid"_s);
@@ -211,7 +182,7 @@ void TestGraphRenderer::outputsHaveTheirSizes()
 {
     QFETCH(QString, component);
     QFETCH(QSize, expected);
-    Drawing drawing(u"crt-bw"_s, kWhite);
+    PresetRenderer drawing(u"crt-bw"_s, kWhite);
     drawing.state.viewport = {30, 20};
     drawing.state.params.insert(u"halation_strength"_s, 0.0F);
     drawing.draw();
@@ -220,10 +191,10 @@ void TestGraphRenderer::outputsHaveTheirSizes()
     QCOMPARE(drawing.output(index).size, expected);
 }
 
-// A still picture is settled from the first frame on, anew after a reset or a change of size.
+// Feedback has converged in the first frame, and again after a reset or a change of size.
 void TestGraphRenderer::historyStartsAsThePicture()
 {
-    Drawing drawing(u"dmg-lcd"_s, kWhite);
+    PresetRenderer drawing(u"dmg-lcd"_s, kWhite);
     const int ghost = drawing.indexOf(u"dmg-ghost"_s);
     drawing.draw();
     QCOMPARE(drawing.output(ghost).pixels, drawing.output(ghost - 1).pixels);
@@ -241,7 +212,7 @@ void TestGraphRenderer::historyStartsAsThePicture()
 
 void TestGraphRenderer::historyIsOfTheLastFrame()
 {
-    Drawing drawing(u"dmg-lcd"_s, kWhite);
+    PresetRenderer drawing(u"dmg-lcd"_s, kWhite);
     drawing.state.params.insert(u"ghost_fall"_s, 0.5F);
     const int ghost = drawing.indexOf(u"dmg-ghost"_s);
     drawing.draw();
@@ -260,12 +231,12 @@ void TestGraphRenderer::historyIsOfTheLastFrame()
 
 void TestGraphRenderer::cachedPassIsDrawnWhenAParameterChanges()
 {
-    Drawing drawing(u"crt-bw"_s, kWhite);
+    PresetRenderer drawing(u"crt-bw"_s, kWhite);
     const QString tile = u"crt-phosphor-tile"_s;
     drawing.state.params.insert(u"mask_type"_s, 0.0F);
     drawing.draw();
     QCOMPARE(drawing.kindOf(tile), Kind::Drawn);
-    const Picture grille = drawing.output(drawing.indexOf(tile));
+    const FloatImage grille = drawing.output(drawing.indexOf(tile));
     drawing.state.params.insert(u"mask_strength"_s, 0.5F); // not the tile's
     drawing.draw();
     QCOMPARE(drawing.kindOf(tile), Kind::Cached);
@@ -279,34 +250,34 @@ void TestGraphRenderer::cachedPassIsDrawnWhenAParameterChanges()
     QCOMPARE(drawing.kindOf(tile), Kind::Drawn);
 }
 
-// Turned off it looks like a strength that is next to nothing, and it comes back.
+// Strength 0 looks like a tiny strength, and drawing continues when it is raised.
 void TestGraphRenderer::constantBlackIsNotDrawn()
 {
-    Drawing drawing(u"crt-arcade"_s, kWhite);
+    PresetRenderer drawing(u"crt-arcade"_s, kWhite);
     const auto shownAt = [&drawing](float strength) {
         drawing.state.params.insert(u"halation_strength"_s, strength);
         drawing.draw();
         return drawing.output(int(drawing.renderer->passes().size()) - 1);
     };
-    const Picture strong = shownAt(0.5F);
+    const FloatImage strong = shownAt(0.5F);
     QCOMPARE(drawing.kindOf(u"crt-halation-wide-down"_s), Kind::Drawn);
-    const Picture none = shownAt(0.0F);
+    const FloatImage none = shownAt(0.0F);
     QCOMPARE(drawing.kindOf(u"crt-halation-wide-down"_s), Kind::ConstantBlack);
     QCOMPARE(drawing.output(drawing.indexOf(u"crt-halation-wide-down"_s)).at(79, 59),
              Pixel({0.0F, 0.0F, 0.0F, 0.0F}));
     QCOMPARE(drawing.output(drawing.indexOf(u"crt-halation-blur-v"_s)).at(0, 0),
              Pixel({0.0F, 0.0F, 0.0F, 1.0F}));
-    const Picture hardlyAny = shownAt(1e-6F);
+    const FloatImage hardlyAny = shownAt(1e-6F);
     for (std::size_t i = 0; i < none.pixels.size(); ++i)
         QVERIFY(std::fabs(none.pixels[i][1] - hardlyAny.pixels[i][1]) < 2e-3F);
     QVERIFY(none.pixels != strong.pixels);
     QCOMPARE(shownAt(0.5F).pixels, strong.pixels);
 }
 
-// The shortest of some frames, since other programs may hold the processor in between.
-void TestGraphRenderer::drawnPassesTellTheirTime()
+// The shortest times of several frames, since other programs use the processor too.
+void TestGraphRenderer::drawnPassesAreTimed()
 {
-    Drawing drawing(u"crt-bw"_s, kWhite);
+    PresetRenderer drawing(u"crt-bw"_s, kWhite);
     drawing.state.viewport = {400, 300};
     drawing.state.params.insert(u"halation_strength"_s, 0.0F);
     drawing.draw();
@@ -339,7 +310,7 @@ void TestGraphRenderer::drawnPassesTellTheirTime()
 
 void TestGraphRenderer::memoryGrowsWithTheViewport()
 {
-    Drawing drawing(u"stock"_s, kWhite);
+    PresetRenderer drawing(u"stock"_s, kWhite);
     drawing.state.viewport = {100, 100};
     drawing.draw();
     const qint64 small = drawing.renderer->memoryHeld();

@@ -1,7 +1,7 @@
 #include <ManifestWriter.h>
-#include <PresetOnDisk.h>
 #include <VulkanRenderGraphCatalog.h>
 
+#include "DrawingSupport.h"
 #include "TestSupport.h"
 
 #include <QMap>
@@ -12,8 +12,8 @@ namespace {
 
 const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
 
-// What the build's compiler makes of an example component, or of fullscreen.vert, before a build
-// type adds debug information or optimizes.
+// The module of an example component or of fullscreen.vert as glslangValidator compiles it, without
+// the debug information and optimization of a build type.
 QByteArray compiledModule(const QString &file)
 {
     const QString vulkan = kShadersDir + u"/vulkan/"_s;
@@ -41,7 +41,7 @@ private Q_SLOTS:
     void modulesAreTheBuilds();
     void initialValuesAreTheTunedOnes();
     void nothingIsPrinted();
-    void filesAreThoseThatWereRead();
+    void filesAreInOrderOfReading();
     void errors_data();
     void errors();
 };
@@ -51,15 +51,14 @@ void TestPresetOnDisk::namesFollowTheManifest()
     QCOMPARE(presetNames(), VulkanRenderGraphCatalog::presetNames());
 }
 
-// Written down as the tool does it, all presets give the golden manifest. What a preset on disk
-// does not hold comes from the catalog.
+// Written by the tool's writer, all presets give the golden manifest. The fields that a
+// PresetOnDisk does not have are the catalog's.
 void TestPresetOnDisk::presetsAreTheManifests()
 {
     QList<EmittedPreset> presets;
     const QStringList names = presetNames();
     for (const QString &name : names) {
-        const PresetOnDisk preset = loadPreset(kShadersDir, name);
-        QCOMPARE(preset.error, QString());
+        const PresetOnDisk preset = examplePreset(name);
         QCOMPARE(preset.name, name);
         const auto entry = VulkanRenderGraphCatalog::preset(name);
         QVERIFY(entry);
@@ -76,14 +75,13 @@ void TestPresetOnDisk::presetsAreTheManifests()
              "");
 }
 
-// Byte for byte, and each of the build's is some preset's. Those of several presets are compiled
-// once.
+// The modules are those of the build, byte for byte, and the presets refer to all of these.
 void TestPresetOnDisk::modulesAreTheBuilds()
 {
     QMap<QString, QByteArray> expected;
     const QStringList names = presetNames();
     for (const QString &name : names) {
-        const PresetOnDisk preset = loadPreset(kShadersDir, name);
+        const PresetOnDisk preset = examplePreset(name);
         for (const VulkanRenderGraph::Pass &pass : preset.graph.passes) {
             QVERIFY(preset.modules.contains(pass.vertexSpirvResource));
             QVERIFY(preset.modules.contains(pass.fragmentSpirvResource));
@@ -103,8 +101,7 @@ void TestPresetOnDisk::modulesAreTheBuilds()
 
 void TestPresetOnDisk::initialValuesAreTheTunedOnes()
 {
-    const QHash<QString, float> values =
-            initialValues(loadPreset(kShadersDir, u"dmg-lcd"_s).parameters);
+    const QHash<QString, float> values = initialValues(examplePreset(u"dmg-lcd"_s).parameters);
     QCOMPARE(values.size(), 13);
     QCOMPARE(values.value(u"ghost_rise"_s), 0.2573F); // its default is 0.5
 }
@@ -114,17 +111,19 @@ void TestPresetOnDisk::nothingIsPrinted()
     QByteArray errors;
     const QByteArray notes = captured(stdout, [&errors] {
         errors = captured(stderr, [] {
-            loadPreset(kShadersDir, u"dmg-lcd"_s);
-            loadPreset(u"nowhere"_s, u"dmg-lcd"_s);
+            PresetOnDisk preset;
+            QString error;
+            loadPreset(kShadersDir, u"dmg-lcd"_s, preset, error);
+            loadPreset(u"nowhere"_s, u"dmg-lcd"_s, preset, error);
         });
     });
     QCOMPARE(notes, "");
     QCOMPARE(errors, "");
 }
 
-void TestPresetOnDisk::filesAreThoseThatWereRead()
+void TestPresetOnDisk::filesAreInOrderOfReading()
 {
-    const PresetOnDisk preset = loadPreset(kShadersDir, u"dmg-lcd"_s);
+    const PresetOnDisk preset = examplePreset(u"dmg-lcd"_s);
     QStringList files;
     for (const QString &file : preset.files)
         files.append(QDir(kShadersDir).relativeFilePath(file));
@@ -197,7 +196,7 @@ void TestPresetOnDisk::errors_data()
         "shaders/vulkan/components/hdr-color-boost.slang:32: '=' : cannot convert from ' const "
         "float' to ' temp highp 4-component vector of float'");
 
-    // What the tool says, and then where.
+    // The compiler's error, and then its place.
     const auto placed = [](const char *name, const char *preset, const char *file,
                            const QByteArray &content, const char *line, const char *place) {
         QTest::newRow(name) << QString::fromLatin1(preset) << QString::fromLatin1(file) << content
@@ -274,7 +273,10 @@ void TestPresetOnDisk::errors()
         QFile::remove(u"shaders/"_s + file);
     else
         writeFile(u"shaders/"_s + file, content);
-    QCOMPARE(loadPreset(u"shaders"_s, preset).error, expected);
+    PresetOnDisk loaded;
+    QString error;
+    QVERIFY(!loadPreset(u"shaders"_s, preset, loaded, error));
+    QCOMPARE(error, expected);
 }
 
 QTEST_APPLESS_MAIN(TestPresetOnDisk)

@@ -1,8 +1,9 @@
-#include "PictureFile.h"
-#include "PixelText.h"
-#include "TestPictures.h"
+#include <PictureFile.h>
+#include <PixelText.h>
+#include <TestPictures.h>
 
-#include "../TestSupport.h"
+#include "DrawingSupport.h"
+#include "TestSupport.h"
 
 #include <QColorSpace>
 #include <QSet>
@@ -11,15 +12,15 @@
 
 using namespace Qt::StringLiterals;
 
-// Where pictures come from and go to.
+// Reading, converting and writing pictures.
 
 namespace {
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
-Picture onePixel(float red, float green, float blue)
+QImage onePixel(float red, float green, float blue)
 {
-    return Picture({1, 1}, {red, green, blue, 0.5F});
+    return FloatImage({1, 1}, {red, green, blue, 0.5F}).toImage();
 }
 
 } // namespace
@@ -140,13 +141,13 @@ void TestPreviewPictures::sourceFiles()
     QVERIFY(image.save(u"in.png"_s));
 
     QString error;
-    const std::optional<SourcePicture> source = SourcePicture::open(u"in.png"_s, error);
-    QCOMPARE(error, QString());
-    QVERIFY(source);
-    QVERIFY(!source->moves());
-    QCOMPARE(source->frame(5).size(), QSize(3, 2));
-    QCOMPARE(source->frame(5).pixel(2, 1), read);
-    QCOMPARE(pictureOf(source->frame(0)).at(0, 0),
+    SourcePicture source;
+    QVERIFY2(SourcePicture::open(u"in.png"_s, source, error), qPrintable(error));
+    QVERIFY(!source.isAnimated());
+    QCOMPARE(source.size(), QSize(3, 2));
+    QCOMPARE(source.frame(5).size(), QSize(3, 2));
+    QCOMPARE(source.frame(5).pixel(2, 1), read);
+    QCOMPARE(FloatImage(floatPicture(source.frame(0))).at(0, 0),
              Pixel({float(qRed(read)) / 255.0F, float(qGreen(read)) / 255.0F,
                     float(qBlue(read)) / 255.0F, 1.0F}));
 }
@@ -172,21 +173,23 @@ void TestPreviewPictures::unreadableSources()
     QVERIFY(testPicture(u"photo-160x144"_s).save(u"cut.png"_s));
     QVERIFY(QFile::resize(u"cut.png"_s, 60));
     QString error;
-    QVERIFY(!SourcePicture::open(QString::fromLatin1(QTest::currentDataTag()), error));
+    SourcePicture source;
+    QVERIFY(!SourcePicture::open(QString::fromLatin1(QTest::currentDataTag()), source, error));
     QCOMPARE(error, message);
+    QVERIFY(source.isNull());
 }
 
 void TestPreviewPictures::standardRangeIsRounded()
 {
-    const QImage image = imageOf(onePixel(0.5F, 1.5F, -1.0F));
+    const QImage image = displayImage(onePixel(0.5F, 1.5F, -1.0F));
     QCOMPARE(image.pixel(0, 0), qRgb(128, 255, 0));
     QCOMPARE(image.colorSpace(), QColorSpace(QColorSpace::SRgb));
-    QCOMPARE(imageOf(onePixel(kNan, 1.0F, 0.49F / 255.0F)).pixel(0, 0), qRgb(0, 255, 0));
+    QCOMPARE(displayImage(onePixel(kNan, 1.0F, 0.49F / 255.0F)).pixel(0, 0), qRgb(0, 255, 0));
 }
 
 void TestPreviewPictures::highRangeIsLinear()
 {
-    const QImage image = imageOf(onePixel(1.0F, 4.0F, 5.0F), 4.0F);
+    const QImage image = displayImage(onePixel(1.0F, 4.0F, 5.0F), 4.0F);
     const auto *pixel = reinterpret_cast<const QRgba64 *>(image.constScanLine(0));
     QCOMPARE(pixel->red(), quint16(16384));
     QCOMPARE(pixel->green(), quint16(65535));
@@ -198,8 +201,8 @@ void TestPreviewPictures::highRangeIsLinear()
 void TestPreviewPictures::savedPictureReadsBack()
 {
     QString error;
-    QVERIFY(savePng(imageOf(onePixel(0.25F, 0.5F, 0.75F)), u"a.png"_s, error));
-    QVERIFY(savePng(imageOf(onePixel(0.25F, 0.5F, 2.0F), 2.0F), u"b.png"_s, error));
+    QVERIFY(savePng(displayImage(onePixel(0.25F, 0.5F, 0.75F)), u"a.png"_s, error));
+    QVERIFY(savePng(displayImage(onePixel(0.25F, 0.5F, 2.0F), 2.0F), u"b.png"_s, error));
     QCOMPARE(QImage(u"a.png"_s).pixel(0, 0), qRgb(64, 128, 191));
     QCOMPARE(QImage(u"a.png"_s).depth(), 32);
     const QImage wide(u"b.png"_s);

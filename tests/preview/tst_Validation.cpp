@@ -1,5 +1,4 @@
-#include <GraphRenderer.h>
-
+#include "DrawingSupport.h"
 #include "TestSupport.h"
 
 #include <QDir>
@@ -11,12 +10,6 @@ using namespace Qt::StringLiterals;
 
 // Draws every preset under Vulkan's validation layer with synchronization validation, which must
 // not report anything.
-
-namespace {
-
-const QString kShadersDir = QStringLiteral(EXAMPLE_SHADERS_DIR);
-
-} // namespace
 
 class TestValidation : public QObject
 {
@@ -99,14 +92,16 @@ void TestValidation::presetsAreClean_data()
 void TestValidation::presetsAreClean()
 {
     QFETCH(QString, preset);
-    const PresetOnDisk loaded = loadPreset(kShadersDir, preset);
+    const PresetOnDisk loaded = examplePreset(preset);
     QString error;
     {
-        const auto renderer = GraphRenderer::create(QString(), error);
-        QVERIFY2(renderer, qPrintable(error));
+        std::unique_ptr<GraphRenderer> renderer;
+        QVERIFY2(GraphRenderer::create(QString(), renderer, error), qPrintable(error));
         QVERIFY2(renderer->setGraph(loaded.graph, loaded.modules, error), qPrintable(error));
-        QVERIFY2(renderer->setSource(Picture({24, 10}, {0.5F, 0.25F, 0.75F, 1.0F}), error),
+        QVERIFY2(renderer->setSource(FloatImage({24, 10}, {0.5F, 0.25F, 0.75F, 1.0F}).toImage(),
+                                     error),
                  qPrintable(error));
+        QImage picture;
         FrameState state;
         state.params = initialValues(loaded.parameters);
         state.viewport = {97, 65};
@@ -130,17 +125,17 @@ void TestValidation::presetsAreClean()
             state.viewport = viewport;
             QVERIFY2(draw(false), qPrintable(error));
             QVERIFY2(draw(true), qPrintable(error));
-            QVERIFY2(renderer->output(0, error), qPrintable(error));
+            QVERIFY2(renderer->output(0, picture, error), qPrintable(error));
         }
         state.viewport = {97, 65};
-        QVERIFY2(renderer->setSource(Picture({33, 17}), error), qPrintable(error));
+        QVERIFY2(renderer->setSource(FloatImage({33, 17}).toImage(), error), qPrintable(error));
         QVERIFY2(draw(false), qPrintable(error));
         for (int index = 0; index < renderer->passes().size(); ++index)
-            QVERIFY2(renderer->output(index, error), qPrintable(error));
+            QVERIFY2(renderer->output(index, picture, error), qPrintable(error));
         QVERIFY2(draw(true), qPrintable(error));
         QVERIFY2(renderer->setGraph(loaded.graph, loaded.modules, error), qPrintable(error));
         QVERIFY2(draw(false), qPrintable(error));
-        QVERIFY2(renderer->output(0, error), qPrintable(error));
+        QVERIFY2(renderer->output(0, picture, error), qPrintable(error));
     }
     QCOMPARE(messages(), "");
 }

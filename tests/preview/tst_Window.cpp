@@ -31,42 +31,45 @@ constexpr int kPatience = 600000; // for a busy machine with a software device
 
 } // namespace
 
-// The window as it is, on Qt's offscreen platform: a preset, drawn small.
+// The real window on Qt's offscreen platform, with small pictures.
 class TestWindow : public TestInEmptyDirectory
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void aSliderChangesThePicture();
-    void aSavedFileShows_data();
-    void aSavedFileShows();
-    void aBrokenComponentKeepsThePicture();
+    void sliderChangesThePicture();
+    void savedFileIsReloaded_data();
+    void savedFileIsReloaded();
+    void brokenComponentKeepsThePicture();
     void copiedOverridesAreRows();
     void copiedOverridesCompile();
     void overrideRows();
     void valuesAreReset();
-    void theFilterHidesParameters();
-    void framesGoOnAndStop();
+    void filterHidesParameters();
+    void framesRunAndStop();
     void passesAreShown();
     void picturesAreCompared();
     void hdrIsToneMappedAndLabelled();
-    void aSourceThatCannotBeRead();
-    void aLostDeviceIsFoundAgain();
-    void aPictureIsDropped();
-    void thePictureIsSaved();
-    void theKeyboardReachesEverything();
-    void tabGoesThroughTheParameters();
-    void aPixelIsThePixelOfADisplay();
+    void unreadableSourceKeepsThePicture();
+    void lostDeviceIsOpenedAgain();
+    void missingDriverIsReported();
+    void droppedPictureBecomesTheSource();
+    void pictureIsSaved();
+    void keyboardReachesEverything();
+    void tabMovesThroughTheParameters();
+    void picturePixelsAreScreenPixels();
     void closingWhileDrawing();
 
 private:
-    // A window on a copy of the example shaders, with its first frame, of 64x48.
-    std::unique_ptr<Window> open(const QString &preset);
-    // What is shown once nothing is being drawn any more.
-    static QImage settled(Window &window);
+    // A window on a copy of the example shaders that draws at 64x48.
+    static std::unique_ptr<Window> openWithoutFrame(const QString &preset);
+    // The same, with its first frame.
+    static std::unique_ptr<Window> open(const QString &preset);
+    // Waits until all requests are drawn, and returns the shown image.
+    static QImage waitForImage(Window &window);
 };
 
-std::unique_ptr<Window> TestWindow::open(const QString &preset)
+std::unique_ptr<Window> TestWindow::openWithoutFrame(const QString &preset)
 {
     copyExampleShaders();
     auto window = std::make_unique<Window>(u"shaders"_s, QString(), preset);
@@ -75,6 +78,12 @@ std::unique_ptr<Window> TestWindow::open(const QString &preset)
     auto *const sizes = window->findChild<QComboBox *>(u"size"_s);
     sizes->addItem(u"64x48"_s, QSize(64, 48));
     sizes->setCurrentText(u"64x48"_s);
+    return window;
+}
+
+std::unique_ptr<Window> TestWindow::open(const QString &preset)
+{
+    auto window = openWithoutFrame(preset);
     const auto isDrawn = [&window] {
         return window->session().frame() && window->session().frame()->image.height() == 48;
     };
@@ -83,29 +92,29 @@ std::unique_ptr<Window> TestWindow::open(const QString &preset)
     return window;
 }
 
-QImage TestWindow::settled(Window &window)
+QImage TestWindow::waitForImage(Window &window)
 {
     if (!QTest::qWaitFor([&window] { return !window.session().isBusy(); }, kPatience))
         qFatal("a frame never ends");
     return window.session().frame()->image;
 }
 
-void TestWindow::aSliderChangesThePicture()
+void TestWindow::sliderChangesThePicture()
 {
     const auto window = open(u"dmg-lcd"_s);
-    const QImage before = settled(*window);
+    const QImage before = waitForImage(*window);
     auto *const slider = window->findChild<QSlider *>(u"DMG_TINT.slider"_s);
     slider->setFocus();
     QTest::keyClick(slider, Qt::Key_Home);
     QCOMPARE(window->findChild<QDoubleSpinBox *>(u"DMG_TINT.number"_s)->text(), u"0.0"_s);
-    const QImage after = settled(*window);
+    const QImage after = waitForImage(*window);
     QCOMPARE(after.size(), before.size());
     QVERIFY(after != before);
     QTest::keyClick(slider, Qt::Key_End);
-    QCOMPARE(settled(*window), before);
+    QCOMPARE(waitForImage(*window), before);
 }
 
-void TestWindow::aSavedFileShows_data()
+void TestWindow::savedFileIsReloaded_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QByteArray>("before");
@@ -124,7 +133,7 @@ void TestWindow::aSavedFileShows_data()
                              << false;
 }
 
-void TestWindow::aSavedFileShows()
+void TestWindow::savedFileIsReloaded()
 {
     QFETCH(const QString, path);
     QFETCH(const QByteArray, before);
@@ -132,7 +141,7 @@ void TestWindow::aSavedFileShows()
     QFETCH(const bool, isRemovedFirst);
 
     const auto window = open(u"stock"_s);
-    const QImage first = settled(*window);
+    const QImage first = waitForImage(*window);
     const QByteArray content = readFile(path);
     QVERIFY(content.contains(before));
     QByteArray changed = content;
@@ -144,18 +153,18 @@ void TestWindow::aSavedFileShows()
     QElapsedTimer timer;
     timer.start();
     writeFile(path, changed);
-    QTRY_VERIFY_WITH_TIMEOUT(settled(*window) != first, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(waitForImage(*window) != first, kPatience);
     qInfo("shown %lld ms after it was saved", timer.elapsed());
     QCOMPARE(window->session().message(), QString());
     // And again: a file that was gone is still watched.
     writeFile(path, content);
-    QTRY_COMPARE_WITH_TIMEOUT(settled(*window), first, kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(waitForImage(*window), first, kPatience);
 }
 
-void TestWindow::aBrokenComponentKeepsThePicture()
+void TestWindow::brokenComponentKeepsThePicture()
 {
     const auto window = open(u"stock"_s);
-    const QImage first = settled(*window);
+    const QImage first = waitForImage(*window);
     const auto *const message = window->findChild<QLabel *>(u"message"_s);
     QVERIFY(!message->isVisible());
     const QString path = u"shaders/vulkan/components/stock.frag"_s;
@@ -165,15 +174,15 @@ void TestWindow::aBrokenComponentKeepsThePicture()
             message->text(),
             u"shaders/vulkan/components/stock.frag:2: 'oops' : undeclared identifier"_s, kPatience);
     QVERIFY(message->isVisible());
-    QCOMPARE(settled(*window), first);
+    QCOMPARE(waitForImage(*window), first);
     // What does not depend on the component still works.
     window->findChild<QComboBox *>(u"source"_s)->setCurrentText(u"card-160x144"_s);
-    QTRY_VERIFY_WITH_TIMEOUT(settled(*window) != first, kPatience);
+    QTRY_VERIFY_WITH_TIMEOUT(waitForImage(*window) != first, kPatience);
     QVERIFY(message->isVisible());
 
     QByteArray repaired = content;
     writeFile(path, repaired.replace("}", "fragColor = vec4(0.0, 1.0, 0.0, 1.0); }"));
-    QTRY_COMPARE_WITH_TIMEOUT(settled(*window).pixel(5, 5), qRgb(0, 255, 0), kPatience);
+    QTRY_COMPARE_WITH_TIMEOUT(waitForImage(*window).pixel(5, 5), qRgb(0, 255, 0), kPatience);
     QVERIFY(!message->isVisible());
 }
 
@@ -252,7 +261,7 @@ void TestWindow::valuesAreReset()
     QCOMPARE(window->findChild<QDoubleSpinBox *>(u"ghost_rise.number"_s)->text(), u"0.706"_s);
 }
 
-void TestWindow::theFilterHidesParameters()
+void TestWindow::filterHidesParameters()
 {
     const auto window = open(u"gba-lcd"_s);
     window->findChild<QLineEdit *>(u"filter"_s)->setText(u"APERTURE_X"_s);
@@ -260,22 +269,22 @@ void TestWindow::theFilterHidesParameters()
     QVERIFY(!window->findChild<QSlider *>(u"lcd_aperture_y.slider"_s)->isVisible());
 }
 
-void TestWindow::framesGoOnAndStop()
+void TestWindow::framesRunAndStop()
 {
     const auto window = open(u"stock"_s);
     Session &session = window->session();
     QCOMPARE(session.frame()->number, 0);
     session.step();
-    settled(*window);
+    waitForImage(*window);
     QCOMPARE(session.frame()->number, 1);
     session.setRunning(true);
     QTRY_VERIFY_WITH_TIMEOUT(session.frame()->number >= 4, kPatience);
     session.setRunning(false);
-    settled(*window);
+    waitForImage(*window);
     const int stopped = session.frame()->number;
     QTest::qWait(200);
     session.resetAll();
-    settled(*window);
+    waitForImage(*window);
     QCOMPARE(session.frame()->number, stopped);
 }
 
@@ -291,7 +300,7 @@ void TestWindow::passesAreShown()
     const QRect sight = strip->viewport()->rect().adjusted(0, 0, 1, 0);
     QVERIFY(sight.contains(strip->visualItemRect(strip->item(5))));
     strip->setCurrentRow(1);
-    QCOMPARE(settled(*window).size(), QSize(160, 144));
+    QCOMPARE(waitForImage(*window).size(), QSize(160, 144));
     QCOMPARE(window->session().frame()->pass, 1);
     auto *const view = window->findChild<PictureView *>();
     view->setFocus();
@@ -300,7 +309,7 @@ void TestWindow::passesAreShown()
     // Another preset has other passes: its last one is shown.
     window->findChild<QComboBox *>(u"preset"_s)->setCurrentText(u"stock"_s);
     QTRY_COMPARE_WITH_TIMEOUT(strip->count(), 2, kPatience);
-    settled(*window);
+    waitForImage(*window);
     QCOMPARE(window->session().frame()->pass, 1);
     QCOMPARE(window->session().frame()->components,
              (QStringList{u"stock"_s, u"hdr-color-boost"_s}));
@@ -311,54 +320,54 @@ void TestWindow::picturesAreCompared()
     const auto window = open(u"dmg-lcd"_s);
     auto *const comparison = window->findChild<QComboBox *>(u"comparison"_s);
     comparison->setCurrentIndex(1);
-    settled(*window);
+    waitForImage(*window);
     QCOMPARE(window->session().frame()->compared.size(), QSize(160, 144));
     comparison->setCurrentIndex(2);
-    const QImage tuned = settled(*window);
+    const QImage tuned = waitForImage(*window);
     QCOMPARE(window->session().frame()->compared, tuned);
     window->session().setValue(u"DMG_TINT"_s, 0.0F);
-    QVERIFY(settled(*window) != tuned);
+    QVERIFY(waitForImage(*window) != tuned);
     QCOMPARE(window->session().frame()->compared, tuned);
 }
 
 void TestWindow::hdrIsToneMappedAndLabelled()
 {
     const auto window = open(u"stock"_s);
-    const QImage sdr = settled(*window);
+    const QImage sdr = waitForImage(*window);
     QVERIFY(!window->session().frame()->isToneMapped);
     auto *const headroom = window->findChild<QDoubleSpinBox *>(u"headroom"_s);
     headroom->setValue(4.0);
-    const QImage hdr = settled(*window);
+    const QImage hdr = waitForImage(*window);
     QVERIFY(window->session().frame()->isToneMapped);
     QVERIFY(hdr != sdr);
     headroom->setValue(0.0);
-    settled(*window);
+    waitForImage(*window);
     QVERIFY(!window->session().frame()->isToneMapped);
 }
 
-void TestWindow::aSourceThatCannotBeRead()
+void TestWindow::unreadableSourceKeepsThePicture()
 {
     const auto window = open(u"stock"_s);
-    const QImage first = settled(*window);
+    const QImage first = waitForImage(*window);
     ViewSettings view = window->session().view();
     view.source = u"none.png"_s;
     window->session().setView(view);
-    QCOMPARE(settled(*window), first);
+    QCOMPARE(waitForImage(*window), first);
     QCOMPARE(window->session().message(),
              u"cannot read source picture 'none.png': File not found; 'list' names the test "
              "pictures"_s);
 }
 
-void TestWindow::aLostDeviceIsFoundAgain()
+void TestWindow::lostDeviceIsOpenedAgain()
 {
     qputenv("VK_LAYER_PATH", FAILING_DEVICE_DIR);
     qputenv("VK_INSTANCE_LAYERS", "VK_LAYER_TEST_failing");
-    const auto forget = qScopeGuard([] {
+    const auto restore = qScopeGuard([] {
         for (const char *const name : {"VK_LAYER_PATH", "VK_INSTANCE_LAYERS", "FAILING_CALL"})
             qunsetenv(name);
     });
     const auto window = open(u"stock"_s);
-    const QImage first = settled(*window);
+    const QImage first = waitForImage(*window);
     const auto *const message = window->findChild<QLabel *>(u"message"_s);
     QVERIFY(!message->isVisible());
 
@@ -368,15 +377,42 @@ void TestWindow::aLostDeviceIsFoundAgain()
                               u"the Vulkan device was lost: start again, or choose another one"_s,
                               kPatience);
     QVERIFY(message->isVisible());
-    QCOMPARE(settled(*window), first);
+    QCOMPARE(waitForImage(*window), first);
 
     qunsetenv("FAILING_CALL");
     window->session().step();
-    QVERIFY(settled(*window) != first);
+    QVERIFY(waitForImage(*window) != first);
     QVERIFY(!message->isVisible());
 }
 
-void TestWindow::aPictureIsDropped()
+// With the commands' message. Opens a driver that was installed meanwhile.
+void TestWindow::missingDriverIsReported()
+{
+    static constexpr const char *kVariables[] = {"VK_ICD_FILENAMES", "VK_DRIVER_FILES"};
+    for (const char *const name : kVariables)
+        qputenv(name, "/nowhere");
+    const auto restore = qScopeGuard([] {
+        for (const char *const name : kVariables)
+            qunsetenv(name);
+    });
+    const auto window = openWithoutFrame(u"stock"_s);
+    const auto *const message = window->findChild<QLabel *>(u"message"_s);
+    QTRY_COMPARE_WITH_TIMEOUT(
+            message->text(),
+            u"no Vulkan device to draw on (Vulkan: vkCreateInstance: ErrorIncompatibleDriver); "
+            "install a driver (Debian: mesa-vulkan-drivers)"_s,
+            kPatience);
+    QVERIFY(message->isVisible());
+    QVERIFY(!window->session().frame());
+
+    for (const char *const name : kVariables)
+        qunsetenv(name);
+    window->session().step();
+    QTRY_VERIFY_WITH_TIMEOUT(window->session().frame(), kPatience);
+    QVERIFY(!message->isVisible());
+}
+
+void TestWindow::droppedPictureBecomesTheSource()
 {
     QImage picture(5, 4, QImage::Format_RGB32);
     picture.fill(qRgb(0, 0, 255));
@@ -395,7 +431,7 @@ void TestWindow::aPictureIsDropped()
     QVERIFY(enter.isAccepted());
     QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(window.get(), &drop);
-    QCOMPARE(settled(*window).pixel(9, 9), qRgb(0, 0, 255));
+    QCOMPARE(waitForImage(*window).pixel(9, 9), qRgb(0, 0, 255));
     auto *const sources = window->findChild<QComboBox *>(u"source"_s);
     QCOMPARE(sources->currentText(), u"blue.png"_s);
     // Dropped again it is no second choice.
@@ -405,10 +441,10 @@ void TestWindow::aPictureIsDropped()
     QCOMPARE(sources->count(), choices);
 }
 
-void TestWindow::thePictureIsSaved()
+void TestWindow::pictureIsSaved()
 {
     const auto window = open(u"stock"_s);
-    QImage shown = settled(*window);
+    QImage shown = waitForImage(*window);
     // The dialog is modal: what answers it has to wait for it.
     const auto saveAs = [&window](const QString &path) {
         window->activateWindow();
@@ -429,26 +465,26 @@ void TestWindow::thePictureIsSaved()
 
     // With HDR it holds the light, and not what the display shows of it.
     window->findChild<QDoubleSpinBox *>(u"headroom"_s)->setValue(4.0);
-    settled(*window);
+    waitForImage(*window);
     saveAs(QDir().absoluteFilePath(u"hdr.png"_s));
     QCOMPARE(QImage(u"hdr.png"_s).depth(), 64);
     QCOMPARE(QImage(u"hdr.png"_s).text(u"Headroom"_s), u"4"_s);
 }
 
-void TestWindow::theKeyboardReachesEverything()
+void TestWindow::keyboardReachesEverything()
 {
     const auto window = open(u"dmg-lcd"_s);
     window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
     Session &session = window->session();
-    settled(*window);
+    waitForImage(*window);
     QTest::keyClick(window.get(), Qt::Key_F6);
-    settled(*window);
+    waitForImage(*window);
     QCOMPARE(session.frame()->number, 1);
     QTest::keyClick(window.get(), Qt::Key_F5);
     QTRY_VERIFY_WITH_TIMEOUT(session.frame()->number >= 3, kPatience);
     QTest::keyClick(window.get(), Qt::Key_F5);
-    settled(*window);
+    waitForImage(*window);
     const int stopped = session.frame()->number;
     QTest::qWait(100);
     QCOMPARE(session.frame()->number, stopped);
@@ -477,7 +513,7 @@ void TestWindow::theKeyboardReachesEverything()
     auto *const view = window->findChild<PictureView *>();
     const QImage before = view->grab().toImage();
     window->findChild<QComboBox *>(u"comparison"_s)->setCurrentIndex(1);
-    settled(*window);
+    waitForImage(*window);
     const QImage middle = view->grab().toImage();
     QVERIFY(middle != before);
     QTest::keyClick(view, Qt::Key_BracketLeft);
@@ -486,7 +522,7 @@ void TestWindow::theKeyboardReachesEverything()
     QCOMPARE(view->grab().toImage(), middle);
 }
 
-void TestWindow::tabGoesThroughTheParameters()
+void TestWindow::tabMovesThroughTheParameters()
 {
     const auto window = open(u"gba-lcd"_s);
     window->activateWindow();
@@ -506,12 +542,12 @@ void TestWindow::tabGoesThroughTheParameters()
 }
 
 // At 1:1, and also where a display has several pixels to each of Qt's.
-void TestWindow::aPixelIsThePixelOfADisplay()
+void TestWindow::picturePixelsAreScreenPixels()
 {
     const auto window = open(u"gba-lcd"_s);
     auto *const view = window->findChild<PictureView *>();
     window->findChild<QComboBox *>(u"zoom"_s)->setCurrentText(u"1:1"_s);
-    const QImage drawn = settled(*window).convertToFormat(QImage::Format_RGB32);
+    const QImage drawn = waitForImage(*window).convertToFormat(QImage::Format_RGB32);
     window->findChild<QLineEdit *>(u"filter"_s)->setFocus(); // the picture shows no cursor then
     QImage shown = view->grab().toImage().convertToFormat(QImage::Format_RGB32);
     shown.setDevicePixelRatio(1.0);
@@ -523,7 +559,7 @@ void TestWindow::aPixelIsThePixelOfADisplay()
     // As large as the view: its height, in pixels of the display.
     window->findChild<QComboBox *>(u"size"_s)->setCurrentIndex(0);
     const auto isAsLarge = [&] {
-        const QSize size = settled(*window).size();
+        const QSize size = waitForImage(*window).size();
         const QSize room = (QSizeF(view->size()) * view->devicePixelRatioF()).toSize();
         return size.width() == room.width() || size.height() == room.height();
     };

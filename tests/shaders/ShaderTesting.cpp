@@ -18,17 +18,6 @@ const QString kResources = QStringLiteral(":/shaders/vulkan/spirv/");
 const QString kVertexResource = kResources + u"fullscreen.vert.spv"_s;
 const QString kCropResource = kResources + u"crop.frag.spv"_s;
 
-std::unique_ptr<GraphRenderer> createRenderer()
-{
-    QString error;
-    const QList<GraphRenderer::DeviceInfo> devices = GraphRenderer::devices(error);
-    for (int number = 0; number < devices.size(); ++number) {
-        if (devices.at(number).isSoftware)
-            return GraphRenderer::create(QString::number(number), error);
-    }
-    qFatal("no software device %s", qPrintable(error));
-}
-
 QByteArray builtModule(const QString &resource)
 {
     return readFile(QStringLiteral(SPIRV_DIR "/") + resource.mid(kResources.size()));
@@ -50,13 +39,9 @@ void setGraph(GraphRenderer &renderer, const VulkanRenderGraph &graph, ShaderMod
 Picture drawFrame(GraphRenderer &renderer, const Picture &source, const FrameState &state, int pass)
 {
     QString error;
-    if (!renderer.setSource(source, error) || !renderer.drawFrame(state, error))
+    if (!renderer.setSource(source.toImage(), error) || !renderer.drawFrame(state, error))
         qFatal("%s", qPrintable(error));
-    const std::optional<Picture> picture =
-            renderer.output(pass < 0 ? int(renderer.passes().size()) - 1 : pass, error);
-    if (!picture)
-        qFatal("%s", qPrintable(error));
-    return *picture;
+    return outputOf(renderer, pass < 0 ? int(renderer.passes().size()) - 1 : pass);
 }
 
 // A renderer for each preset, since setting a graph compiles its pipelines.
@@ -67,7 +52,7 @@ GraphRenderer &rendererOf(const PresetEntry &preset)
             QString::fromUtf8(preset.presetQrcPath).section(u'/', -1).section(u'.', 0, 0);
     std::unique_ptr<GraphRenderer> &renderer = renderers[name];
     if (!renderer) {
-        renderer = createRenderer();
+        renderer = softwareRenderer();
         setGraph(*renderer, VulkanRenderGraphCatalog::preset(name)->graph, {});
     }
     return *renderer;
@@ -128,11 +113,16 @@ const PassEntry &passEntry(QStringView component)
 Picture drawComponent(const QString &component, const QList<SampledPicture> &inputs,
                       const FrameState &state)
 {
-    static const QByteArray kCrop =
-            compileGlsl(QStringLiteral(SOURCE_DIR "/tests/shaders/crop.frag"),
-                        ShaderStage::Fragment)
-                    .spirv;
-    static const std::unique_ptr<GraphRenderer> kRenderer = createRenderer();
+    static const QByteArray kCrop = [] {
+        QByteArray spirv;
+        QStringList files;
+        QString error;
+        if (!compileGlsl(QStringLiteral(SOURCE_DIR "/tests/shaders/crop.frag"),
+                         ShaderStage::Fragment, spirv, files, error))
+            qFatal("%s", qPrintable(error));
+        return spirv;
+    }();
+    static const std::unique_ptr<GraphRenderer> kRenderer = softwareRenderer();
 
     VulkanRenderGraph graph;
     VulkanRenderGraph::Pass drawn;

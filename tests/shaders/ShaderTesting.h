@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GraphRenderer.h>
+#include <DrawingSupport.h>
 
 #include <RenderGraphManifest.h>
 
@@ -8,6 +8,8 @@
 
 // Draws components and presets for the tests of the example shaders, on a software device: it gives
 // the same numbers on every machine. An error ends the program.
+
+using Picture = FloatImage;
 
 // A picture and how a pass samples it.
 struct SampledPicture

@@ -20,8 +20,8 @@ constexpr const Command *kCommands[] = {
 #endif
         &kPictureCommand, &kGraphCommand, &kProfileCommand, &kListCommand};
 
-// Where the example shaders lie beside the program: put there by an installation, and in a build
-// tree a link to the source tree's. None where the program is built for another project's presets.
+// The example shaders, installed beside the program or, in a build tree, linked. Empty if the
+// program is built for another project's presets.
 QString defaultShadersDir()
 {
 #ifdef SHADERS_FROM_BIN
@@ -72,7 +72,7 @@ int main(int argc, char *argv[])
     parser.addOption(shadersDir);
     parser.addPositionalArgument(u"command"_s, u"What to do."_s);
 
-    // What the options before the command are is known; the command says which ones follow.
+    // Finds the command; its options are not known yet.
     parser.parse(QCoreApplication::arguments());
     const QString name = parser.positionalArguments().value(0);
     const auto *const *found = std::ranges::find(kCommands, name, [](const Command *command) {
@@ -111,7 +111,7 @@ int main(int argc, char *argv[])
         return fail(u"usage: render-graph-preview %1 %2 (see --help)"_s.arg(
                 name, QLatin1StringView(command.arguments)));
 
-    // Who takes presets as arguments reads shaders.
+    // Commands that take a preset read shaders.
     if (command.mostArguments > 0 && parser.value(shadersDir).isEmpty())
         return fail(u"--shaders-dir is missing: name the shaders directory"_s);
     const QString path = writes ? parser.value(out) : QString();
@@ -119,10 +119,9 @@ int main(int argc, char *argv[])
         return fail(u"--out is missing: name what to write"_s);
 
     QString error;
-    if (command.application != nullptr) {
+    if (command.createApplication != nullptr) {
         application.reset();
-        application = command.application(argc, argv, error);
-        if (!application)
+        if (!command.createApplication(argc, argv, application, error))
             return fail(error);
     }
     return command.run({parser, parser.value(shadersDir), path, arguments}, error) ? 0

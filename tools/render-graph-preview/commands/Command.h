@@ -9,7 +9,7 @@
 
 #include <memory>
 
-// What a command is given: its options, parsed, and its own arguments.
+// A command's options and arguments, parsed.
 struct CommandLine
 {
     const QCommandLineParser &parser;
@@ -18,22 +18,23 @@ struct CommandLine
     QStringList arguments;
 };
 
-// One of the program's commands. `run` returns false if it failed, and says in `error` what is
-// wrong: one line or more, without the program's name.
+// A command of the program.
 struct Command
 {
     const char *name;
-    const char *arguments; // as --help shows them, "" for none
+    const char *arguments; // as --help shows them; "" if there are none
     const char *description;
-    const char *out; // what --out names, "" for a command without
+    const char *out; // the description of --out; "" if the command has no such option
     int fewestArguments;
     int mostArguments;
     QList<QCommandLineOption> (*options)();
+    // Functions that can fail return false and set `error` to one line or more, without the
+    // program's name.
     bool (*run)(const CommandLine &line, QString &error);
-    // The application object for a command that cannot do with a QCoreApplication: made before it
-    // runs, null and an error if that cannot be.
-    std::unique_ptr<QCoreApplication> (*application)(int &argc, char **argv,
-                                                     QString &error) = nullptr;
+    // Creates the application object before `run`. Null if a QCoreApplication will do.
+    bool (*createApplication)(int &argc, char **argv,
+                              std::unique_ptr<QCoreApplication> &application,
+                              QString &error) = nullptr;
 };
 
 extern const Command kPictureCommand;

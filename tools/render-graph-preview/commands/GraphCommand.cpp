@@ -1,6 +1,6 @@
 #include "Command.h"
-#include "Drawing.h"
-#include "GraphPicture.h"
+#include "DrawingOptions.h"
+#include "GraphDot.h"
 
 #include <QDir>
 
@@ -12,7 +12,7 @@ constexpr QSize kThumbnailSize = {160, 120};
 
 QList<QCommandLineOption> options()
 {
-    return drawingOptions()
+    return DrawingOptions::declared()
             + QList<QCommandLineOption>{
                     {u"all"_s, u"Writes <preset>.svg for every preset."_s},
                     {u"thumbnails"_s,
@@ -29,26 +29,27 @@ QByteArray thumbnail(const QImage &image)
                     : image);
 }
 
-// Draws the preset's frames, and takes what its last one was.
-bool addDrawn(Drawing &drawing, bool withThumbnails, GraphPictureExtras &extras, QString &error)
+// Draws the preset, and adds what its last frame shows.
+bool addFrame(const DrawingOptions &options, Player &player, bool withThumbnails,
+              GraphDotExtras &extras, QString &error)
 {
-    if (!drawing.open(error))
+    if (!options.openSource(player, error))
         return false;
-    const int frames = drawing.frames();
+    const int frames = options.frameCount(player.preset().graph);
     for (int frame = 0; frame < frames; ++frame) {
-        if (!drawing.drawFrame(frame, error))
+        if (!player.drawFrame(frame, error))
             return false;
     }
-    extras.passes = drawing.renderer().passes();
+    extras.passes = player.renderer()->passes();
     if (!withThumbnails)
         return true;
     extras.thumbnails.insert(VulkanRenderGraph::ResourceRef::SourceImage,
-                             thumbnail(drawing.sourceFrame(frames - 1)));
+                             thumbnail(player.source().frame(frames - 1)));
     for (int pass = 0; pass < extras.passes.size(); ++pass) {
-        const std::optional<QImage> image = drawing.image(pass, error);
-        if (!image)
+        QImage picture;
+        if (!player.renderer()->output(pass, picture, error))
             return false;
-        extras.thumbnails.insert(pass, thumbnail(*image));
+        extras.thumbnails.insert(pass, thumbnail(displayImage(picture, options.headroom)));
     }
     return true;
 }
@@ -65,21 +66,20 @@ bool writeGraph(const CommandLine &line, const QString &preset, const QString &o
         error = u"--thumbnails: a .dot file holds no pictures; write an .svg file"_s;
         return false;
     }
-    const auto request = DrawingRequest::parse(line.parser, error);
-    if (!request)
+    DrawingOptions options;
+    std::optional<Player> player;
+    if (!DrawingOptions::parse(line.parser, options, error)
+        || !options.loadPlayer(line.shadersDir, preset, player, error))
         return false;
-    std::optional<Drawing> drawing = Drawing::load(line.shadersDir, preset, *request, error);
-    if (!drawing)
-        return false;
-    GraphPictureExtras extras = {.values = drawing->values(), .passes = {}, .thumbnails = {}};
+    GraphDotExtras extras = {.values = player->values(), .passes = {}, .thumbnails = {}};
     if ((withThumbnails || line.parser.isSet(u"size"_s))
-        && !addDrawn(*drawing, withThumbnails, extras, error))
+        && !addFrame(options, *player, withThumbnails, extras, error))
         return false;
-    const QByteArray dot = graphDot(preset, drawing->preset().graph, extras);
+    const QByteArray dot = graphDot(preset, player->preset().graph, extras);
     if (!isSvg)
         return saveFile(dot, out, error);
-    const std::optional<QByteArray> svg = graphSvg(dot, extras.thumbnails, error);
-    return svg && saveFile(*svg, out, error);
+    QByteArray svg;
+    return graphSvg(dot, extras.thumbnails, svg, error) && saveFile(svg, out, error);
 }
 
 bool graph(const CommandLine &line, QString &error)

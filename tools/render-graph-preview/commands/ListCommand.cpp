@@ -1,6 +1,8 @@
 #include "Command.h"
-#include "Drawing.h"
-#include "TestPictures.h"
+
+#include <GraphRenderer.h>
+#include <PresetOnDisk.h>
+#include <TestPictures.h>
 
 #include <cstdio>
 
@@ -19,10 +21,9 @@ bool list(const CommandLine & /*line*/, QString &error)
 {
     print("presets", presetNames());
     print("test pictures", testPictureNames());
-    // What needs no device is told before the error.
-    std::fflush(stdout);
-    const QList<GraphRenderer::DeviceInfo> devices = drawingDevices(error);
-    if (devices.isEmpty())
+    std::fflush(stdout); // before an error about the devices
+    QList<GraphRenderer::DeviceInfo> devices;
+    if (!GraphRenderer::devices(devices, error))
         return false;
     QStringList lines;
     for (const GraphRenderer::DeviceInfo &device : devices)

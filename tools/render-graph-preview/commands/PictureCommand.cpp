@@ -1,12 +1,12 @@
 #include "Command.h"
-#include "Drawing.h"
-#include "PixelText.h"
+#include "DrawingOptions.h"
+
+#include <PixelText.h>
 
 #include <QColorSpace>
 #include <QFileInfo>
 
 #include <cstring>
-#include <numeric>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -17,7 +17,7 @@ constexpr int kGap = 8;
 
 QList<QCommandLineOption> options()
 {
-    return drawingOptions()
+    return DrawingOptions::declared()
             + QList<QCommandLineOption>{
                     {u"every"_s,
                      u"Writes every frame, to the file that --out names with the frame's number in place of %d."_s},
@@ -30,36 +30,35 @@ QList<QCommandLineOption> options()
             };
 }
 
-// The passes whose outputs are asked for.
-std::optional<QList<int>> chosenPasses(const VulkanRenderGraph &graph, const QString &choice,
-                                       QString &error)
+// The passes that --pass names; by default the last one.
+bool choosePasses(const VulkanRenderGraph &graph, const QString &choice, QList<int> &passes,
+                  QString &error)
 {
     const int count = int(graph.passes.size());
-    if (choice.isEmpty())
-        return QList<int>{count - 1};
-    QList<int> all(count);
-    std::iota(all.begin(), all.end(), 0);
-    if (choice == "all"_L1)
-        return all;
+    passes.clear();
+    if (choice.isEmpty()) {
+        passes.append(count - 1);
+        return true;
+    }
     bool isIndex = false;
     const int index = choice.toInt(&isIndex);
-    QList<int> named;
+    const bool isAll = choice == "all"_L1;
     QStringList known;
-    for (const int i : std::as_const(all)) {
+    for (int i = 0; i < count; ++i) {
         const QString &component = graph.passes.at(i).debugName;
-        if (isIndex ? i == index : component == choice)
-            named.append(i);
+        if (isAll || (isIndex ? i == index : component == choice))
+            passes.append(i);
         known.append(u"%1 %2"_s.arg(i).arg(component));
     }
-    if (named.size() == 1)
-        return named;
-    error = (named.isEmpty() ? u"--pass %1: there is no such pass; there are %2"_s
-                             : u"--pass %1: several passes have this name; take an index of %2"_s)
+    if (isAll || passes.size() == 1)
+        return true;
+    error = (passes.isEmpty() ? u"--pass %1: there is no such pass; there are %2"_s
+                              : u"--pass %1: several passes have this name; take an index of %2"_s)
                     .arg(choice, known.join(u", "_s));
-    return {};
+    return false;
 }
 
-// Side by side, each below its label; a single picture is itself.
+// The images side by side, each below its label. Without labels, the first image.
 QImage sideBySide(const QList<QImage> &images, const QStringList &labels,
                   std::optional<float> headroom)
 {
@@ -75,8 +74,7 @@ QImage sideBySide(const QList<QImage> &images, const QStringList &labels,
     sheet.setColorSpace(images.first().colorSpace());
     for (const QString &key : images.first().textKeys())
         sheet.setText(key, images.first().text(key));
-    // Reference white.
-    const int white = qRound(255.0F / headroom.value_or(1.0F));
+    const int white = qRound(255.0F / headroom.value_or(1.0F)); // reference white
     const qsizetype pixelBytes = sheet.depth() / 8;
     for (int i = 0; i < count; ++i) {
         const int left = i * (size.width() + kGap);
@@ -99,8 +97,8 @@ QString withPass(const QString &path, int pass, const QString &component)
 
 bool picture(const CommandLine &line, QString &error)
 {
-    const auto request = DrawingRequest::parse(line.parser, error);
-    if (!request)
+    DrawingOptions options;
+    if (!DrawingOptions::parse(line.parser, options, error))
         return false;
     const bool isEvery = line.parser.isSet(u"every"_s);
     if (isEvery && !QFileInfo(line.out).fileName().contains(u"%d"_s)) {
@@ -108,56 +106,55 @@ bool picture(const CommandLine &line, QString &error)
         return false;
     }
 
-    // One drawing for each value to compare, all of them going forwards together.
-    std::vector<Drawing> drawings;
+    // One player for each value to compare.
+    std::vector<Player> players;
     QStringList labels;
     const QString comparison = line.parser.value(u"compare"_s);
     const QStringList values = comparison.section(u'=', 1).split(u',');
     for (const QString &value : values) {
-        std::optional<Drawing> drawing =
-                Drawing::load(line.shadersDir, line.arguments.first(), *request, error);
-        if (!drawing)
+        std::optional<Player> player;
+        if (!options.loadPlayer(line.shadersDir, line.arguments.first(), player, error))
             return false;
         if (!comparison.isEmpty()) {
             const QString id = comparison.section(u'=', 0, 0);
-            if (!drawing->setValue(id, value, error))
+            if (!setValue(*player, id, value, error))
                 return false;
             labels.append(id + u'=' + value);
         }
-        drawings.push_back(std::move(*drawing));
+        players.push_back(std::move(*player));
     }
-    const VulkanRenderGraph &graph = drawings.front().preset().graph;
+    const VulkanRenderGraph &graph = players.front().preset().graph;
     const QString choice = line.parser.value(u"pass"_s);
-    const auto passes = chosenPasses(graph, choice, error);
-    if (!passes)
+    QList<int> passes;
+    if (!choosePasses(graph, choice, passes, error))
         return false;
-    for (Drawing &drawing : drawings) {
-        if (!drawing.open(error))
+    for (Player &player : players) {
+        if (!options.openSource(player, error))
             return false;
     }
 
-    const int frames = drawings.front().frames();
+    const int frames = options.frameCount(graph);
     for (int frame = 0; frame < frames; ++frame) {
-        for (Drawing &drawing : drawings) {
-            if (!drawing.drawFrame(frame, error))
+        for (Player &player : players) {
+            if (!player.drawFrame(frame, error))
                 return false;
         }
         if (!isEvery && frame + 1 < frames)
             continue;
-        for (const int pass : *passes) {
+        for (const int pass : std::as_const(passes)) {
             QList<QImage> images;
-            for (const Drawing &drawing : drawings) {
-                const std::optional<QImage> image = drawing.image(pass, error);
-                if (!image)
+            for (const Player &player : players) {
+                QImage output;
+                if (!player.renderer()->output(pass, output, error))
                     return false;
-                images.append(*image);
+                images.append(displayImage(output, options.headroom));
             }
             QString path = line.out;
             if (choice == "all"_L1)
                 path = withPass(path, pass, graph.passes.at(pass).debugName);
             if (isEvery)
                 path.replace(u"%d"_s, QString::number(frame));
-            if (!savePng(sideBySide(images, labels, request->headroom), path, error))
+            if (!savePng(sideBySide(images, labels, options.headroom), path, error))
                 return false;
         }
     }

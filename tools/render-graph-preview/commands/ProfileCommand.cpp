@@ -1,5 +1,5 @@
 #include "Command.h"
-#include "Drawing.h"
+#include "DrawingOptions.h"
 
 #include <QElapsedTimer>
 #include <QJsonArray>
@@ -15,14 +15,11 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kFrames = 60;
-// Frames before the first that counts: what is done once is then done.
-constexpr int kWarmUpFrames = 3;
-
-constexpr const char *kKindNames[] = {"drawn", "cached", "black"};
+constexpr int kWarmUpFrames = 3; // not measured
 
 QList<QCommandLineOption> options()
 {
-    return drawingOptions()
+    return DrawingOptions::declared()
             + QList<QCommandLineOption>{
                     {u"json"_s, u"Writes JSON."_s},
                     {u"against"_s, u"Measures this preset as well, frame by frame in turn."_s,
@@ -42,118 +39,165 @@ double percentile(QList<double> samples, double share)
     return samples.at(rank);
 }
 
+// In milliseconds.
 struct Times
 {
-    QList<double> samples; // milliseconds
-
-    double median() const
+    explicit Times(const QList<double> &samples)
+        : median(percentile(samples, 0.5)),
+          p95(percentile(samples, 0.95))
     {
-        return percentile(samples, 0.5);
     }
-    QJsonObject json() const
+
+    double median;
+    double p95;
+};
+
+struct PassProfile
+{
+    QString component;
+    PassResult result;
+    Times times;
+    double share; // of all passes' medians
+
+    qint64 bytesWritten() const
     {
-        return {{u"medianMs"_s, median()}, {u"p95Ms"_s, percentile(samples, 0.95)}};
+        return result.kind == PassResult::Kind::Drawn ? qint64(result.size.width())
+                        * result.size.height() * infoOf(result.format).texelBytes
+                                                      : 0;
     }
 };
 
 struct Profile
 {
-    Drawing drawing;
+    QString preset;
     QString shadersDir;
-    QList<Times> passes = {}; // on the device
-    Times device = {}; // all passes of a frame
-    Times frame = {}; // from asking for a frame until it is done
+    QList<PassProfile> passes;
+    Times device; // all passes of a frame
+    Times frame; // from the call until the frame is done
+    qint64 memory;
+};
 
-    bool measure(int number, QString &error)
+// Draws a preset's frames and collects their times.
+class Measurement
+{
+public:
+    Measurement(Player player, QString shadersDir)
+        : m_player(std::move(player)),
+          m_shadersDir(std::move(shadersDir))
+    {
+    }
+
+    const Player &player() const
+    {
+        return m_player;
+    }
+
+    bool drawFrame(int number, QString &error)
     {
         QElapsedTimer timer;
         timer.start();
-        if (!drawing.drawFrame(number, error))
+        if (!m_player.drawFrame(number, error))
             return false;
         const double elapsed = double(timer.nsecsElapsed()) / 1e6;
         if (number < kWarmUpFrames)
             return true;
-        frame.samples.append(elapsed);
-        const QList<PassResult> results = drawing.renderer().passes();
-        passes.resize(results.size());
+        m_frame.append(elapsed);
+        const QList<PassResult> results = m_player.renderer()->passes();
+        m_passes.resize(results.size());
         double sum = 0.0;
         for (qsizetype i = 0; i < results.size(); ++i) {
             const std::optional<double> time = results.at(i).milliseconds;
             if (time)
-                passes[i].samples.append(*time);
+                m_passes[i].append(*time);
             sum += time.value_or(0.0);
         }
-        device.samples.append(sum);
+        m_device.append(sum);
         return true;
     }
 
-    QJsonObject json() const
+    Profile profile() const
     {
+        Profile profile = {.preset = m_player.preset().name,
+                           .shadersDir = m_shadersDir,
+                           .passes = {},
+                           .device = Times(m_device),
+                           .frame = Times(m_frame),
+                           .memory = m_player.renderer()->memoryHeld()};
+        const QList<PassResult> results = m_player.renderer()->passes();
         double sum = 0.0;
-        for (const Times &times : passes)
-            sum += times.median();
-        QJsonArray rows;
-        const QList<PassResult> results = drawing.renderer().passes();
         for (qsizetype i = 0; i < results.size(); ++i) {
-            const PassResult &result = results.at(i);
-            const FormatInfo &format = infoOf(result.format);
-            const bool isDrawn = result.kind == PassResult::Kind::Drawn;
-            QJsonObject row = passes.at(i).json();
-            row[u"index"_s] = i;
-            row[u"component"_s] = drawing.preset().graph.passes.at(i).debugName;
-            row[u"kind"_s] = QLatin1StringView(kKindNames[static_cast<std::size_t>(result.kind)]);
-            row[u"width"_s] = result.size.width();
-            row[u"height"_s] = result.size.height();
-            row[u"format"_s] = format.name;
-            row[u"bytesWritten"_s] = isDrawn
-                    ? qint64(result.size.width()) * result.size.height() * format.texelBytes
-                    : qint64(0);
-            row[u"share"_s] = sum > 0.0 ? passes.at(i).median() / sum : 0.0;
-            rows.append(row);
+            profile.passes.append({.component = m_player.preset().graph.passes.at(i).debugName,
+                                   .result = results.at(i),
+                                   .times = Times(m_passes.at(i)),
+                                   .share = 0.0});
+            sum += profile.passes.last().times.median;
         }
-        return {{u"preset"_s, drawing.preset().name},
-                {u"shadersDir"_s, shadersDir},
-                {u"passes"_s, rows},
-                {u"deviceTime"_s, device.json()},
-                {u"frameTime"_s, frame.json()},
-                {u"memoryBytes"_s, drawing.renderer().memoryHeld()}};
+        for (PassProfile &pass : profile.passes)
+            pass.share = sum > 0.0 ? pass.times.median / sum : 0.0;
+        return profile;
     }
+
+private:
+    Player m_player;
+    QString m_shadersDir;
+    QList<QList<double>> m_passes;
+    QList<double> m_device;
+    QList<double> m_frame;
 };
 
-// The table says what the JSON says.
-void printTable(const QJsonObject &profile)
+QJsonObject jsonOf(const Times &times)
 {
-    std::printf("%s, %s\n", qUtf8Printable(profile[u"preset"_s].toString()),
-                qUtf8Printable(profile[u"shadersDir"_s].toString()));
+    return {{u"medianMs"_s, times.median}, {u"p95Ms"_s, times.p95}};
+}
+
+QJsonObject jsonOf(const Profile &profile)
+{
+    QJsonArray rows;
+    for (const PassProfile &pass : profile.passes) {
+        QJsonObject row = jsonOf(pass.times);
+        row[u"index"_s] = rows.size();
+        row[u"component"_s] = pass.component;
+        row[u"kind"_s] = nameOf(pass.result.kind);
+        row[u"width"_s] = pass.result.size.width();
+        row[u"height"_s] = pass.result.size.height();
+        row[u"format"_s] = infoOf(pass.result.format).name;
+        row[u"bytesWritten"_s] = pass.bytesWritten();
+        row[u"share"_s] = pass.share;
+        rows.append(row);
+    }
+    return {{u"preset"_s, profile.preset},
+            {u"shadersDir"_s, profile.shadersDir},
+            {u"passes"_s, rows},
+            {u"deviceTime"_s, jsonOf(profile.device)},
+            {u"frameTime"_s, jsonOf(profile.frame)},
+            {u"memoryBytes"_s, profile.memory}};
+}
+
+void printTable(const Profile &profile)
+{
+    std::printf("%s, %s\n", qUtf8Printable(profile.preset), qUtf8Printable(profile.shadersDir));
     std::printf("%3s  %-26s %-7s %11s %-10s %12s %10s %10s %7s\n", "#", "component", "", "size",
                 "format", "bytes", "median ms", "p95 ms", "share");
-    const QJsonArray passes = profile[u"passes"_s].toArray();
-    for (const auto &value : passes) {
-        const QJsonObject row = value.toObject();
-        const QString size = u"%1x%2"_s.arg(row[u"width"_s].toInt()).arg(row[u"height"_s].toInt());
-        std::printf("%3d  %-26s %-7s %11s %-10s %12lld %10.3f %10.3f %5.1f %%\n",
-                    row[u"index"_s].toInt(), qUtf8Printable(row[u"component"_s].toString()),
-                    qUtf8Printable(row[u"kind"_s].toString()), qUtf8Printable(size),
-                    qUtf8Printable(row[u"format"_s].toString()), row[u"bytesWritten"_s].toInteger(),
-                    row[u"medianMs"_s].toDouble(), row[u"p95Ms"_s].toDouble(),
-                    100.0 * row[u"share"_s].toDouble());
+    int index = 0;
+    for (const PassProfile &pass : profile.passes) {
+        const QSize size = pass.result.size;
+        std::printf("%3d  %-26s %-7s %11s %-10s %12lld %10.3f %10.3f %5.1f %%\n", index++,
+                    qUtf8Printable(pass.component), nameOf(pass.result.kind).data(),
+                    qUtf8Printable(u"%1x%2"_s.arg(size.width()).arg(size.height())),
+                    infoOf(pass.result.format).name.data(), pass.bytesWritten(), pass.times.median,
+                    pass.times.p95, 100.0 * pass.share);
     }
-    for (const auto &[key, name] : {std::pair(u"deviceTime"_s, "all passes"),
-                                    std::pair(u"frameTime"_s, "the frame, by the clock")}) {
-        const QJsonObject times = profile[key].toObject();
-        std::printf("%-5s%-26s %54.3f %10.3f\n", "", name, times[u"medianMs"_s].toDouble(),
-                    times[u"p95Ms"_s].toDouble());
-    }
-    std::printf("%-5smemory held: %.1f MiB\n\n", "",
-                double(profile[u"memoryBytes"_s].toInteger()) / (1 << 20));
+    for (const auto &[name, times] : {std::pair("all passes", profile.device),
+                                      std::pair("the frame, by the clock", profile.frame)})
+        std::printf("%-5s%-26s %54.3f %10.3f\n", "", name, times.median, times.p95);
+    std::printf("%-5smemory held: %.1f MiB\n\n", "", double(profile.memory) / (1 << 20));
 }
 
 bool profile(const CommandLine &line, QString &error)
 {
-    std::optional<DrawingRequest> request = DrawingRequest::parse(line.parser, error);
-    if (!request)
+    DrawingOptions options;
+    if (!DrawingOptions::parse(line.parser, options, error))
         return false;
-    request->isStill = true;
     const QString preset = line.arguments.first();
     QList<std::pair<QString, QString>> runs = {{preset, line.shadersDir}};
     const QString againstPreset = line.parser.value(u"against"_s);
@@ -162,44 +206,50 @@ bool profile(const CommandLine &line, QString &error)
         runs.append({againstPreset.isEmpty() ? preset : againstPreset,
                      againstDir.isEmpty() ? line.shadersDir : againstDir});
 
-    std::vector<Profile> profiles;
+    std::vector<Measurement> measurements;
     for (const auto &[name, shadersDir] : runs) {
-        std::optional<Drawing> drawing = Drawing::load(shadersDir, name, *request, error);
-        if (!drawing || !drawing->open(error))
+        std::optional<Player> player;
+        if (!options.loadPlayer(shadersDir, name, player, error)
+            || !options.openSource(*player, error))
             return false;
-        profiles.push_back({.drawing = std::move(*drawing), .shadersDir = shadersDir});
+        SourcePicture still = player->source();
+        still.freeze();
+        player->setSource(still);
+        measurements.emplace_back(std::move(*player), shadersDir);
     }
-    const int frames = request->frames.value_or(kFrames);
+    const int frames = options.frames.value_or(kFrames);
     for (int frame = 0; frame < frames + kWarmUpFrames; ++frame) {
-        for (Profile &measured : profiles) {
-            if (!measured.measure(frame, error))
+        for (Measurement &measurement : measurements) {
+            if (!measurement.drawFrame(frame, error))
                 return false;
         }
     }
 
-    QJsonObject report = {
-            {u"device"_s, profiles.front().drawing.renderer().device().name},
-            {u"frames"_s, frames},
-            {u"width"_s, request->size.width()},
-            {u"height"_s, request->size.height()},
-    };
-    QJsonArray results;
-    for (const Profile &measured : profiles)
-        results.append(measured.json());
-    report[u"profiles"_s] = results;
-    if (profiles.size() == 2)
-        report[u"ratio"_s] = profiles.back().frame.median() / profiles.front().frame.median();
+    const QString device = measurements.front().player().renderer()->device().name;
+    QList<Profile> profiles;
+    for (const Measurement &measurement : measurements)
+        profiles.append(measurement.profile());
+    const double ratio = profiles.last().frame.median / profiles.first().frame.median;
     if (line.parser.isSet(u"json"_s)) {
+        QJsonArray results;
+        for (const Profile &measured : std::as_const(profiles))
+            results.append(jsonOf(measured));
+        QJsonObject report = {{u"device"_s, device},
+                              {u"frames"_s, frames},
+                              {u"width"_s, options.size.width()},
+                              {u"height"_s, options.size.height()},
+                              {u"profiles"_s, results}};
+        if (profiles.size() == 2)
+            report[u"ratio"_s] = ratio;
         std::fputs(QJsonDocument(report).toJson().constData(), stdout);
         return true;
     }
-    std::printf("%s, %dx%d, %d frames\n\n", qUtf8Printable(report[u"device"_s].toString()),
-                request->size.width(), request->size.height(), frames);
-    for (const auto &result : std::as_const(results))
-        printTable(result.toObject());
+    std::printf("%s, %dx%d, %d frames\n\n", qUtf8Printable(device), options.size.width(),
+                options.size.height(), frames);
+    for (const Profile &measured : std::as_const(profiles))
+        printTable(measured);
     if (profiles.size() == 2)
-        std::printf("A frame of the second takes %.3f times that of the first.\n",
-                    report[u"ratio"_s].toDouble());
+        std::printf("A frame of the second takes %.3f times that of the first.\n", ratio);
     return true;
 }
 

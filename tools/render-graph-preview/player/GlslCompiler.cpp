@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::size_t kMostNestedIncludes = 32; // a file that includes itself would never end
+constexpr std::size_t kMaxIncludeDepth = 32; // stops a file that includes itself
 
 struct GlslangProcess
 {
@@ -52,7 +52,7 @@ public:
     IncludeResult *includeLocal(const char *header, const char *includer,
                                 std::size_t depth) override
     {
-        if (depth > kMostNestedIncludes)
+        if (depth > kMaxIncludeDepth)
             return nullptr;
         m_directories.resize(qsizetype(depth - 1));
         m_directories.append(QFileInfo(QFile::decodeName(includer)).path());
@@ -79,11 +79,11 @@ public:
 
 private:
     QStringList &m_files;
-    QStringList m_directories; // of the files that are being included, the outermost first
+    QStringList m_directories; // of the current chain of includes, outermost first
 };
 
-// The compiler's errors without its own prefix and closing remarks. What it says of no line in
-// particular gets the file's name.
+// The compiler's errors without its prefix and summary. Errors without a line number get the file's
+// name.
 QString errorsOf(const QString &path, const char *log)
 {
     static const QRegularExpression kPlace(u"^.+:\\d+: "_s);
@@ -101,16 +101,16 @@ QString errorsOf(const QString &path, const char *log)
 
 } // namespace
 
-CompiledShader compileGlsl(const QString &path, ShaderStage stage)
+bool compileGlsl(const QString &path, ShaderStage stage, QByteArray &spirv, QStringList &files,
+                 QString &error)
 {
     static const GlslangProcess process;
 
-    CompiledShader result;
-    result.files.append(path);
+    files.append(path);
     const std::optional<std::string> source = contentOf(path);
     if (!source) {
-        result.error = path + ": cannot be read"_L1;
-        return result;
+        error = path + ": cannot be read"_L1;
+        return false;
     }
 
     const EShLanguage language = stage == ShaderStage::Vertex ? EShLangVertex : EShLangFragment;
@@ -124,25 +124,23 @@ CompiledShader compileGlsl(const QString &path, ShaderStage stage)
     shader.setEnvClient(glslang::EShClientVulkan, glslang::EShTargetVulkan_1_0);
     shader.setEnvTarget(glslang::EShTargetSpv, glslang::EShTargetSpv_1_0);
     const auto messages = EShMessages(EShMsgSpvRules | EShMsgVulkanRules);
-    Includer includer(result.files);
-    const bool isParsed = shader.parse(GetDefaultResources(), 100, false, messages, includer);
-    result.files.removeDuplicates();
-    if (!isParsed) {
-        result.error = errorsOf(path, shader.getInfoLog());
-        return result;
+    Includer includer(files);
+    if (!shader.parse(GetDefaultResources(), 100, false, messages, includer)) {
+        error = errorsOf(path, shader.getInfoLog());
+        return false;
     }
 
     glslang::TProgram program;
     program.addShader(&shader);
     if (!program.link(messages) || !program.mapIO()) {
-        result.error = errorsOf(path, program.getInfoLog());
-        return result;
+        error = errorsOf(path, program.getInfoLog());
+        return false;
     }
     std::vector<unsigned int> words;
     spv::SpvBuildLogger logger;
     glslang::SpvOptions options;
     glslang::GlslangToSpv(*program.getIntermediate(language), words, &logger, &options);
-    result.spirv = QByteArray(reinterpret_cast<const char *>(words.data()),
-                              qsizetype(words.size() * sizeof(words.front())));
-    return result;
+    spirv = QByteArray(reinterpret_cast<const char *>(words.data()),
+                       qsizetype(words.size() * sizeof(words.front())));
+    return true;
 }

@@ -8,13 +8,11 @@
 
 enum class ShaderStage : std::uint8_t { Vertex, Fragment };
 
-struct CompiledShader
-{
-    QByteArray spirv;
-    QString error; // empty if it compiled; else a line each, "<file>:<line>: <message>"
-    QStringList files; // the source, what it includes, and where an include was looked for in vain
-};
-
-// Compiles Vulkan GLSL as `glslangValidator -V` does, to the same bytes. An include is looked for
-// beside the file that names it, then beside those that include that one.
-CompiledShader compileGlsl(const QString &path, ShaderStage stage);
+// Compiles Vulkan GLSL to the same bytes as `glslangValidator -V`. An include is searched for
+// beside the file that names it, then beside the files that include that one.
+//
+// On failure `error` is one line per error, "<file>:<line>: <message>". In both cases the files
+// that were read are appended to `files`, and the paths at which an include was searched for but
+// not found.
+bool compileGlsl(const QString &path, ShaderStage stage, QByteArray &spirv, QStringList &files,
+                 QString &error);

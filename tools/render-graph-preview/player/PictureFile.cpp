@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QColorSpace>
 #include <QImageReader>
+#include <QRgbaFloat32>
 #include <QSaveFile>
 
 #include <algorithm>
@@ -12,14 +13,13 @@
 
 using namespace Qt::StringLiterals;
 
-std::optional<SourcePicture> SourcePicture::open(const QString &nameOrPath, QString &error)
+bool SourcePicture::open(const QString &nameOrPath, SourcePicture &source, QString &error)
 {
-    SourcePicture source;
-    source.m_image = testPicture(nameOrPath);
-    if (!source.m_image.isNull()) {
-        if (testPicture(nameOrPath, 1) != source.m_image)
-            source.m_testPicture = nameOrPath;
-        return source;
+    QImage image = testPicture(nameOrPath);
+    if (!image.isNull()) {
+        source.m_testPicture = testPicture(nameOrPath, 1) == image ? QString() : nameOrPath;
+        source.m_image = image;
+        return true;
     }
 
     QImageReader reader(nameOrPath);
@@ -31,66 +31,72 @@ std::optional<SourcePicture> SourcePicture::open(const QString &nameOrPath, QStr
                         .arg(size.width())
                         .arg(size.height())
                         .arg(kLargestSourceSide);
-        return {};
+        return false;
     }
-    QImage image = reader.read();
+    image = reader.read();
     if (image.isNull()) {
         error = u"cannot read source picture '%1': %2; 'list' names the test pictures"_s.arg(
                 nameOrPath, reader.errorString());
-        return {};
+        return false;
     }
     if (image.colorSpace().isValid())
         image.convertToColorSpace(QColorSpace::SRgb);
-    // Premultiplied is over black.
+    // Premultiplied colours are the colours over black.
     image.convertTo(QImage::Format_ARGB32_Premultiplied);
     image.reinterpretAsFormat(QImage::Format_RGB32);
+    source.m_testPicture.clear();
     source.m_image = image;
-    return source;
+    return true;
 }
 
 QImage SourcePicture::frame(int number) const
 {
-    return moves() ? testPicture(m_testPicture, number) : m_image;
+    return isAnimated() ? testPicture(m_testPicture, number) : m_image;
 }
 
-bool SourcePicture::moves() const
+bool SourcePicture::isAnimated() const
 {
     return !m_testPicture.isEmpty();
 }
 
-Picture pictureOf(const QImage &image)
+void SourcePicture::freeze()
 {
-    Picture picture(image.size());
+    m_testPicture.clear();
+}
+
+QImage floatPicture(const QImage &image)
+{
+    QImage picture(image.size(), QImage::Format_RGBA32FPx4);
     for (int y = 0; y < image.height(); ++y) {
+        auto *const row = reinterpret_cast<QRgbaFloat32 *>(picture.scanLine(y));
         for (int x = 0; x < image.width(); ++x) {
             const QRgb color = image.pixel(x, y);
-            picture.at(x, y) = {float(qRed(color)) / 255.0F, float(qGreen(color)) / 255.0F,
-                                float(qBlue(color)) / 255.0F, 1.0F};
+            // Qt's own conversion multiplies by 1/255, which rounds differently.
+            row[x] = {float(qRed(color)) / 255.0F, float(qGreen(color)) / 255.0F,
+                      float(qBlue(color)) / 255.0F, 1.0F};
         }
     }
     return picture;
 }
 
-QImage imageOf(const Picture &picture, std::optional<float> headroom)
+QImage displayImage(const QImage &picture, std::optional<float> headroom)
 {
     const float white = headroom.value_or(1.0F);
-    const auto share = [white](float value) {
-        return value > 0.0F ? std::min(value / white, 1.0F) : 0.0F;
+    const auto level = [white](float value, float most) {
+        return int(std::lround((value > 0.0F ? std::min(value / white, 1.0F) : 0.0F) * most));
     };
-    QImage image(picture.size, headroom ? QImage::Format_RGBX64 : QImage::Format_RGB32);
-    for (int y = 0; y < picture.size.height(); ++y) {
-        auto *narrow = reinterpret_cast<QRgb *>(image.scanLine(y));
-        auto *wide = reinterpret_cast<QRgba64 *>(image.scanLine(y));
-        for (int x = 0; x < picture.size.width(); ++x) {
-            const Pixel &pixel = picture.at(x, y);
-            const auto level = [&](std::size_t c, float most) {
-                return int(std::lround(share(pixel.at(c)) * most));
-            };
+    QImage image(picture.size(), headroom ? QImage::Format_RGBX64 : QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto *const row = reinterpret_cast<const QRgbaFloat32 *>(picture.constScanLine(y));
+        auto *const narrow = reinterpret_cast<QRgb *>(image.scanLine(y));
+        auto *const wide = reinterpret_cast<QRgba64 *>(narrow);
+        for (int x = 0; x < picture.width(); ++x) {
+            const auto &[red, green, blue, alpha] = row[x];
             if (headroom)
-                wide[x] = qRgba64(quint16(level(0, 65535.0F)), quint16(level(1, 65535.0F)),
-                                  quint16(level(2, 65535.0F)), 65535);
+                wide[x] = qRgba64(quint16(level(red, 65535.0F)), quint16(level(green, 65535.0F)),
+                                  quint16(level(blue, 65535.0F)), 65535);
             else
-                narrow[x] = qRgb(level(0, 255.0F), level(1, 255.0F), level(2, 255.0F));
+                narrow[x] = qRgb(level(red, 255.0F), level(green, 255.0F), level(blue, 255.0F));
         }
     }
     image.setColorSpace(headroom ? QColorSpace::SRgbLinear : QColorSpace::SRgb);

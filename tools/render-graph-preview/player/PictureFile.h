@@ -1,40 +1,51 @@
 #pragma once
 
-#include "Picture.h"
-
 #include <QImage>
 #include <QString>
 
 #include <optional>
 
-// The largest side of a source picture: no Vulkan device takes less.
+// The largest side of a source picture: every Vulkan device supports it.
 inline constexpr int kLargestSourceSide = 4096;
 
-// The picture that enters a graph: a test picture by its name, or a file that Qt can read.
+// The picture that enters a graph: a test picture or a picture file.
 class SourcePicture
 {
 public:
-    // Functions that can fail return nothing, or false, and say in `error` what is wrong.
-    static std::optional<SourcePicture> open(const QString &nameOrPath, QString &error);
+    // Opens a test picture by its name, or a file that Qt can read. On failure returns false, with
+    // the reason in `error`.
+    static bool open(const QString &nameOrPath, SourcePicture &source, QString &error);
 
-    // What enters as that frame: gamma-encoded sRGB, over black where the file is transparent.
+    bool isNull() const
+    {
+        return m_image.isNull();
+    }
+    QSize size() const
+    {
+        return m_image.size();
+    }
+    // The picture in a frame: gamma-encoded sRGB, over black where the file is transparent.
     QImage frame(int number) const;
-    bool moves() const;
+    bool isAnimated() const;
+    // Shows the first frame of an animated picture in all frames.
+    void freeze();
 
 private:
-    QString m_testPicture; // or empty
-    QImage m_image;
+    QString m_testPicture; // empty if the picture is still
+    QImage m_image; // the first frame
 };
 
-Picture pictureOf(const QImage &image);
+// Converts 8-bit colours to QImage::Format_RGBA32FPx4, opaque.
+QImage floatPicture(const QImage &image);
 
-// In SDR 8 bits per channel, marked as sRGB: the values as they are, which is what a swapchain of
-// that colour space takes. With an HDR headroom 16 bits, marked as linear light: the value 65535 is
-// `headroom` times the reference white. Values below 0 and above the largest one are clamped, and
-// NaN is 0; alpha is left out.
-QImage imageOf(const Picture &picture, std::optional<float> headroom = {});
+// Converts a float picture for a display. SDR: 8 bits per channel, marked as sRGB, with the values
+// as they are, as a swapchain of that colour space shows them. HDR: 16 bits per channel, marked as
+// linear light; 65535 is `headroom` times the reference white. Values are clamped to the range, NaN
+// becomes 0, and alpha is dropped.
+QImage displayImage(const QImage &picture, std::optional<float> headroom = {});
 
-// Writes beside `path` and renames, so that no half file ever has that name.
+// Writes to a temporary file and renames it to `path`, so that `path` is never half written. On
+// failure returns false, with the reason in `error`.
 bool saveFile(const QByteArray &content, const QString &path, QString &error);
 bool savePng(const QImage &image, const QString &path, QString &error);
 QByteArray pngOf(const QImage &image);

@@ -28,7 +28,7 @@ QString glslpPath(const QString &shadersDir, const PresetDecl &decl)
     return QDir(shadersDir).filePath(QString::fromLatin1(decl.name) + ".glslp"_L1);
 }
 
-// What the preset's compiler looks at.
+// The files that the preset's compiler looks for.
 QStringList filesOf(const QString &shadersDir, const PresetDecl &decl)
 {
     QStringList files;
@@ -39,38 +39,37 @@ QStringList filesOf(const QString &shadersDir, const PresetDecl &decl)
     return files;
 }
 
-bool compileGraph(const QString &shadersDir, const PresetDecl &decl, PresetOnDisk &preset)
+bool compileGraph(const QString &shadersDir, const PresetDecl &decl, PresetOnDisk &preset,
+                  QString &error)
 {
     const DiagnosticCollector diagnostics;
     const bool isCompiled = compilePreset(shadersDir, decl, preset.graph)
             && collectPresetParameters(shadersDir, decl, preset.parameters);
-    preset.error = diagnostics.errors().join(u'\n');
-    if (!isCompiled) {
-        // The pass that fails is the first one that the graph lacks.
-        const auto index = std::size_t(preset.graph.passes.size());
-        const auto passes = passesOf(decl);
-        const QString component =
-                index < passes.size() ? QString::fromLatin1(passes[index].component) : QString();
-        const QString place = errorPlace(preset.error, slangComponentPath(shadersDir, component),
-                                         glslpPath(shadersDir, decl), preset.parameters);
-        if (!place.isEmpty())
-            preset.error += u'\n' + place;
-    }
-    return isCompiled;
+    if (isCompiled)
+        return true;
+    error = diagnostics.errors().join(u'\n');
+    // The pass that failed is the first one that the graph does not have.
+    const auto index = std::size_t(preset.graph.passes.size());
+    const auto passes = passesOf(decl);
+    const QString component =
+            index < passes.size() ? QString::fromLatin1(passes[index].component) : QString();
+    const QString place = errorPlace(error, slangComponentPath(shadersDir, component),
+                                     glslpPath(shadersDir, decl), preset.parameters);
+    if (!place.isEmpty())
+        error += u'\n' + place;
+    return false;
 }
 
-// Goes on at an error, so that whoever broke two components sees both.
-void compileModules(const QString &shadersDir, PresetOnDisk &preset)
+// Goes on after an error, so that the errors of all components are reported at once.
+bool compileModules(const QString &shadersDir, PresetOnDisk &preset, QString &error)
 {
     QStringList errors;
     const auto compile = [&](const QString &resource, const QString &path, ShaderStage stage) {
         if (preset.modules.contains(resource))
             return;
-        const CompiledShader shader = compileGlsl(path, stage);
-        preset.modules.insert(resource, shader.spirv);
-        preset.files.append(shader.files);
-        if (!shader.error.isEmpty())
-            errors.append(shader.error.split(u'\n'));
+        QString shaderErrors;
+        if (!compileGlsl(path, stage, preset.modules[resource], preset.files, shaderErrors))
+            errors.append(shaderErrors.split(u'\n'));
     };
     for (const VulkanRenderGraph::Pass &pass : std::as_const(preset.graph.passes)) {
         compile(pass.vertexSpirvResource, QDir(shadersDir).filePath(u"vulkan/fullscreen.vert"_s),
@@ -80,8 +79,11 @@ void compileModules(const QString &shadersDir, PresetOnDisk &preset)
         const bool isFrag = !QFile::exists(slangPath) && QFile::exists(fragPath);
         compile(pass.fragmentSpirvResource, isFrag ? fragPath : slangPath, ShaderStage::Fragment);
     }
-    errors.removeDuplicates(); // of a file that several components include
-    preset.error = errors.join(u'\n');
+    if (errors.isEmpty())
+        return true;
+    errors.removeDuplicates(); // of files that several components include
+    error = errors.join(u'\n');
+    return false;
 }
 
 } // namespace
@@ -94,21 +96,22 @@ QStringList presetNames()
     return names;
 }
 
-PresetOnDisk loadPreset(const QString &shadersDir, const QString &name)
+bool loadPreset(const QString &shadersDir, const QString &name, PresetOnDisk &preset,
+                QString &error)
 {
-    PresetOnDisk preset;
+    preset = {};
     preset.name = name;
     const auto *const decl = std::ranges::find_if(
             kPresets, [&name](const PresetDecl &row) { return name == QLatin1String(row.name); });
     if (decl == std::end(kPresets)) {
-        preset.error = "no preset '%1'; there are %2"_L1.arg(name, presetNames().join(", "_L1));
-        return preset;
+        error = "no preset '%1'; there are %2"_L1.arg(name, presetNames().join(", "_L1));
+        return false;
     }
     preset.files = filesOf(shadersDir, *decl);
-    if (compileGraph(shadersDir, *decl, preset))
-        compileModules(shadersDir, preset);
+    const bool isLoaded = compileGraph(shadersDir, *decl, preset, error)
+            && compileModules(shadersDir, preset, error);
     preset.files.removeDuplicates();
-    return preset;
+    return isLoaded;
 }
 
 QHash<QString, float> initialValues(const QList<PresetParamMeta> &parameters)

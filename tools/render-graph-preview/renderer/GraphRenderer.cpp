@@ -3,6 +3,7 @@
 #include "VulkanDevice.h"
 
 #include <QFloat16>
+#include <QRgbaFloat32>
 #include <QStringList>
 
 #include <algorithm>
@@ -23,8 +24,7 @@ using Layout = vk::ImageLayout;
 
 constexpr vk::Format kSourceFormat = vk::Format::eR32G32B32A32Sfloat;
 constexpr int kSourceWrapMode = 1;
-const QString kNoDevice = QStringLiteral("no Vulkan 1.1 device here: install a driver (Debian's "
-                                         "mesa-vulkan-drivers has a software one)");
+constexpr QImage::Format kPictureFormat = QImage::Format_RGBA32FPx4;
 
 // The block of examples/shaders/vulkan/include/component.glsl.
 struct PushConstants
@@ -48,7 +48,7 @@ std::array<float, 4> sizeConstant(QSize size)
     return {width, height, 1.0F / width, 1.0F / height};
 }
 
-// By the enumerators' integers.
+// In the enumerators' order.
 struct FormatTraits
 {
     vk::Format format;
@@ -70,30 +70,32 @@ float fromHalfBits(std::uint32_t bits)
     return float(std::bit_cast<qfloat16>(quint16(bits)));
 }
 
-// Small floats are halves without their sign and last bits.
-Pixel fromPackedFloats(std::uint32_t texel)
+// 11-bit and 10-bit floats are half floats without the sign and the lowest mantissa bits.
+QRgbaFloat32 fromPackedFloats(std::uint32_t texel)
 {
     return {fromHalfBits((texel & 0x7FFU) << 4U), fromHalfBits((texel >> 11U & 0x7FFU) << 4U),
             fromHalfBits((texel >> 22U) << 5U), 1.0F};
 }
 
-void readTexels(const void *texels, VulkanRenderGraph::Format format, std::vector<Pixel> &pixels)
+// `pixels` has room for `count`.
+void readTexels(const void *texels, VulkanRenderGraph::Format format, QRgbaFloat32 *pixels,
+                std::size_t count)
 {
     const auto *const bytes = static_cast<const std::uint8_t *>(texels);
+    auto *const channels = reinterpret_cast<float *>(pixels);
     switch (format) {
     case VulkanRenderGraph::Format::RGBA32F:
-        std::memcpy(pixels.data(), texels, pixels.size() * sizeof(Pixel));
+        std::memcpy(pixels, texels, count * sizeof(QRgbaFloat32));
         break;
     case VulkanRenderGraph::Format::RGBA16F:
-        qFloatFromFloat16(pixels.front().data(), static_cast<const qfloat16 *>(texels),
-                          qsizetype(pixels.size()) * 4);
+        qFloatFromFloat16(channels, static_cast<const qfloat16 *>(texels), qsizetype(count) * 4);
         break;
     case VulkanRenderGraph::Format::RGBA8:
-        for (std::size_t i = 0; i < pixels.size() * 4; ++i)
-            pixels[i / 4].at(i % 4) = float(bytes[i]) / 255.0F;
+        for (std::size_t i = 0; i < count * 4; ++i)
+            channels[i] = float(bytes[i]) / 255.0F;
         break;
     case VulkanRenderGraph::Format::R11G11B10F:
-        for (std::size_t i = 0; i < pixels.size(); ++i)
+        for (std::size_t i = 0; i < count; ++i)
             pixels[i] = fromPackedFloats(static_cast<const std::uint32_t *>(texels)[i]);
         break;
     }
@@ -116,7 +118,7 @@ int scaled(int extent, float factor)
     return int(std::clamp(std::round(float(extent) * factor), 1.0F, 1e6F));
 }
 
-// By pass. Sizes are those that are declared: no parameter changes them.
+// By pass. Parameters do not change sizes.
 QList<QSize> outputSizes(const VulkanRenderGraph &graph, QSize source, QSize viewport)
 {
     QList<QSize> sizes;
@@ -138,9 +140,9 @@ QList<QSize> outputSizes(const VulkanRenderGraph &graph, QSize source, QSize vie
     return sizes;
 }
 
-// What Vulkan throws becomes a text.
+// Runs Vulkan calls. Their exceptions end here, as an error text.
 template<typename Action>
-bool guarded(QString &error, const Action &action)
+bool runVulkan(QString &error, const Action &action)
 {
     try {
         action();
@@ -159,6 +161,28 @@ bool guarded(QString &error, const Action &action)
     return false;
 }
 
+QString noDeviceError(const QString &reason)
+{
+    return "no Vulkan device to draw on (%1); install a driver (Debian: mesa-vulkan-drivers)"_L1
+            .arg(reason);
+}
+
+// The devices that can draw. Fails if there is none.
+bool findDevices(std::optional<vk::raii::Context> &context, vk::raii::Instance &instance,
+                 std::vector<VulkanDevice::Choice> &choices, QString &error)
+{
+    QString reason = u"none supports Vulkan 1.1"_s;
+    const bool isDone = runVulkan(reason, [&] {
+        context.emplace();
+        instance = VulkanDevice::createInstance(*context);
+        choices = VulkanDevice::choices(instance);
+    });
+    if (isDone && !choices.empty())
+        return true;
+    error = noDeviceError(reason);
+    return false;
+}
+
 QString deviceList(const std::vector<VulkanDevice::Choice> &choices)
 {
     QStringList names;
@@ -167,7 +191,7 @@ QString deviceList(const std::vector<VulkanDevice::Choice> &choices)
     return names.join(", "_L1);
 }
 
-// The index of the device that is meant, or -1.
+// The index of the named device, or -1.
 qsizetype choiceOf(const std::vector<VulkanDevice::Choice> &choices, const QString &device)
 {
     bool isNumber = false;
@@ -181,7 +205,7 @@ qsizetype choiceOf(const std::vector<VulkanDevice::Choice> &choices, const QStri
     return found == choices.cend() ? -1 : found - choices.cbegin();
 }
 
-QString nameOf(int index, const Pass &pass)
+QString passName(int index, const Pass &pass)
 {
     return "pass %1 ('%2')"_L1.arg(QString::number(index), pass.debugName);
 }
@@ -203,7 +227,7 @@ vk::raii::RenderPass createRenderPass(const vk::raii::Device &device, vk::Format
             vk::AttachmentStoreOp::eDontCare, Layout::eUndefined, Layout::eShaderReadOnlyOptimal);
     const vk::AttachmentReference color(0, Layout::eColorAttachmentOptimal);
     const vk::SubpassDescription subpass({}, vk::PipelineBindPoint::eGraphics, {}, color);
-    // Drawing waits for whoever still reads the image, readers wait for the drawing.
+    // Drawing waits for the previous readers of the image; the next readers wait for the drawing.
     const auto readers = Stage::eFragmentShader | Stage::eTransfer;
     const std::array dependencies = {
             vk::SubpassDependency(VK_SUBPASS_EXTERNAL, 0, readers, Stage::eColorAttachmentOutput,
@@ -262,39 +286,39 @@ std::array<vk::Offset3D, 2> cornersOf(QSize size)
     return {vk::Offset3D(0, 0, 0), vk::Offset3D(size.width(), size.height(), 1)};
 }
 
-// The whole image, whatever was in it.
+// Clears all levels to black.
 void recordClear(const vk::raii::CommandBuffer &commands, const DeviceImage &image, float alpha)
 {
-    VulkanDevice::moveTo(commands, image, Layout::eUndefined, Layout::eTransferDstOptimal);
+    VulkanDevice::transition(commands, image, Layout::eUndefined, Layout::eTransferDstOptimal);
     commands.clearColorImage(
             *image.image, Layout::eTransferDstOptimal,
             vk::ClearColorValue(std::array{0.0F, 0.0F, 0.0F, alpha}),
             vk::ImageSubresourceRange(vk::ImageAspectFlagBits::eColor, 0, image.levels, 0, 1));
-    VulkanDevice::moveTo(commands, image, Layout::eTransferDstOptimal,
-                         Layout::eShaderReadOnlyOptimal);
+    VulkanDevice::transition(commands, image, Layout::eTransferDstOptimal,
+                             Layout::eShaderReadOnlyOptimal);
 }
 
-// All levels below the first, each from the one above.
+// Fills each level but the first from the one above.
 void recordMipmaps(const vk::raii::CommandBuffer &commands, const DeviceImage &image)
 {
-    VulkanDevice::moveTo(commands, image, Layout::eShaderReadOnlyOptimal,
-                         Layout::eTransferSrcOptimal, 0, 1);
+    VulkanDevice::transition(commands, image, Layout::eShaderReadOnlyOptimal,
+                             Layout::eTransferSrcOptimal, 0, 1);
     QSize size = image.size;
     for (std::uint32_t level = 1; level < image.levels; ++level) {
         const QSize half = (size / 2).expandedTo({1, 1});
-        VulkanDevice::moveTo(commands, image, Layout::eUndefined, Layout::eTransferDstOptimal,
-                             level, 1);
+        VulkanDevice::transition(commands, image, Layout::eUndefined, Layout::eTransferDstOptimal,
+                                 level, 1);
         commands.blitImage(*image.image, Layout::eTransferSrcOptimal, *image.image,
                            Layout::eTransferDstOptimal,
                            vk::ImageBlit(colorLayer(level - 1), cornersOf(size), colorLayer(level),
                                          cornersOf(half)),
                            vk::Filter::eLinear);
-        VulkanDevice::moveTo(commands, image, Layout::eTransferDstOptimal,
-                             Layout::eTransferSrcOptimal, level, 1);
+        VulkanDevice::transition(commands, image, Layout::eTransferDstOptimal,
+                                 Layout::eTransferSrcOptimal, level, 1);
         size = half;
     }
-    VulkanDevice::moveTo(commands, image, Layout::eTransferSrcOptimal,
-                         Layout::eShaderReadOnlyOptimal);
+    VulkanDevice::transition(commands, image, Layout::eTransferSrcOptimal,
+                             Layout::eShaderReadOnlyOptimal);
 }
 
 bool isBlack(const Pass &pass, const FrameState &state)
@@ -324,25 +348,27 @@ public:
         return m_results;
     }
 
-    // Empty if this device can draw it.
-    QString objectionTo(const VulkanRenderGraph &graph, const ShaderModules &modules) const;
+    // The functions that change something throw Vulkan's exceptions. The check before each of them
+    // has to succeed first.
+    bool checkGraph(const VulkanRenderGraph &graph, const ShaderModules &modules,
+                    QString &error) const;
     void setGraph(const VulkanRenderGraph &graph, const ShaderModules &modules);
 
-    QString objectionTo(const Picture &source) const;
-    void setSource(const Picture &source);
+    bool checkSource(const QImage &source, QString &error) const;
+    void setSource(const QImage &source);
 
-    QString objectionTo(const FrameState &state) const;
+    bool checkFrame(const FrameState &state, QString &error) const;
     void drawFrame(const FrameState &state);
     void resetHistories()
     {
         m_hasHistory = false;
     }
 
-    Picture output(int index) const;
+    QImage output(int index) const;
     qint64 memoryHeld() const;
 
 private:
-    // What is made of a pass once per graph.
+    // The objects of a pass that live as long as the graph.
     struct Program
     {
         vk::raii::DescriptorSetLayout setLayout = nullptr;
@@ -351,23 +377,23 @@ private:
         vk::raii::Pipeline pipeline = nullptr;
         vk::raii::Sampler sampler = nullptr; // of its output
     };
-    // What is made of it once per size. A feedback pass draws into the one image and reads the
-    // other, in turn; so there are two of what names either.
+    // The objects of a pass that depend on sizes. A feedback pass alternates between two images: it
+    // draws into one and reads the other. So there are two of whatever refers to an image.
     struct Target
     {
         std::array<DeviceImage, 2> images;
         std::array<vk::raii::Framebuffer, 2> framebuffers = {nullptr, nullptr};
         std::array<vk::raii::DescriptorSet, 2> sets = {nullptr, nullptr};
-        QList<float> cachedParams; // of what is in the image
+        QList<float> cachedParams; // with which the image was drawn
         bool isCached = false;
-        bool isCleared = false; // to its constant black
+        bool isCleared = false; // to constant black
     };
     struct Targets
     {
         QSize source;
         QSize viewport;
         vk::raii::DescriptorPool descriptorPool = nullptr;
-        vk::raii::QueryPool clock = nullptr;
+        vk::raii::QueryPool timestamps = nullptr;
         std::vector<Target> passes;
     };
 
@@ -375,9 +401,10 @@ private:
     DeviceImage createBlack(float alpha) const;
     Program createProgram(const Pass &pass, const ShaderModules &modules) const;
     Targets createTargets(const QList<QSize> &sizes, QSize viewport) const;
-    void describe();
-    const DeviceImage &imageOf(int index, std::size_t turn) const;
-    const DeviceImage &sampledImage(int reader, const ResourceRef &input, std::size_t turn) const;
+    void updateDescriptorSets();
+    const DeviceImage &imageOf(int index, std::size_t pingPong) const;
+    const DeviceImage &sampledImage(int reader, const ResourceRef &input,
+                                    std::size_t pingPong) const;
 
     PushConstants constantsOf(int index, const FrameState &state) const;
     PassResult::Kind recordPass(const vk::raii::CommandBuffer &commands, int index,
@@ -385,19 +412,19 @@ private:
     void recordDrawing(const vk::raii::CommandBuffer &commands, int index,
                        const FrameState &state) const;
     void recordFirstHistory(const vk::raii::CommandBuffer &commands, int index) const;
-    void readClock(QList<PassResult> &results) const;
-    QString objectionTo(const QString &what, QSize size) const;
+    void readTimestamps(QList<PassResult> &results) const;
+    bool checkExtent(const QString &what, QSize size, QString &error) const;
 
     VulkanDevice m_device;
     vk::raii::Sampler m_sourceSampler;
-    std::array<DeviceImage, 2> m_black; // by alpha: of all passes that share theirs
+    std::array<DeviceImage, 2> m_black; // by alpha, for all passes that share their constant black
     DeviceImage m_source;
 
     VulkanRenderGraph m_graph;
     std::vector<Program> m_programs;
     Targets m_targets;
-    QList<bool> m_isBlack; // by pass, as the descriptors have it
-    std::size_t m_turn = 0; // which image of a feedback pass is drawn into
+    QList<bool> m_isBlack; // by pass, as in the descriptor sets
+    std::size_t m_pingPong = 0; // the image that feedback passes draw into
     bool m_hasHistory = false;
     QList<PassResult> m_results;
 };
@@ -423,26 +450,32 @@ DeviceImage GraphRenderer::State::createBlack(float alpha) const
     return image;
 }
 
-QString GraphRenderer::State::objectionTo(const VulkanRenderGraph &graph,
-                                          const ShaderModules &modules) const
+bool GraphRenderer::State::checkGraph(const VulkanRenderGraph &graph, const ShaderModules &modules,
+                                      QString &error) const
 {
     using Feature = vk::FormatFeatureFlagBits;
-    if (!graph.isValid())
-        return u"the graph is not valid"_s;
+    if (!graph.isValid()) {
+        error = u"the graph is not valid"_s;
+        return false;
+    }
     for (int index = 0; index < graph.passes.size(); ++index) {
         const Pass &pass = graph.passes.at(index);
         for (const QString &resource : {pass.vertexSpirvResource, pass.fragmentSpirvResource}) {
-            if (modules.value(resource).isEmpty())
-                return "%1 has no module '%2'"_L1.arg(nameOf(index, pass), resource);
+            if (modules.value(resource).isEmpty()) {
+                error = "%1 has no module '%2'"_L1.arg(passName(index, pass), resource);
+                return false;
+            }
         }
         vk::FormatFeatureFlags needed = Feature::eColorAttachment | Feature::eSampledImage
                 | Feature::eBlitSrc | Feature::eBlitDst;
         if (pass.linearFilter || pass.mipmap)
             needed |= Feature::eSampledImageFilterLinear;
-        if (!m_device.supports(traitsOf(pass.format).format, needed))
-            return "this device cannot draw the format of %1"_L1.arg(nameOf(index, pass));
+        if (!m_device.supports(traitsOf(pass.format).format, needed)) {
+            error = "this device cannot draw the format of %1"_L1.arg(passName(index, pass));
+            return false;
+        }
     }
-    return {};
+    return true;
 }
 
 void GraphRenderer::State::setGraph(const VulkanRenderGraph &graph, const ShaderModules &modules)
@@ -481,66 +514,78 @@ GraphRenderer::State::createProgram(const Pass &pass, const ShaderModules &modul
     return program;
 }
 
-QString GraphRenderer::State::objectionTo(const QString &what, QSize size) const
+bool GraphRenderer::State::checkExtent(const QString &what, QSize size, QString &error) const
 {
     const int most = int(
             std::min({m_device.limits().maxImageDimension2D, m_device.limits().maxFramebufferWidth,
                       m_device.limits().maxFramebufferHeight}));
     if (size.width() <= most && size.height() <= most)
-        return {};
-    return "%1 has %2x%3 pixels, and this device takes no more than %4 either way"_L1.arg(
+        return true;
+    error = "%1 has %2x%3 pixels, and this device takes no more than %4 either way"_L1.arg(
             what, QString::number(size.width()), QString::number(size.height()),
             QString::number(most));
+    return false;
 }
 
-QString GraphRenderer::State::objectionTo(const Picture &source) const
+bool GraphRenderer::State::checkSource(const QImage &source, QString &error) const
 {
-    return source.size.isEmpty() ? u"the source picture is empty"_s
-                                 : objectionTo(u"the source picture"_s, source.size);
+    if (source.isNull()) {
+        error = u"the source picture is empty"_s;
+        return false;
+    }
+    if (source.format() != kPictureFormat) {
+        error = u"the source picture is not of 32-bit floats"_s;
+        return false;
+    }
+    return checkExtent(u"the source picture"_s, source.size(), error);
 }
 
-void GraphRenderer::State::setSource(const Picture &source)
+void GraphRenderer::State::setSource(const QImage &source)
 {
-    if (m_source.size != source.size) {
-        DeviceImage image = m_device.createImage(source.size, kSourceFormat,
+    if (m_source.size != source.size()) {
+        DeviceImage image = m_device.createImage(source.size(), kSourceFormat,
                                                  vk::ImageUsageFlagBits::eSampled
                                                          | vk::ImageUsageFlagBits::eTransferSrc
                                                          | vk::ImageUsageFlagBits::eTransferDst);
         std::swap(m_source, image);
     }
-    const std::size_t size = source.pixels.size() * sizeof(Pixel);
+    const auto size = std::size_t(source.sizeInBytes()); // such rows have no padding
     const DeviceBuffer upload = m_device.createBuffer(size, vk::BufferUsageFlagBits::eTransferSrc);
-    std::memcpy(upload.mapped, source.pixels.data(), size);
+    std::memcpy(upload.mapped, source.constBits(), size);
     m_device.run([&](const vk::raii::CommandBuffer &commands) {
-        VulkanDevice::moveTo(commands, m_source, Layout::eUndefined, Layout::eTransferDstOptimal);
+        VulkanDevice::transition(commands, m_source, Layout::eUndefined,
+                                 Layout::eTransferDstOptimal);
         commands.copyBufferToImage(
                 *upload.buffer, *m_source.image, Layout::eTransferDstOptimal,
                 vk::BufferImageCopy(0, 0, 0, colorLayer(0), {}, m_source.extent()));
-        VulkanDevice::moveTo(commands, m_source, Layout::eTransferDstOptimal,
-                             Layout::eShaderReadOnlyOptimal);
+        VulkanDevice::transition(commands, m_source, Layout::eTransferDstOptimal,
+                                 Layout::eShaderReadOnlyOptimal);
     });
 }
 
-QString GraphRenderer::State::objectionTo(const FrameState &state) const
+bool GraphRenderer::State::checkFrame(const FrameState &state, QString &error) const
 {
-    if (m_graph.passes.isEmpty())
-        return u"there is no graph to draw"_s;
-    if (m_source.size.isEmpty())
-        return u"there is no source picture"_s;
-    if (state.viewport.isEmpty())
-        return u"the viewport is empty"_s;
+    const char *const missing = m_graph.passes.isEmpty() ? "there is no graph to draw"
+            : m_source.size.isEmpty()                    ? "there is no source picture"
+            : state.viewport.isEmpty()                   ? "the viewport is empty"
+                                                         : nullptr;
+    if (missing != nullptr) {
+        error = QLatin1StringView(missing);
+        return false;
+    }
     const QList<QSize> sizes = outputSizes(m_graph, m_source.size, state.viewport);
     for (int index = 0; index < sizes.size(); ++index) {
         const Pass &pass = m_graph.passes.at(index);
-        QString objection = objectionTo(nameOf(index, pass), sizes.at(index));
-        if (!objection.isEmpty())
-            return objection;
+        if (!checkExtent(passName(index, pass), sizes.at(index), error))
+            return false;
         for (const VulkanRenderGraph::PushConstantParam &param : pass.params) {
-            if (!state.params.contains(param.id))
-                return "no value of parameter '%1'"_L1.arg(param.id);
+            if (!state.params.contains(param.id)) {
+                error = "no value of parameter '%1'"_L1.arg(param.id);
+                return false;
+            }
         }
     }
-    return {};
+    return true;
 }
 
 GraphRenderer::State::Targets GraphRenderer::State::createTargets(const QList<QSize> &sizes,
@@ -559,8 +604,8 @@ GraphRenderer::State::Targets GraphRenderer::State::createTargets(const QList<QS
             device,
             vk::DescriptorPoolCreateInfo(vk::DescriptorPoolCreateFlagBits::eFreeDescriptorSet,
                                          2 * std::uint32_t(sizes.size()), poolSize));
-    if (m_device.hasClock()) {
-        targets.clock =
+    if (m_device.hasTimestamps()) {
+        targets.timestamps =
                 vk::raii::QueryPool(device,
                                     vk::QueryPoolCreateInfo({}, vk::QueryType::eTimestamp,
                                                             std::uint32_t(sizes.size()) + 1));
@@ -570,11 +615,11 @@ GraphRenderer::State::Targets GraphRenderer::State::createTargets(const QList<QS
         const Program &program = m_programs.at(std::size_t(index));
         Target &target = targets.passes.emplace_back();
         const QSize size = sizes.at(index);
-        for (std::size_t turn = 0; turn < (pass.isFeedbackReader ? 2 : 1); ++turn) {
-            DeviceImage &image = target.images.at(turn);
+        for (std::size_t pingPong = 0; pingPong < (pass.isFeedbackReader ? 2 : 1); ++pingPong) {
+            DeviceImage &image = target.images.at(pingPong);
             image = m_device.createImage(size, traitsOf(pass.format).format, kImageUsage,
                                          pass.mipmap);
-            target.framebuffers.at(turn) = vk::raii::Framebuffer(
+            target.framebuffers.at(pingPong) = vk::raii::Framebuffer(
                     device,
                     vk::FramebufferCreateInfo({}, *program.renderPass, *image.target,
                                               std::uint32_t(size.width()),
@@ -590,31 +635,31 @@ GraphRenderer::State::Targets GraphRenderer::State::createTargets(const QList<QS
     return targets;
 }
 
-const DeviceImage &GraphRenderer::State::imageOf(int index, std::size_t turn) const
+const DeviceImage &GraphRenderer::State::imageOf(int index, std::size_t pingPong) const
 {
     const bool isDouble = m_graph.passes.at(index).isFeedbackReader;
-    return m_targets.passes.at(std::size_t(index)).images.at(isDouble ? turn : 0);
+    return m_targets.passes.at(std::size_t(index)).images.at(isDouble ? pingPong : 0);
 }
 
 const DeviceImage &GraphRenderer::State::sampledImage(int reader, const ResourceRef &input,
-                                                      std::size_t turn) const
+                                                      std::size_t pingPong) const
 {
     if (input.passIndex == ResourceRef::SourceImage)
         return m_source;
     if (input.passIndex == ResourceRef::Feedback)
-        return imageOf(reader, 1 - turn);
+        return imageOf(reader, 1 - pingPong);
     const Pass &pass = m_graph.passes.at(input.passIndex);
     if (m_isBlack.at(input.passIndex) && pass.shareConstantBlack)
         return m_black.at(pass.constantBlackAlpha == 0.0F ? 0 : 1);
-    return imageOf(input.passIndex, turn);
+    return imageOf(input.passIndex, pingPong);
 }
 
-// Nothing is being drawn, so all sets may be written.
-void GraphRenderer::State::describe()
+// Only called while the device is idle.
+void GraphRenderer::State::updateDescriptorSets()
 {
     for (int index = 0; index < m_graph.passes.size(); ++index) {
         const QList<ResourceRef> &inputs = m_graph.passes.at(index).sampledInputs;
-        for (const std::size_t turn : {std::size_t(0), std::size_t(1)}) {
+        for (const std::size_t pingPong : {std::size_t(0), std::size_t(1)}) {
             std::vector<vk::DescriptorImageInfo> images;
             for (const ResourceRef &input : inputs) {
                 const int sampled =
@@ -622,14 +667,15 @@ void GraphRenderer::State::describe()
                 const vk::raii::Sampler &sampler = sampled == ResourceRef::SourceImage
                         ? m_sourceSampler
                         : m_programs.at(std::size_t(sampled)).sampler;
-                images.emplace_back(*sampler, *sampledImage(index, input, turn).sampled,
+                images.emplace_back(*sampler, *sampledImage(index, input, pingPong).sampled,
                                     Layout::eShaderReadOnlyOptimal);
             }
             if (images.empty())
                 continue;
             m_device.device().updateDescriptorSets(
-                    vk::WriteDescriptorSet(*m_targets.passes.at(std::size_t(index)).sets.at(turn),
-                                           0, 0, vk::DescriptorType::eCombinedImageSampler, images),
+                    vk::WriteDescriptorSet(
+                            *m_targets.passes.at(std::size_t(index)).sets.at(pingPong), 0, 0,
+                            vk::DescriptorType::eCombinedImageSampler, images),
                     {});
         }
     }
@@ -643,16 +689,16 @@ PushConstants GraphRenderer::State::constantsOf(int index, const FrameState &sta
     if (!pass.sampledInputs.isEmpty()) {
         const int sampled = pass.sampledInputs.first().passIndex;
         if (sampled != ResourceRef::SourceImage)
-            source = imageOf(sampled == ResourceRef::Feedback ? index : sampled, m_turn).size;
+            source = imageOf(sampled == ResourceRef::Feedback ? index : sampled, m_pingPong).size;
     }
     constants.sourceSize = sizeConstant(source);
-    constants.outputSize = sizeConstant(imageOf(index, m_turn).size);
+    constants.outputSize = sizeConstant(imageOf(index, m_pingPong).size);
     constants.originalSize = sizeConstant(m_source.size);
     constants.frameCount = state.frameCount;
     constants.frameDirection = state.frameDirection;
     constants.hdrOutputActive = state.hdrOutputActive ? 1 : 0;
     constants.frameSeconds = state.frameSeconds;
-    // A preset that answers HDR itself leaves nothing for the last pass to add.
+    // A preset that responds to HDR itself leaves nothing for the final pass to boost.
     constants.hdrHeadroom =
             pass.isFinalPass && m_graph.finalRealPassRespondsToHdr ? 1.0F : state.hdrHeadroom;
     for (const VulkanRenderGraph::PushConstantParam &param : pass.params)
@@ -660,29 +706,29 @@ PushConstants GraphRenderer::State::constantsOf(int index, const FrameState &sta
     return constants;
 }
 
-// What the pass samples first, scaled; black where it samples nothing but its history.
+// Copies what the pass samples at binding 0, scaled. Black if that is its history itself.
 void GraphRenderer::State::recordFirstHistory(const vk::raii::CommandBuffer &commands,
                                               int index) const
 {
     const QList<ResourceRef> &inputs = m_graph.passes.at(index).sampledInputs;
-    const DeviceImage &history = imageOf(index, 1 - m_turn);
+    const DeviceImage &history = imageOf(index, 1 - m_pingPong);
     if (inputs.isEmpty() || inputs.first().passIndex == ResourceRef::Feedback) {
         recordClear(commands, history, 1.0F);
         return;
     }
-    const DeviceImage &input = sampledImage(index, inputs.first(), m_turn);
-    VulkanDevice::moveTo(commands, input, Layout::eShaderReadOnlyOptimal,
-                         Layout::eTransferSrcOptimal);
-    VulkanDevice::moveTo(commands, history, Layout::eUndefined, Layout::eTransferDstOptimal);
+    const DeviceImage &input = sampledImage(index, inputs.first(), m_pingPong);
+    VulkanDevice::transition(commands, input, Layout::eShaderReadOnlyOptimal,
+                             Layout::eTransferSrcOptimal);
+    VulkanDevice::transition(commands, history, Layout::eUndefined, Layout::eTransferDstOptimal);
     commands.blitImage(*input.image, Layout::eTransferSrcOptimal, *history.image,
                        Layout::eTransferDstOptimal,
                        vk::ImageBlit(colorLayer(0), cornersOf(input.size), colorLayer(0),
                                      cornersOf(history.size)),
                        vk::Filter::eNearest);
-    VulkanDevice::moveTo(commands, history, Layout::eTransferDstOptimal,
-                         Layout::eShaderReadOnlyOptimal);
-    VulkanDevice::moveTo(commands, input, Layout::eTransferSrcOptimal,
-                         Layout::eShaderReadOnlyOptimal);
+    VulkanDevice::transition(commands, history, Layout::eTransferDstOptimal,
+                             Layout::eShaderReadOnlyOptimal);
+    VulkanDevice::transition(commands, input, Layout::eTransferSrcOptimal,
+                             Layout::eShaderReadOnlyOptimal);
     if (history.levels > 1)
         recordMipmaps(commands, history);
 }
@@ -693,11 +739,12 @@ void GraphRenderer::State::recordDrawing(const vk::raii::CommandBuffer &commands
     const Pass &pass = m_graph.passes.at(index);
     const Program &program = m_programs.at(std::size_t(index));
     const Target &target = m_targets.passes.at(std::size_t(index));
-    const DeviceImage &image = imageOf(index, m_turn);
+    const DeviceImage &image = imageOf(index, m_pingPong);
     const vk::Rect2D area({0, 0},
                           {std::uint32_t(image.size.width()), std::uint32_t(image.size.height())});
     commands.beginRenderPass({*program.renderPass,
-                              *target.framebuffers.at(pass.isFeedbackReader ? m_turn : 0), area},
+                              *target.framebuffers.at(pass.isFeedbackReader ? m_pingPong : 0),
+                              area},
                              vk::SubpassContents::eInline);
     commands.bindPipeline(vk::PipelineBindPoint::eGraphics, *program.pipeline);
     commands.setViewport(0,
@@ -706,7 +753,7 @@ void GraphRenderer::State::recordDrawing(const vk::raii::CommandBuffer &commands
     commands.setScissor(0, area);
     if (!pass.sampledInputs.isEmpty()) {
         commands.bindDescriptorSets(vk::PipelineBindPoint::eGraphics, *program.layout, 0,
-                                    *target.sets.at(m_turn), {});
+                                    *target.sets.at(m_pingPong), {});
     }
     commands.pushConstants<PushConstants>(*program.layout, vk::ShaderStageFlagBits::eFragment, 0,
                                           constantsOf(index, state));
@@ -723,7 +770,7 @@ PassResult::Kind GraphRenderer::State::recordPass(const vk::raii::CommandBuffer 
     Target &target = m_targets.passes.at(std::size_t(index));
     if (m_isBlack.at(index)) {
         if (!pass.shareConstantBlack && !target.isCleared)
-            recordClear(commands, imageOf(index, m_turn), pass.constantBlackAlpha);
+            recordClear(commands, imageOf(index, m_pingPong), pass.constantBlackAlpha);
         target.isCleared = true;
         return PassResult::Kind::ConstantBlack;
     }
@@ -758,43 +805,43 @@ void GraphRenderer::State::drawFrame(const FrameState &state)
         black.append(isBlack(pass, state));
     if (m_isBlack != black) {
         m_isBlack = black;
-        describe();
+        updateDescriptorSets();
     }
 
-    m_turn = 1 - m_turn;
+    m_pingPong = 1 - m_pingPong;
     QList<PassResult> results;
     m_device.run([&](const vk::raii::CommandBuffer &commands) {
         std::uint32_t stamp = 0;
-        const auto writeTime = [&](vk::PipelineStageFlagBits stage) {
-            if (m_device.hasClock())
-                commands.writeTimestamp(stage, *m_targets.clock, stamp++);
+        const auto writeTimestamp = [&](vk::PipelineStageFlagBits stage) {
+            if (m_device.hasTimestamps())
+                commands.writeTimestamp(stage, *m_targets.timestamps, stamp++);
         };
-        if (m_device.hasClock())
-            commands.resetQueryPool(*m_targets.clock, 0, std::uint32_t(black.size()) + 1);
-        writeTime(vk::PipelineStageFlagBits::eTopOfPipe);
+        if (m_device.hasTimestamps())
+            commands.resetQueryPool(*m_targets.timestamps, 0, std::uint32_t(black.size()) + 1);
+        writeTimestamp(vk::PipelineStageFlagBits::eTopOfPipe);
         for (int index = 0; index < m_graph.passes.size(); ++index) {
             results.append({.kind = recordPass(commands, index, state),
-                            .size = imageOf(index, m_turn).size,
+                            .size = imageOf(index, m_pingPong).size,
                             .format = m_graph.passes.at(index).format,
                             .milliseconds = std::nullopt});
             if (results.constLast().kind == PassResult::Kind::Drawn)
-                writeTime(vk::PipelineStageFlagBits::eBottomOfPipe);
+                writeTimestamp(vk::PipelineStageFlagBits::eBottomOfPipe);
         }
     });
     m_hasHistory = true;
-    if (m_device.hasClock())
-        readClock(results);
+    if (m_device.hasTimestamps())
+        readTimestamps(results);
     m_results = results;
 }
 
-// Each drawn pass took from the time stamp before its own.
-void GraphRenderer::State::readClock(QList<PassResult> &results) const
+// A drawn pass lasts from the previous timestamp to its own.
+void GraphRenderer::State::readTimestamps(QList<PassResult> &results) const
 {
     const auto drawn = std::size_t(
             std::count_if(results.cbegin(), results.cend(), [](const PassResult &result) {
                 return result.kind == PassResult::Kind::Drawn;
             }));
-    const auto stamps = m_targets.clock.getResults<std::uint64_t>(
+    const auto stamps = m_targets.timestamps.getResults<std::uint64_t>(
             0, std::uint32_t(drawn + 1), (drawn + 1) * sizeof(std::uint64_t), sizeof(std::uint64_t),
             vk::QueryResultFlagBits::e64 | vk::QueryResultFlagBits::eWait);
     const auto &[status, times] = stamps;
@@ -809,30 +856,36 @@ void GraphRenderer::State::readClock(QList<PassResult> &results) const
     }
 }
 
-Picture GraphRenderer::State::output(int index) const
+QImage GraphRenderer::State::output(int index) const
 {
     const Pass &pass = m_graph.passes.at(index);
-    const DeviceImage &image = imageOf(index, m_turn);
-    if (m_results.at(index).kind == PassResult::Kind::ConstantBlack)
-        return Picture(image.size, {0.0F, 0.0F, 0.0F, pass.constantBlackAlpha});
-    Picture picture(image.size);
-    const DeviceBuffer download = m_device.createBuffer(
-            picture.pixels.size() * std::size_t(infoOf(pass.format).texelBytes),
-            vk::BufferUsageFlagBits::eTransferDst);
+    const DeviceImage &image = imageOf(index, m_pingPong);
+    QImage picture(image.size, kPictureFormat);
+    if (picture.isNull())
+        throw std::bad_alloc();
+    auto *const pixels = reinterpret_cast<QRgbaFloat32 *>(picture.bits()); // rows have no padding
+    const std::size_t count = std::size_t(picture.width()) * std::size_t(picture.height());
+    if (m_results.at(index).kind == PassResult::Kind::ConstantBlack) {
+        std::fill_n(pixels, count, QRgbaFloat32{0.0F, 0.0F, 0.0F, pass.constantBlackAlpha});
+        return picture;
+    }
+    const DeviceBuffer download =
+            m_device.createBuffer(count * std::size_t(infoOf(pass.format).texelBytes),
+                                  vk::BufferUsageFlagBits::eTransferDst);
     m_device.run([&](const vk::raii::CommandBuffer &commands) {
-        VulkanDevice::moveTo(commands, image, Layout::eShaderReadOnlyOptimal,
-                             Layout::eTransferSrcOptimal);
+        VulkanDevice::transition(commands, image, Layout::eShaderReadOnlyOptimal,
+                                 Layout::eTransferSrcOptimal);
         commands.copyImageToBuffer(*image.image, Layout::eTransferSrcOptimal, *download.buffer,
                                    vk::BufferImageCopy(0, 0, 0, colorLayer(0), {}, image.extent()));
-        VulkanDevice::moveTo(commands, image, Layout::eTransferSrcOptimal,
-                             Layout::eShaderReadOnlyOptimal);
+        VulkanDevice::transition(commands, image, Layout::eTransferSrcOptimal,
+                                 Layout::eShaderReadOnlyOptimal);
         commands.pipelineBarrier(vk::PipelineStageFlagBits::eTransfer,
                                  vk::PipelineStageFlagBits::eHost, {},
                                  vk::MemoryBarrier(vk::AccessFlagBits::eTransferWrite,
                                                    vk::AccessFlagBits::eHostRead),
                                  {}, {});
     });
-    readTexels(download.mapped, pass.format, picture.pixels);
+    readTexels(download.mapped, pass.format, pixels, count);
     return picture;
 }
 
@@ -849,39 +902,50 @@ FormatInfo infoOf(VulkanRenderGraph::Format format)
     return {VulkanRenderGraph::formatName(format), traitsOf(format).texelBytes};
 }
 
-QList<GraphRenderer::DeviceInfo> GraphRenderer::devices(QString &error)
+QLatin1StringView nameOf(PassResult::Kind kind)
 {
-    QList<DeviceInfo> infos;
-    const bool isDone = guarded(error, [&infos] {
-        const vk::raii::Context context;
-        const vk::raii::Instance instance = VulkanDevice::createInstance(context);
-        for (const VulkanDevice::Choice &choice : VulkanDevice::choices(instance))
-            infos.append({choice.name, choice.isSoftware});
-    });
-    if (isDone && infos.isEmpty())
-        error = kNoDevice;
-    return infos;
+    switch (kind) {
+    case PassResult::Kind::Drawn:
+        return "drawn"_L1;
+    case PassResult::Kind::Cached:
+        return "cached"_L1;
+    case PassResult::Kind::ConstantBlack:
+        return "black"_L1;
+    }
+    return {};
 }
 
-std::unique_ptr<GraphRenderer> GraphRenderer::create(const QString &device, QString &error)
+bool GraphRenderer::devices(QList<DeviceInfo> &devices, QString &error)
 {
-    std::unique_ptr<GraphRenderer> renderer;
-    guarded(error, [&] {
-        vk::raii::Context context;
-        vk::raii::Instance instance = VulkanDevice::createInstance(context);
-        std::vector<VulkanDevice::Choice> choices = VulkanDevice::choices(instance);
-        const qsizetype index = choiceOf(choices, device);
-        if (choices.empty()) {
-            error = kNoDevice;
-        } else if (index < 0) {
-            error = "no Vulkan device '%1'; there are %2"_L1.arg(device, deviceList(choices));
-        } else {
-            renderer.reset(new GraphRenderer(std::make_unique<State>(
-                    VulkanDevice(std::move(context), std::move(instance),
-                                 std::move(choices.at(std::size_t(index)))))));
-        }
+    std::optional<vk::raii::Context> context;
+    vk::raii::Instance instance = nullptr;
+    std::vector<VulkanDevice::Choice> choices;
+    if (!findDevices(context, instance, choices, error))
+        return false;
+    devices.clear();
+    for (const VulkanDevice::Choice &choice : choices)
+        devices.append({choice.name, choice.isSoftware});
+    return true;
+}
+
+bool GraphRenderer::create(const QString &device, std::unique_ptr<GraphRenderer> &renderer,
+                           QString &error)
+{
+    std::optional<vk::raii::Context> context;
+    vk::raii::Instance instance = nullptr;
+    std::vector<VulkanDevice::Choice> choices;
+    if (!findDevices(context, instance, choices, error))
+        return false;
+    const qsizetype index = choiceOf(choices, device);
+    if (index < 0) {
+        error = "no Vulkan device '%1'; there are %2"_L1.arg(device, deviceList(choices));
+        return false;
+    }
+    return runVulkan(error, [&] {
+        renderer.reset(new GraphRenderer(
+                std::make_unique<State>(VulkanDevice(std::move(*context), std::move(instance),
+                                                     std::move(choices.at(std::size_t(index)))))));
     });
-    return renderer;
 }
 
 GraphRenderer::GraphRenderer(std::unique_ptr<State> state) : m_state(std::move(state)) { }
@@ -897,32 +961,20 @@ GraphRenderer::DeviceInfo GraphRenderer::device() const
 bool GraphRenderer::setGraph(const VulkanRenderGraph &graph, const ShaderModules &modules,
                              QString &error)
 {
-    const QString objection = m_state->objectionTo(graph, modules);
-    if (!objection.isEmpty()) {
-        error = objection;
-        return false;
-    }
-    return guarded(error, [&] { m_state->setGraph(graph, modules); });
+    return m_state->checkGraph(graph, modules, error)
+            && runVulkan(error, [&] { m_state->setGraph(graph, modules); });
 }
 
-bool GraphRenderer::setSource(const Picture &source, QString &error)
+bool GraphRenderer::setSource(const QImage &source, QString &error)
 {
-    const QString objection = m_state->objectionTo(source);
-    if (!objection.isEmpty()) {
-        error = objection;
-        return false;
-    }
-    return guarded(error, [&] { m_state->setSource(source); });
+    return m_state->checkSource(source, error)
+            && runVulkan(error, [&] { m_state->setSource(source); });
 }
 
 bool GraphRenderer::drawFrame(const FrameState &state, QString &error)
 {
-    const QString objection = m_state->objectionTo(state);
-    if (!objection.isEmpty()) {
-        error = objection;
-        return false;
-    }
-    return guarded(error, [&] { m_state->drawFrame(state); });
+    return m_state->checkFrame(state, error)
+            && runVulkan(error, [&] { m_state->drawFrame(state); });
 }
 
 void GraphRenderer::resetHistories()
@@ -935,15 +987,13 @@ QList<PassResult> GraphRenderer::passes() const
     return m_state->results();
 }
 
-std::optional<Picture> GraphRenderer::output(int index, QString &error) const
+bool GraphRenderer::output(int pass, QImage &picture, QString &error) const
 {
-    if (index < 0 || index >= m_state->results().size()) {
-        error = "no pass %1 in the last frame"_L1.arg(QString::number(index));
-        return std::nullopt;
+    if (pass < 0 || pass >= m_state->results().size()) {
+        error = "no pass %1 in the last frame"_L1.arg(QString::number(pass));
+        return false;
     }
-    std::optional<Picture> picture;
-    guarded(error, [&] { picture = m_state->output(index); });
-    return picture;
+    return runVulkan(error, [&] { picture = m_state->output(pass); });
 }
 
 qint64 GraphRenderer::memoryHeld() const

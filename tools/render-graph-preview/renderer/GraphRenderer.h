@@ -1,9 +1,10 @@
 #pragma once
 
-#include "Picture.h"
-#include "PresetOnDisk.h"
+#include <VulkanRenderGraph.h>
 
+#include <QByteArray>
 #include <QHash>
+#include <QImage>
 #include <QList>
 #include <QSize>
 #include <QString>
@@ -12,19 +13,22 @@
 #include <memory>
 #include <optional>
 
-// What a renderer knows beside the graph when it draws a frame.
+// SPIR-V modules by the names that a graph's passes refer to.
+using ShaderModules = QHash<QString, QByteArray>;
+
+// Per-frame inputs.
 struct FrameState
 {
-    QHash<QString, float> params; // by id: every one that the graph has, more do no harm
+    QHash<QString, float> params; // by id; has to hold all of the graph's, and may hold others
     QSize viewport = {256, 192};
     std::uint32_t frameCount = 0;
     std::int32_t frameDirection = 1; // 1, or -1 while rewinding
     bool hdrOutputActive = false;
     float hdrHeadroom = 1.0F; // the display's peak over its reference white
-    float frameSeconds = 1.0F / 60.0F; // since the previous frame, 0 when unknown
+    float frameSeconds = 1.0F / 60.0F; // since the previous frame; 0: unknown
 };
 
-// What a format is called, and what a texel of it takes.
+// A format's name, and the size of its texels.
 struct FormatInfo
 {
     QLatin1StringView name;
@@ -32,30 +36,34 @@ struct FormatInfo
 };
 FormatInfo infoOf(VulkanRenderGraph::Format format);
 
-// One pass in the last frame.
+// What one pass did in the last frame.
 struct PassResult
 {
     enum class Kind : std::uint8_t {
         Drawn,
-        Cached, // its parameters have not changed since it was drawn
-        ConstantBlack // not drawn: the parameter is 0
+        Cached, // not drawn: its parameters have not changed since it was
+        ConstantBlack // not drawn: the parameter that scales it is 0
     };
     Kind kind = Kind::Drawn;
     QSize size;
     VulkanRenderGraph::Format format = VulkanRenderGraph::Format::RGBA16F;
-    std::optional<double> milliseconds; // if it was drawn and the device tells the time
+    std::optional<double> milliseconds; // if it was drawn and the device has timestamps
 };
+QLatin1StringView nameOf(PassResult::Kind kind); // "drawn", "cached" or "black"
 
-// Draws a graph on a Vulkan 1.1 device. Everything stays on the device; a frame is one submission,
-// in which nothing waits but the device for its own passes. Not to be used by two threads at once.
+// Draws a graph on a Vulkan 1.1 device. All images stay on the device. A frame is one submission
+// without waits on the host. Not thread-safe.
 //
-// A feedback pass's history before the graph's first frame, after resetHistories() and after a
-// change of size is what the pass is about to sample first (binding 0), scaled to its own size: as
-// though the display had long been showing this picture.
+// Pictures are images of QImage::Format_RGBA32FPx4. Whether their colours are gamma-encoded or
+// linear depends on the pass that drew them; 1.0 is reference white in both.
 //
-// Functions that can fail return false, or nothing, and set `error` to a line or more without a
-// program's name; `error` is left alone otherwise. A function that refuses what it is given changes
-// nothing. When the device fails it may be lost, with all that is on it: create a new renderer.
+// The history of a feedback pass starts as a copy of the image that the pass samples at binding 0,
+// scaled to the pass's size: as if the display had been showing this picture for a long time. It
+// starts anew with a graph's first frame, after resetHistories() and after a change of size.
+//
+// Functions that can fail return false and set `error` to one line or more, without the program's
+// name. On success they leave `error` alone. Invalid arguments change nothing. After a failure of
+// the device the device may be lost: create a new renderer.
 class GraphRenderer
 {
 public:
@@ -65,38 +73,38 @@ public:
         bool isSoftware = false;
     };
 
-    // The devices that can draw, as Vulkan lists them: their index is their number. None, and an
-    // error, where there is no Vulkan or no such device.
-    static QList<DeviceInfo> devices(QString &error);
+    // The devices that can draw, numbered in Vulkan's order. Fails where there is no Vulkan or no
+    // such device.
+    static bool devices(QList<DeviceInfo> &devices, QString &error);
 
-    // `device` is a number, a part of a name (in any case), or empty for the first one.
-    static std::unique_ptr<GraphRenderer> create(const QString &device, QString &error);
+    // `device` is a number, a part of a name (in any case), or empty for the first device.
+    static bool create(const QString &device, std::unique_ptr<GraphRenderer> &renderer,
+                       QString &error);
 
     ~GraphRenderer();
     Q_DISABLE_COPY_MOVE(GraphRenderer)
 
     DeviceInfo device() const;
 
-    // Takes a valid graph and its shaders. Forgets histories, pictures and sizes of the last one;
-    // if it fails the last one stays.
+    // Replaces the graph, which has to be valid, and the histories. On failure the previous graph
+    // stays.
     bool setGraph(const VulkanRenderGraph &graph, const ShaderModules &modules, QString &error);
 
-    // The picture that enters the graph from the next frame on.
-    bool setSource(const Picture &source, QString &error);
+    // Sets the picture that enters the graph, from the next frame on.
+    bool setSource(const QImage &source, QString &error);
 
     // Draws all passes and waits until they are done. Needs a graph and a source.
     bool drawFrame(const FrameState &state, QString &error);
 
     void resetHistories();
 
-    // The passes of the last frame by index, the last one being what is shown; empty before the
-    // first frame.
+    // The passes of the last frame. The last one is what is shown. Empty before the first frame.
     QList<PassResult> passes() const;
 
-    // Pass `index`'s output in the last frame.
-    std::optional<Picture> output(int index, QString &error) const;
+    // The output of a pass in the last frame.
+    bool output(int pass, QImage &picture, QString &error) const;
 
-    // What the last frame held on the device, in bytes.
+    // The memory of all images of the last frame on the device, in bytes.
     qint64 memoryHeld() const;
 
 private:

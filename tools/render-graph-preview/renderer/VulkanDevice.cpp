@@ -18,7 +18,7 @@ std::optional<std::uint32_t> drawingQueueFamily(const vk::raii::PhysicalDevice &
     return std::nullopt;
 }
 
-std::uint64_t clockMask(const VulkanDevice::Choice &choice)
+std::uint64_t timestampMask(const VulkanDevice::Choice &choice)
 {
     const std::uint32_t bits =
             choice.physical.getQueueFamilyProperties().at(choice.queueFamily).timestampValidBits;
@@ -39,13 +39,13 @@ vk::raii::CommandBuffer createCommands(const vk::raii::Device &device,
             vk::raii::CommandBuffers(device, {*pool, vk::CommandBufferLevel::ePrimary, 1}).front());
 }
 
-struct Use
+struct LayoutUse
 {
     vk::PipelineStageFlags stages;
     vk::AccessFlags access;
 };
 
-Use useOf(vk::ImageLayout layout)
+LayoutUse useOf(vk::ImageLayout layout)
 {
     switch (layout) {
     case vk::ImageLayout::eUndefined:
@@ -89,7 +89,7 @@ VulkanDevice::VulkanDevice(vk::raii::Context context, vk::raii::Instance instanc
       m_instance(std::move(instance)),
       m_choice(std::move(choice)),
       m_limits(m_choice.physical.getProperties().limits),
-      m_clockMask(clockMask(m_choice)),
+      m_timestampMask(timestampMask(m_choice)),
       m_device(createDevice(m_choice)),
       m_queue(m_device, m_choice.queueFamily, 0),
       m_commandPool(m_device,
@@ -172,17 +172,19 @@ void VulkanDevice::run(const std::function<void(const vk::raii::CommandBuffer &)
         throw vk::DeviceLostError("a fence that never ends");
 }
 
-double VulkanDevice::millisecondsBetween(std::uint64_t stamp, std::uint64_t laterStamp) const
+double VulkanDevice::millisecondsBetween(std::uint64_t timestamp,
+                                         std::uint64_t laterTimestamp) const
 {
-    return double((laterStamp - stamp) & m_clockMask) * double(m_limits.timestampPeriod) * 1e-6;
+    return double((laterTimestamp - timestamp) & m_timestampMask) * double(m_limits.timestampPeriod)
+            * 1e-6;
 }
 
-void VulkanDevice::moveTo(const vk::raii::CommandBuffer &commands, const DeviceImage &image,
-                          vk::ImageLayout from, vk::ImageLayout to, std::uint32_t firstLevel,
-                          std::uint32_t levels)
+void VulkanDevice::transition(const vk::raii::CommandBuffer &commands, const DeviceImage &image,
+                              vk::ImageLayout from, vk::ImageLayout to, std::uint32_t firstLevel,
+                              std::uint32_t levels)
 {
-    const Use before = useOf(from);
-    const Use after = useOf(to);
+    const LayoutUse before = useOf(from);
+    const LayoutUse after = useOf(to);
     commands.pipelineBarrier(
             before.stages, after.stages, {}, {}, {},
             vk::ImageMemoryBarrier(before.access, after.access, from, to, VK_QUEUE_FAMILY_IGNORED,

@@ -10,7 +10,7 @@
 
 #include <vulkan/vulkan_raii.hpp>
 
-// An image that rests in layout eShaderReadOnlyOptimal between its uses.
+// An image on the device, in layout eShaderReadOnlyOptimal except while it is written or copied.
 struct DeviceImage
 {
     vk::Extent3D extent() const
@@ -25,7 +25,7 @@ struct DeviceImage
     vk::raii::DeviceMemory memory = nullptr;
     vk::raii::Image image = nullptr;
     vk::raii::ImageView sampled = nullptr; // all levels
-    vk::raii::ImageView target = nullptr; // the first
+    vk::raii::ImageView target = nullptr; // the first level
 };
 
 struct DeviceBuffer
@@ -35,8 +35,8 @@ struct DeviceBuffer
     void *mapped = nullptr;
 };
 
-// A Vulkan device with one queue and one command buffer, used by one thread. What Vulkan refuses is
-// an exception of its C++ binding, for whoever owns this to catch.
+// A Vulkan device with one queue and one command buffer, for one thread. Failures of Vulkan are
+// thrown as exceptions of its C++ binding; the owner catches them.
 class VulkanDevice
 {
 public:
@@ -67,7 +67,7 @@ public:
     }
     bool supports(vk::Format format, vk::FormatFeatureFlags features) const;
 
-    // Undefined content in an undefined layout. With `hasMipmaps`, down to a pixel.
+    // Its content and layout are undefined. `hasMipmaps` adds levels down to one pixel.
     DeviceImage createImage(QSize size, vk::Format format, vk::ImageUsageFlags usage,
                             bool hasMipmaps = false) const;
     DeviceBuffer createBuffer(std::size_t size, vk::BufferUsageFlags usage) const;
@@ -75,16 +75,17 @@ public:
     // Records, submits, and waits until all is done.
     void run(const std::function<void(const vk::raii::CommandBuffer &)> &record) const;
 
-    bool hasClock() const
+    bool hasTimestamps() const
     {
-        return m_clockMask != 0;
+        return m_timestampMask != 0;
     }
-    double millisecondsBetween(std::uint64_t stamp, std::uint64_t laterStamp) const;
+    double millisecondsBetween(std::uint64_t timestamp, std::uint64_t laterTimestamp) const;
 
-    // Between undefined, reading in a fragment shader, and the two of copying.
-    static void moveTo(const vk::raii::CommandBuffer &commands, const DeviceImage &image,
-                       vk::ImageLayout from, vk::ImageLayout to, std::uint32_t firstLevel = 0,
-                       std::uint32_t levels = VK_REMAINING_MIP_LEVELS);
+    // Records a layout transition. Layouts: eUndefined, eShaderReadOnlyOptimal (read in fragment
+    // shaders), eTransferSrcOptimal and eTransferDstOptimal.
+    static void transition(const vk::raii::CommandBuffer &commands, const DeviceImage &image,
+                           vk::ImageLayout from, vk::ImageLayout to, std::uint32_t firstLevel = 0,
+                           std::uint32_t levels = VK_REMAINING_MIP_LEVELS);
 
 private:
     vk::raii::DeviceMemory allocate(const vk::MemoryRequirements &needed,
@@ -94,7 +95,7 @@ private:
     vk::raii::Instance m_instance;
     Choice m_choice;
     vk::PhysicalDeviceLimits m_limits;
-    std::uint64_t m_clockMask;
+    std::uint64_t m_timestampMask;
     vk::raii::Device m_device;
     vk::raii::Queue m_queue;
     vk::raii::CommandPool m_commandPool;

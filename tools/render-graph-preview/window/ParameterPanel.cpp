@@ -22,7 +22,7 @@ namespace {
 
 constexpr int kDecimals = 6;
 
-// The slider counts steps from the least value.
+// The slider's position is the number of steps above the minimum.
 class ParameterSlider : public QSlider
 {
 public:
@@ -116,7 +116,7 @@ public:
 
         connect(m_slider, &QSlider::valueChanged, this, [this, &session](int step) {
             const double value = double(parameter.min) + step * double(parameter.step);
-            // As it is written: 0.3, not 0.300000012.
+            // The decimal number, as in 0.3, not the sum, 0.300000012.
             session.setValue(
                     parameter.id,
                     std::min(QString::number(value, 'f', kDecimals).toFloat(), parameter.max));
@@ -136,8 +136,8 @@ public:
         m_reset->setEnabled(value != parameter.initialValue);
     }
 
-    // Puts the row behind a widget in the tab order, and returns the row's last one.
-    QWidget *follow(QWidget *widget)
+    // Puts the row after a widget in the tab order, and returns the row's last widget.
+    QWidget *insertAfter(QWidget *widget)
     {
         setTabOrder(widget, m_slider);
         setTabOrder(m_slider, m_number);
@@ -179,7 +179,8 @@ ParameterPanel::ParameterPanel(Session &session, QWidget *parent)
 
 void ParameterPanel::showParameters()
 {
-    // The same as before stay, so that saving a component takes nobody's focus away.
+    // Keeps the rows if the parameters are the same, so that saving a component does not move the
+    // focus.
     const auto isSame = [](const Row *row, const PresetParamMeta &parameter) {
         return row->parameter == parameter;
     };
@@ -189,7 +190,7 @@ void ParameterPanel::showParameters()
         for (const PresetParamMeta &parameter : m_session.parameters()) {
             m_rows.append(new Row(parameter, m_session));
             m_layout->insertWidget(m_layout->count() - 1, m_rows.last());
-            last = m_rows.last()->follow(last);
+            last = m_rows.last()->insertAfter(last);
         }
         applyFilter();
     }

@@ -7,8 +7,8 @@
 class QLineEdit;
 class QVBoxLayout;
 
-// A row per parameter: slider, number field and reset. The sliders mark the default (hollow) and
-// the tuned value (filled).
+// A row per parameter: a slider, a number field and a reset button. Sliders mark the default value
+// (hollow) and the tuned value (filled).
 class ParameterPanel : public QWidget
 {
     Q_OBJECT

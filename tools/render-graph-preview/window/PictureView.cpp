@@ -28,7 +28,7 @@ PictureView::PictureView(QWidget *parent) : QWidget(parent)
     setMinimumSize(64, 64);
 }
 
-void PictureView::setFrame(const std::shared_ptr<const DrawnFrame> &frame,
+void PictureView::setFrame(const std::shared_ptr<const FrameResult> &frame,
                            const QString &comparedName)
 {
     m_frame = frame;
@@ -44,20 +44,21 @@ void PictureView::setZoom(int zoom)
     update();
 }
 
-QRect PictureView::target() const
+QRect PictureView::pictureRect() const
 {
     if (!m_frame)
         return {};
     const QSize room = (QSizeF(size()) * devicePixelRatioF()).toSize();
-    const QSize shown = m_zoom == kFits ? m_frame->image.size().scaled(room, Qt::KeepAspectRatio)
-                                        : m_frame->image.size() * m_zoom;
+    const QSize shown = m_zoom == kFitToWindow
+            ? m_frame->image.size().scaled(room, Qt::KeepAspectRatio)
+            : m_frame->image.size() * m_zoom;
     const QSize margin = (room - shown).expandedTo({0, 0}) / 2;
     return {QPoint(margin.width(), margin.height()), shown};
 }
 
 void PictureView::updateSize()
 {
-    const QSize size = m_frame && m_zoom != kFits
+    const QSize size = m_frame && m_zoom != kFitToWindow
             ? (QSizeF(m_frame->image.size() * m_zoom) / devicePixelRatioF()).toSize()
             : QSize(64, 64);
     if (size != minimumSize())
@@ -66,7 +67,7 @@ void PictureView::updateSize()
 
 int PictureView::splitX() const
 {
-    return target().left() + int(m_split * target().width());
+    return pictureRect().left() + int(m_split * pictureRect().width());
 }
 
 void PictureView::paintEvent(QPaintEvent * /*event*/)
@@ -76,7 +77,7 @@ void PictureView::paintEvent(QPaintEvent * /*event*/)
     if (!m_frame)
         return;
 
-    const QRect shown = target();
+    const QRect shown = pictureRect();
     painter.save();
     painter.scale(1.0 / devicePixelRatioF(), 1.0 / devicePixelRatioF());
     painter.setRenderHint(QPainter::SmoothPixmapTransform, shown.width() < m_frame->image.width());
@@ -103,13 +104,13 @@ void PictureView::paintEvent(QPaintEvent * /*event*/)
     }
 }
 
-void PictureView::pointAt(QPoint pixel)
+void PictureView::moveToPixel(QPoint pixel)
 {
     if (!m_frame || !m_frame->image.rect().contains(pixel))
         return;
     m_pixel = pixel;
     update();
-    Q_EMIT pointedAt(pixel);
+    Q_EMIT pixelHovered(pixel);
 }
 
 void PictureView::mousePressEvent(QMouseEvent *event)
@@ -119,27 +120,27 @@ void PictureView::mousePressEvent(QMouseEvent *event)
 
 void PictureView::mouseMoveEvent(QMouseEvent *event)
 {
-    const QRect shown = target();
+    const QRect shown = pictureRect();
     if (shown.isEmpty())
         return;
     const QPointF at = event->position() * devicePixelRatioF() - shown.topLeft();
     if (event->buttons().testFlag(Qt::LeftButton))
         m_split = std::clamp(at.x() / shown.width(), 0.0, 1.0);
-    pointAt({int(std::floor(at.x() * m_frame->image.width() / shown.width())),
-             int(std::floor(at.y() * m_frame->image.height() / shown.height()))});
+    moveToPixel({int(std::floor(at.x() * m_frame->image.width() / shown.width())),
+                 int(std::floor(at.y() * m_frame->image.height() / shown.height()))});
 }
 
 void PictureView::keyPressEvent(QKeyEvent *event)
 {
     switch (event->key()) {
     case Qt::Key_Left:
-        return pointAt(m_pixel - QPoint(1, 0));
+        return moveToPixel(m_pixel - QPoint(1, 0));
     case Qt::Key_Right:
-        return pointAt(m_pixel + QPoint(1, 0));
+        return moveToPixel(m_pixel + QPoint(1, 0));
     case Qt::Key_Up:
-        return pointAt(m_pixel - QPoint(0, 1));
+        return moveToPixel(m_pixel - QPoint(0, 1));
     case Qt::Key_Down:
-        return pointAt(m_pixel + QPoint(0, 1));
+        return moveToPixel(m_pixel + QPoint(0, 1));
     case Qt::Key_BracketLeft:
     case Qt::Key_BracketRight:
         m_split = std::clamp(m_split + (event->key() == Qt::Key_BracketLeft ? -0.02 : 0.02), 0.0,

@@ -4,26 +4,27 @@
 
 #include <QWidget>
 
-// Shows a frame pixel by pixel on the screen's own, enlarged by an integer, or as large as fits;
-// what it is compared with is left of a line that is dragged, or moved with [ and ].
+// Shows a frame: enlarged by an integer, in pixels of the screen, or as large as fits. If it is
+// compared with another picture, that one is shown left of a split line, which can be dragged or
+// moved with [ and ].
 class PictureView : public QWidget
 {
     Q_OBJECT
 
 public:
-    static constexpr int kFits = 0;
+    static constexpr int kFitToWindow = 0;
 
     explicit PictureView(QWidget *parent = nullptr);
 
-    void setFrame(const std::shared_ptr<const DrawnFrame> &frame, const QString &comparedName);
-    void setZoom(int zoom); // or kFits
+    void setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &comparedName);
+    void setZoom(int zoom); // or kFitToWindow
 
-    // What is shown, by the screen's pixels.
-    QRect target() const;
+    // The rectangle of the picture, in pixels of the screen.
+    QRect pictureRect() const;
 
 Q_SIGNALS:
-    // One of the picture's pixels is under the pointer, or the arrow keys went there.
-    void pointedAt(QPoint pixel);
+    // The mouse or the arrow keys moved to this pixel of the picture.
+    void pixelHovered(QPoint pixel);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -33,12 +34,12 @@ protected:
 
 private:
     void updateSize();
-    void pointAt(QPoint pixel);
+    void moveToPixel(QPoint pixel);
     int splitX() const;
 
-    std::shared_ptr<const DrawnFrame> m_frame;
+    std::shared_ptr<const FrameResult> m_frame;
     QString m_comparedName;
-    int m_zoom = kFits;
+    int m_zoom = kFitToWindow;
     double m_split = 0.5; // of the width
     QPoint m_pixel;
 };

@@ -1,9 +1,10 @@
 #include "Session.h"
 
-#include "PictureFile.h"
+#include <Player.h>
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QRgbaFloat32>
 
 #include <algorithm>
 #include <array>
@@ -18,27 +19,29 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kSettlingMilliseconds = 50;
+constexpr int kReloadDebounceMilliseconds = 50;
 constexpr double kFramesPerSecond = 60.0;
 
-// Reference white and what is below it darken a little, so that the headroom has a place below
-// the display's white; a headroom of 1 changes nothing. Gamma-encoded as SDR is.
+// Compresses HDR light into SDR, gamma-encoded: up to reference white it gets a little darker, to
+// make room for the headroom above. Does nothing at a headroom of 1.
 float toneMapped(float linear, float headroom)
 {
     const float light = std::max(0.0F, linear);
     return std::pow(light * (1.0F + light / (headroom * headroom)) / (1.0F + light), 1.0F / 2.2F);
 }
 
-QImage shownImage(const Picture &picture, std::optional<float> headroom)
+QImage shownImage(const QImage &picture, std::optional<float> headroom)
 {
     if (!headroom)
-        return imageOf(picture);
-    Picture mapped = picture;
-    for (Pixel &pixel : mapped.pixels) {
-        for (const std::size_t channel : {0U, 1U, 2U})
-            pixel.at(channel) = toneMapped(pixel.at(channel), *headroom);
+        return displayImage(picture);
+    QImage mapped = picture;
+    for (int y = 0; y < mapped.height(); ++y) {
+        auto *const row = reinterpret_cast<QRgbaFloat32 *>(mapped.scanLine(y));
+        for (int x = 0; x < mapped.width(); ++x)
+            row[x] = {toneMapped(row[x].r, *headroom), toneMapped(row[x].g, *headroom),
+                      toneMapped(row[x].b, *headroom), row[x].a};
     }
-    return imageOf(mapped);
+    return displayImage(mapped);
 }
 
 } // namespace
@@ -66,25 +69,27 @@ struct Session::Request
     ViewSettings view;
     QHash<QString, float> changes;
     int frame = 0;
-    bool continues = false; // what the last frame left in the histories
+    bool keepsHistories = false; // of the previous frame
 };
 
-struct Session::Answer
+struct Session::Result
 {
-    std::uint64_t number = 0;
-    std::optional<PresetOnDisk> preset; // if it was compiled anew
-    std::shared_ptr<const DrawnFrame> frame; // if there is a new one
+    std::uint64_t number = 0; // of the request
+    std::optional<PresetOnDisk> preset; // if it was loaded again
+    bool isPresetLoaded = false;
+    std::shared_ptr<const FrameResult> frame; // null after an error
     QString message;
 };
 
-// The drawing thread, and all that only it touches.
+// The thread that draws, and the data that only it uses.
 class Session::Worker
 {
 public:
-    Worker(Session &session, QString shadersDir, QString device)
+    Worker(Session &session, QString shadersDir, const QString &device)
         : m_session(session),
           m_shadersDir(std::move(shadersDir)),
-          m_device(std::move(device)),
+          m_player(device),
+          m_tunedPlayer(device),
           m_thread([this] { run(); })
     {
     }
@@ -100,7 +105,7 @@ public:
     }
     Q_DISABLE_COPY_MOVE(Worker)
 
-    void ask(Request request)
+    void request(Request request)
     {
         {
             const std::scoped_lock lock(m_mutex);
@@ -110,29 +115,26 @@ public:
     }
 
 private:
-    // Each has histories of its own.
-    struct Drawer
-    {
-        std::unique_ptr<GraphRenderer> renderer;
-        bool hasGraph = false;
-        bool hasSource = false;
-    };
-
     void run()
     {
         while (const std::optional<Request> request = next()) {
-            Answer answer;
-            answer.number = request->number;
+            Result result;
+            result.number = request->number;
             QString error;
-            loadIfChanged(*request, answer);
-            openSourceIfChanged(request->view.source);
-            if (!m_preset.graph.passes.isEmpty() && m_source)
-                answer.frame = drawnFrame(*request, error);
+            reloadPreset(*request, result);
+            reopenSource(request->view.source);
+            if (!m_player.preset().graph.passes.isEmpty() && !m_player.source().isNull()) {
+                auto frame = std::make_shared<FrameResult>();
+                if (drawFrame(*request, *frame, error))
+                    result.frame = std::move(frame);
+            }
             QStringList errors = {m_presetError, m_sourceError, error};
             errors.removeAll(QString());
-            answer.message = errors.join(u'\n');
-            const bool isDrawn = answer.frame != nullptr;
-            tell([&session = m_session, answer = std::move(answer)] { session.take(answer); });
+            result.message = errors.join(u'\n');
+            const bool isDrawn = result.frame != nullptr;
+            postToGui([&session = m_session, result = std::move(result)] {
+                session.applyResult(result);
+            });
             if (isDrawn)
                 drawThumbnails(request->view.headroom);
         }
@@ -152,137 +154,105 @@ private:
     }
 
     template<typename Function>
-    void tell(Function function)
+    void postToGui(Function function)
     {
         QMetaObject::invokeMethod(&m_session, std::move(function), Qt::QueuedConnection);
     }
 
-    void loadIfChanged(const Request &request, Answer &answer)
+    void reloadPreset(const Request &request, Result &result)
     {
         if (request.preset == m_requestedPreset && request.revision == m_revision)
             return;
         m_requestedPreset = request.preset;
         m_revision = request.revision;
-        answer.preset = loadPreset(m_shadersDir, request.preset);
-        m_presetError = answer.preset->error;
-        if (!m_presetError.isEmpty())
+        m_presetError.clear();
+        result.isPresetLoaded =
+                loadPreset(m_shadersDir, request.preset, result.preset.emplace(), m_presetError);
+        if (!result.isPresetLoaded)
             return;
-        m_preset = *answer.preset;
-        for (Drawer &drawer : m_drawers)
-            drawer.hasGraph = false;
+        m_player.setPreset(*result.preset);
+        m_tunedPlayer.setPreset(*result.preset);
     }
 
-    void openSourceIfChanged(const QString &source)
+    void reopenSource(const QString &name)
     {
-        if (source == m_requestedSource)
+        if (name == m_requestedSource)
             return;
-        m_requestedSource = source;
+        m_requestedSource = name;
         m_sourceError.clear();
-        std::optional<SourcePicture> opened = SourcePicture::open(source, m_sourceError);
-        if (!opened)
+        SourcePicture source;
+        if (!SourcePicture::open(name, source, m_sourceError))
             return;
-        m_source = std::move(opened);
-        for (Drawer &drawer : m_drawers)
-            drawer.hasSource = false;
+        m_player.setSource(source);
+        m_tunedPlayer.setSource(source);
     }
 
-    bool draw(Drawer &drawer, const Request &request, const QHash<QString, float> &changes,
-              QString &error)
+    static bool drawBy(Player &player, const Request &request, QString &error)
     {
-        if (!drawer.renderer)
-            drawer = {.renderer = GraphRenderer::create(m_device, error)};
-        if (drawer.renderer && drawOn(drawer, request, changes, error))
-            return true;
-        drawer.renderer.reset(); // the device may be lost: the next frame begins anew
-        return false;
+        QSize viewport = request.view.viewport;
+        if (request.view.keepsAspectRatio)
+            viewport = player.source().size().scaled(viewport, Qt::KeepAspectRatio);
+        player.setViewport(viewport.expandedTo({1, 1}));
+        player.setHeadroom(request.view.headroom);
+        if (!request.keepsHistories)
+            player.resetHistories();
+        return player.drawFrame(request.frame, error);
     }
 
-    bool drawOn(Drawer &drawer, const Request &request, const QHash<QString, float> &changes,
-                QString &error)
-    {
-        if (!drawer.hasGraph) {
-            if (!drawer.renderer->setGraph(m_preset.graph, m_preset.modules, error))
-                return false;
-            drawer.hasGraph = true;
-            drawer.hasSource = false;
-        }
-        const QImage source = m_source->frame(request.frame);
-        if (!drawer.hasSource || m_source->moves()) {
-            if (!drawer.renderer->setSource(pictureOf(source), error))
-                return false;
-            drawer.hasSource = true;
-        }
-        if (!request.continues)
-            drawer.renderer->resetHistories();
-
-        FrameState state;
-        state.params = initialValues(m_preset.parameters);
-        state.params.insert(changes);
-        state.viewport = request.view.viewport;
-        if (request.view.keepsShape)
-            state.viewport = source.size().scaled(state.viewport, Qt::KeepAspectRatio);
-        state.viewport = state.viewport.expandedTo({1, 1});
-        state.frameCount = std::uint32_t(request.frame);
-        state.hdrOutputActive = request.view.headroom.has_value();
-        state.hdrHeadroom = request.view.headroom.value_or(1.0F);
-        return drawer.renderer->drawFrame(state, error);
-    }
-
-    std::shared_ptr<const DrawnFrame> drawnFrame(const Request &request, QString &error)
+    bool drawFrame(const Request &request, FrameResult &frame, QString &error)
     {
         using Comparison = ViewSettings::Comparison;
-        auto frame = std::make_shared<DrawnFrame>();
         QElapsedTimer timer;
         timer.start();
-        if (!draw(m_drawers[0], request, request.changes, error))
-            return nullptr;
-        frame->milliseconds = double(timer.nsecsElapsed()) * 1e-6;
-        const GraphRenderer &renderer = *m_drawers[0].renderer;
-        frame->number = request.frame;
-        frame->passes = renderer.passes();
-        for (const VulkanRenderGraph::Pass &pass : std::as_const(m_preset.graph.passes))
-            frame->components.append(pass.debugName);
-        frame->device = renderer.device().name;
+        m_player.resetValues();
+        for (auto change = request.changes.cbegin(); change != request.changes.cend(); ++change)
+            m_player.setValue(change.key(), change.value());
+        if (!drawBy(m_player, request, error))
+            return false;
+        frame.milliseconds = double(timer.nsecsElapsed()) * 1e-6;
+        const GraphRenderer &renderer = *m_player.renderer();
+        frame.number = request.frame;
+        frame.passes = renderer.passes();
+        for (const VulkanRenderGraph::Pass &pass : m_player.preset().graph.passes)
+            frame.components.append(pass.debugName);
+        frame.device = renderer.device().name;
 
-        const int last = int(frame->passes.size()) - 1;
-        frame->pass = request.view.pass >= 0 ? std::min(request.view.pass, last) : last;
-        frame->isToneMapped = request.view.headroom && frame->pass == last;
+        const int last = int(frame.passes.size()) - 1;
+        frame.pass = request.view.pass >= 0 ? std::min(request.view.pass, last) : last;
+        frame.isToneMapped = request.view.headroom && frame.pass == last;
         const std::optional<float> headroom =
-                frame->isToneMapped ? request.view.headroom : std::nullopt;
-        std::optional<Picture> picture = renderer.output(frame->pass, error);
-        if (!picture)
-            return nullptr;
-        frame->picture = std::move(*picture);
-        frame->image = shownImage(frame->picture, headroom);
+                frame.isToneMapped ? request.view.headroom : std::nullopt;
+        if (!renderer.output(frame.pass, frame.picture, error))
+            return false;
+        frame.image = shownImage(frame.picture, headroom);
 
         if (request.view.comparison == Comparison::Source)
-            frame->compared = m_source->frame(request.frame);
+            frame.compared = m_player.source().frame(request.frame);
         if (request.view.comparison == Comparison::Tuned) {
-            if (!draw(m_drawers[1], request, {}, error))
-                return nullptr;
-            const auto tuned = m_drawers[1].renderer->output(frame->pass, error);
-            if (!tuned)
-                return nullptr;
-            frame->compared = shownImage(*tuned, headroom);
+            QImage tuned;
+            if (!drawBy(m_tunedPlayer, request, error)
+                || !m_tunedPlayer.renderer()->output(frame.pass, tuned, error))
+                return false;
+            frame.compared = shownImage(tuned, headroom);
         }
-        return frame;
+        return true;
     }
 
-    // In turn: one after each frame that is followed by another, else all.
+    // All of them, or one per frame if the next request is waiting already.
     void drawThumbnails(std::optional<float> headroom)
     {
-        const GraphRenderer &renderer = *m_drawers[0].renderer;
+        const GraphRenderer &renderer = *m_player.renderer();
         const int count = int(renderer.passes().size());
         for (int drawn = 0; drawn < count && (drawn == 0 || !isInterrupted()); ++drawn) {
             m_thumbnail = (m_thumbnail + 1) % count;
             QString error;
-            const std::optional<Picture> picture = renderer.output(m_thumbnail, error);
-            if (!picture)
-                return; // the next frame will say so
+            QImage picture;
+            if (!renderer.output(m_thumbnail, picture, error))
+                return; // the next frame will report it
             const QImage image =
-                    shownImage(*picture, m_thumbnail == count - 1 ? headroom : std::nullopt)
+                    shownImage(picture, m_thumbnail == count - 1 ? headroom : std::nullopt)
                             .scaled(kThumbnailSize, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-            tell([&session = m_session, pass = m_thumbnail, image] {
+            postToGui([&session = m_session, pass = m_thumbnail, image] {
                 Q_EMIT session.thumbnailDrawn(pass, image);
             });
         }
@@ -290,19 +260,17 @@ private:
 
     Session &m_session;
     QString m_shadersDir;
-    QString m_device;
 
-    QString m_requestedPreset; // may be broken
+    QString m_requestedPreset; // may be broken; the players have the last good one
     int m_revision = -1;
-    PresetOnDisk m_preset; // the last good one
     QString m_presetError;
-    QString m_requestedSource;
-    std::optional<SourcePicture> m_source;
+    QString m_requestedSource; // likewise
     QString m_sourceError;
-    std::array<Drawer, 2> m_drawers; // of the values as they are, and of the tuned ones
+    Player m_player;
+    Player m_tunedPlayer; // draws the tuned values, to compare with
     int m_thumbnail = -1;
 
-    std::mutex m_mutex; // for what follows
+    std::mutex m_mutex; // of the following members
     std::condition_variable m_wake;
     std::optional<Request> m_waiting;
     bool m_isClosing = false;
@@ -312,21 +280,21 @@ private:
 Session::Session(const QString &shadersDir, const QString &device)
     : m_worker(std::make_unique<Worker>(*this, shadersDir, device))
 {
-    m_settling.setSingleShot(true);
-    m_settling.setInterval(kSettlingMilliseconds);
+    m_reloadDebounce.setSingleShot(true);
+    m_reloadDebounce.setInterval(kReloadDebounceMilliseconds);
     setSpeed(kFramesPerSecond);
-    const auto settle = [this] {
-        if (!m_settling.isActive())
-            m_settling.start();
+    const auto scheduleReload = [this] {
+        if (!m_reloadDebounce.isActive())
+            m_reloadDebounce.start();
     };
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, settle);
-    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, settle);
-    connect(&m_settling, &QTimer::timeout, this, [this] {
-        watch(); // before they are read, so that no change falls in between
+    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, scheduleReload);
+    connect(&m_watcher, &QFileSystemWatcher::directoryChanged, this, scheduleReload);
+    connect(&m_reloadDebounce, &QTimer::timeout, this, [this] {
+        watchFiles(); // before they are read, so that no change is missed
         ++m_revision;
-        ask();
+        request();
     });
-    connect(&m_clock, &QTimer::timeout, this, [this] {
+    connect(&m_frameTimer, &QTimer::timeout, this, [this] {
         if (!isBusy())
             step();
     });
@@ -340,13 +308,13 @@ void Session::setPreset(const QString &name)
         return;
     m_preset = name;
     m_changes.clear();
-    ask();
+    request();
 }
 
 void Session::setView(const ViewSettings &view)
 {
     m_view = view;
-    ask();
+    request();
 }
 
 float Session::value(const PresetParamMeta &parameter) const
@@ -358,14 +326,14 @@ void Session::setValue(const QString &id, float value)
 {
     m_changes.insert(id, value);
     Q_EMIT valuesChanged();
-    ask();
+    request();
 }
 
 void Session::resetAll()
 {
     m_changes.clear();
     Q_EMIT valuesChanged();
-    ask();
+    request();
 }
 
 QString Session::overrides() const
@@ -380,64 +348,65 @@ QString Session::overrides() const
 
 void Session::setRunning(bool isRunning)
 {
-    if (isRunning == m_clock.isActive())
+    if (isRunning == m_frameTimer.isActive())
         return;
     if (isRunning)
-        m_clock.start();
+        m_frameTimer.start();
     else
-        m_clock.stop();
+        m_frameTimer.stop();
     Q_EMIT runningChanged(isRunning);
 }
 
 void Session::setSpeed(double framesPerSecond)
 {
-    m_clock.setInterval(std::max(1, int(std::lround(1000.0 / framesPerSecond))));
+    m_frameTimer.setInterval(std::max(1, int(std::lround(1000.0 / framesPerSecond))));
 }
 
 void Session::step()
 {
     ++m_frameNumber;
-    ask(true);
+    request(true);
 }
 
-void Session::ask(bool continues)
+void Session::request(bool keepsHistories)
 {
     if (m_preset.isEmpty() || m_view.source.isEmpty())
         return;
-    m_worker->ask({.number = ++m_asked,
-                   .preset = m_preset,
-                   .revision = m_revision,
-                   .view = m_view,
-                   .changes = m_changes,
-                   .frame = m_frameNumber,
-                   .continues = continues || isRunning()});
+    m_worker->request({.number = ++m_lastRequest,
+                       .preset = m_preset,
+                       .revision = m_revision,
+                       .view = m_view,
+                       .changes = m_changes,
+                       .frame = m_frameNumber,
+                       .keepsHistories = keepsHistories || isRunning()});
 }
 
-void Session::take(const Answer &answer)
+void Session::applyResult(const Result &result)
 {
-    m_answered = answer.number;
-    if (answer.preset && answer.preset->name == m_preset) {
-        m_files = answer.preset->files;
-        watch();
-        if (answer.preset->error.isEmpty()) {
-            m_parameters = answer.preset->parameters;
+    m_lastResult = result.number;
+    if (result.preset && result.preset->name == m_preset) {
+        m_files = result.preset->files;
+        watchFiles();
+        if (result.isPresetLoaded) {
+            m_parameters = result.preset->parameters;
             Q_EMIT parametersChanged();
         }
     }
-    if (answer.message != m_message) {
-        m_message = answer.message;
+    if (result.message != m_message) {
+        m_message = result.message;
         Q_EMIT messageChanged(m_message);
     }
-    if (answer.frame) {
-        m_frame = answer.frame;
+    if (result.frame) {
+        m_frame = result.frame;
         Q_EMIT frameDrawn();
     } else {
         setRunning(false);
     }
 }
 
-// Editors replace files: then only their directories tell, and the file has to be watched anew.
-void Session::watch()
+// Editors replace files. Then only the directory's watch notices, and the new file has to be
+// watched.
+void Session::watchFiles()
 {
     QStringList paths;
     for (const QString &file : std::as_const(m_files))

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "GraphRenderer.h"
-#include "Picture.h"
-#include "PresetOnDisk.h"
+#include <GraphRenderer.h>
+#include <PresetOnDisk.h>
 
 #include <QFileSystemWatcher>
 #include <QHash>
@@ -15,42 +14,44 @@
 
 constexpr QSize kThumbnailSize = {128, 96};
 
-// What a frame shows, beside the preset and its values.
+// The settings of a view of a preset, except the preset and its values.
 struct ViewSettings
 {
     enum class Comparison : std::uint8_t { None, Source, Tuned };
 
     QString source; // a test picture's name or a file
     QSize viewport = {640, 480};
-    bool keepsShape = true; // of the source: the largest such picture that fits into the viewport
-    std::optional<float> headroom; // draws HDR
-    int pass = -1; // whose output is shown; -1: the last one's
+    bool keepsAspectRatio =
+            true; // draws the largest picture of the source's shape that fits the viewport
+    std::optional<float> headroom; // empty: SDR
+    int pass = -1; // the pass whose output is shown; -1: the last one
     Comparison comparison = Comparison::None;
 };
 
-struct DrawnFrame
+struct FrameResult
 {
     int number = 0;
     int pass = 0;
-    Picture picture; // that pass's output
-    QImage image; // the same for a display
-    bool isToneMapped = false; // `image`, from HDR
-    QImage compared; // what it is compared with, or null; of any size
+    QImage picture; // the output of that pass, in floats
+    QImage image; // the same, converted for display
+    bool isToneMapped = false; // `image` is tone-mapped from HDR
+    QImage compared; // what `image` is compared with, of any size, or null
     QStringList components; // by pass
     QList<PassResult> passes;
     QString device;
-    double milliseconds = 0.0; // the whole frame
+    double milliseconds = 0.0; // of the whole frame
 };
 
-// The shortest text that is this number again, with a '.': as C++ wants it but for the 'F'.
+// The shortest decimal text that parses to the same float, with a '.': a C++ literal without its
+// suffix.
 QString numberText(float value);
 
 // A row of a preset's value overrides in FirstPartyPresets.h, with its line end.
 QString overrideRow(const QString &id, float value);
 
-// A preset being looked at: its values, and its frames, which a thread of its own draws. Whatever
-// is asked for, the latest wins; nothing here waits, but for the destructor, for one frame at most.
-// The files that the preset is made of are watched. One that breaks leaves the last good picture.
+// A preset that is being tuned: its values, and its frames, which a worker thread draws. Only the
+// latest request is kept. Calls never block, except the destructor, which waits for the current
+// frame. The preset's files are watched; when one is broken, the last good picture stays.
 class Session : public QObject
 {
     Q_OBJECT
@@ -64,7 +65,7 @@ public:
     {
         return m_preset;
     }
-    void setPreset(const QString &name); // with its tuned values
+    void setPreset(const QString &name); // resets all values
 
     const ViewSettings &view() const
     {
@@ -72,7 +73,7 @@ public:
     }
     void setView(const ViewSettings &view);
 
-    // Empty until the preset has been compiled.
+    // Empty until the preset is compiled.
     const QList<PresetParamMeta> &parameters() const
     {
         return m_parameters;
@@ -84,23 +85,23 @@ public:
     // A row for each value that is not the tuned one.
     QString overrides() const;
 
-    // Frames follow each other, histories going on; else a frame is drawn as though it had been
-    // shown for long, whenever something changes.
+    // While running, frame follows frame. Otherwise a frame is drawn after each change, as if the
+    // display had been showing it for a long time.
     bool isRunning() const
     {
-        return m_clock.isActive();
+        return m_frameTimer.isActive();
     }
     void setRunning(bool isRunning);
-    void setSpeed(double framesPerSecond); // at most: no frame begins before the last is done
+    void setSpeed(double framesPerSecond); // an upper limit
     void step();
 
-    // Whether what was asked for last is still to be drawn.
+    // Whether the latest request is not done yet.
     bool isBusy() const
     {
-        return m_answered != m_asked;
+        return m_lastResult != m_lastRequest;
     }
-    // The last one that was drawn, or null.
-    const std::shared_ptr<const DrawnFrame> &frame() const
+    // The last frame, or null.
+    const std::shared_ptr<const FrameResult> &frame() const
     {
         return m_frame;
     }
@@ -110,35 +111,35 @@ public:
     }
 
 Q_SIGNALS:
-    void parametersChanged(); // or their tuned values: the preset has been compiled
+    void parametersChanged(); // the preset was compiled: also the initial values may have changed
     void valuesChanged();
     void frameDrawn();
     void thumbnailDrawn(int pass, const QImage &image);
-    void messageChanged(const QString &message); // what is wrong, a line each, or empty
+    void messageChanged(const QString &message); // one line per error, or empty
     void runningChanged(bool isRunning);
 
 private:
     struct Request;
-    struct Answer;
+    struct Result;
     class Worker;
 
-    void ask(bool continues = false);
-    void take(const Answer &answer);
-    void watch();
+    void request(bool keepsHistories = false);
+    void applyResult(const Result &result);
+    void watchFiles();
 
     QString m_preset;
     ViewSettings m_view;
     QList<PresetParamMeta> m_parameters;
-    QHash<QString, float> m_changes; // of tuned values
+    QHash<QString, float> m_changes; // values that were set, by id
     int m_frameNumber = 0;
-    int m_revision = 0; // of the watched files
-    std::uint64_t m_asked = 0; // counts requests
-    std::uint64_t m_answered = 0;
+    int m_revision = 0; // counts changes of the watched files
+    std::uint64_t m_lastRequest = 0; // requests are numbered
+    std::uint64_t m_lastResult = 0;
     QStringList m_files;
     QString m_message;
-    std::shared_ptr<const DrawnFrame> m_frame;
+    std::shared_ptr<const FrameResult> m_frame;
     QFileSystemWatcher m_watcher;
-    QTimer m_settling; // a save is often several changes
-    QTimer m_clock;
-    std::unique_ptr<Worker> m_worker; // the last one to be made, the first to go
+    QTimer m_reloadDebounce; // saving a file often gives several notifications
+    QTimer m_frameTimer;
+    std::unique_ptr<Worker> m_worker; // last, so that its thread ends before the other members go
 };

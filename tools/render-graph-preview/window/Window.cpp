@@ -1,9 +1,10 @@
 #include "Window.h"
 
 #include "ParameterPanel.h"
-#include "PictureFile.h"
 #include "PictureView.h"
-#include "TestPictures.h"
+
+#include <PictureFile.h>
+#include <TestPictures.h>
 
 #include <QAction>
 #include <QApplication>
@@ -19,6 +20,7 @@
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QRgbaFloat32>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStatusBar>
@@ -32,7 +34,7 @@ namespace {
 struct Size
 {
     const char *name;
-    QSize size; // empty: the view's
+    QSize size; // empty: as large as the view
 };
 
 constexpr Size kSizes[] = {{"as the view", {}},         {"640x480", {640, 480}},
@@ -44,15 +46,8 @@ constexpr double kSpeeds[] = {60.0, 30.0, 10.0, 2.0};
 
 QString timeText(const PassResult &pass)
 {
-    switch (pass.kind) {
-    case PassResult::Kind::Cached:
-        return u"cached"_s;
-    case PassResult::Kind::ConstantBlack:
-        return u"black"_s;
-    case PassResult::Kind::Drawn:
-        break;
-    }
-    return pass.milliseconds ? u"%1 ms"_s.arg(*pass.milliseconds, 0, 'f', 2) : u"drawn"_s;
+    return pass.milliseconds ? u"%1 ms"_s.arg(*pass.milliseconds, 0, 'f', 2)
+                             : QString(nameOf(pass.kind));
 }
 
 } // namespace
@@ -65,7 +60,7 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
       m_strip(new QListWidget),
       m_message(new QLabel),
       m_times(new QLabel),
-      m_pixel(new QLabel)
+      m_pixelValues(new QLabel)
 {
     setAcceptDrops(true);
     m_message->setObjectName(u"message"_s);
@@ -103,16 +98,16 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     dock->setWidget(m_parameters);
     addDockWidget(Qt::RightDockWidgetArea, dock);
     resizeDocks({dock}, {400}, Qt::Horizontal);
-    // What does not fit must not widen the window.
+    // Long texts must not widen the window.
     m_times->setObjectName(u"times"_s);
     m_times->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     statusBar()->addWidget(m_times, 1);
-    m_pixel->setObjectName(u"pixel"_s);
-    statusBar()->addPermanentWidget(m_pixel);
+    m_pixelValues->setObjectName(u"pixel"_s);
+    statusBar()->addPermanentWidget(m_pixelValues);
 
-    makeToolBars();
-    makeActions();
-    connect(m_picture, &PictureView::pointedAt, this, &Window::showPixel);
+    createToolBars();
+    createActions();
+    connect(m_picture, &PictureView::pixelHovered, this, &Window::showPixel);
     connect(m_strip, &QListWidget::currentRowChanged, this, &Window::updateView);
     connect(&m_session, &Session::frameDrawn, this, &Window::showFrame);
     connect(&m_session, &Session::thumbnailDrawn, this, [this](int pass, const QImage &image) {
@@ -130,7 +125,7 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     updateView();
 }
 
-void Window::makeToolBars()
+void Window::createToolBars()
 {
     QToolBar *const bar = addToolBar(u"View"_s);
     bar->setMovable(false);
@@ -183,7 +178,7 @@ void Window::makeToolBars()
     connect(m_headroom, &QDoubleSpinBox::valueChanged, this, &Window::updateView);
 }
 
-void Window::makeActions()
+void Window::createActions()
 {
     const auto add = [](QMenu *menu, const QString &text, const QKeySequence &keys) {
         QAction *const action = menu->addAction(text);
@@ -256,7 +251,7 @@ void Window::dropEvent(QDropEvent *event)
 
 void Window::savePicture()
 {
-    const std::shared_ptr<const DrawnFrame> frame = m_session.frame();
+    const std::shared_ptr<const FrameResult> frame = m_session.frame();
     if (!frame)
         return;
     const QString path = QFileDialog::getSaveFileName(
@@ -264,7 +259,7 @@ void Window::savePicture()
     const std::optional<float> headroom =
             frame->isToneMapped ? m_session.view().headroom : std::nullopt;
     QString error;
-    if (!path.isEmpty() && !savePng(imageOf(frame->picture, headroom), path, error))
+    if (!path.isEmpty() && !savePng(displayImage(frame->picture, headroom), path, error))
         statusBar()->showMessage(error, 10000);
 }
 
@@ -280,12 +275,12 @@ void Window::updateView()
     ViewSettings view = m_session.view();
     view.source = m_sources->currentData().toString();
     const QSize size = m_sizes->currentData().toSize();
-    view.keepsShape = size.isEmpty();
+    view.keepsAspectRatio = size.isEmpty();
     view.viewport = size.isEmpty()
             ? (QSizeF(m_pictureArea->maximumViewportSize()) * devicePixelRatioF()).toSize()
             : size;
     view.comparison = ViewSettings::Comparison(m_comparisons->currentIndex());
-    // Below 1 a display would be darker than its own white.
+    // A display's peak is at least its reference white.
     view.headroom.reset();
     if (m_headroom->value() > 0.0)
         view.headroom = std::max(1.0F, float(m_headroom->value()));
@@ -296,16 +291,16 @@ void Window::updateView()
 
 void Window::showFrame()
 {
-    const DrawnFrame &frame = *m_session.frame();
+    const FrameResult &frame = *m_session.frame();
     m_picture->setFrame(m_session.frame(), m_comparisons->currentText());
 
-    const bool isAnother = frame.components != m_components;
-    if (isAnother) {
+    const bool isOtherPreset = frame.components != m_components;
+    if (isOtherPreset) {
         m_components = frame.components;
         const QSignalBlocker blocker(m_strip);
         m_strip->clear();
         for (const QString &component : std::as_const(m_components)) {
-            // As large as it will be with its picture, so that the last one stays in sight.
+            // The size it will have with its picture, so that the last item stays in view.
             auto *const item = new QListWidgetItem(component, m_strip);
             item->setSizeHint(m_strip->gridSize());
         }
@@ -327,21 +322,25 @@ void Window::showFrame()
                              .arg(frame.milliseconds, 0, 'f', 1)
                              .arg(times.join(u"  "_s)));
     m_times->setToolTip(times.join(u'\n'));
-    showPixel(m_pointedAt);
-    if (isAnother)
+    showPixel(m_pixelPosition);
+    if (isOtherPreset)
         m_strip->scrollToItem(m_strip->currentItem());
-    if (isAnother && m_session.view().pass >= 0)
+    if (isOtherPreset && m_session.view().pass >= 0)
         updateView();
 }
 
 void Window::showPixel(QPoint pixel)
 {
-    const std::shared_ptr<const DrawnFrame> frame = m_session.frame();
-    m_pointedAt = pixel;
+    const std::shared_ptr<const FrameResult> frame = m_session.frame();
+    m_pixelPosition = pixel;
     if (!frame || !frame->image.rect().contains(pixel))
-        return m_pixel->clear();
+        return m_pixelValues->clear();
+    const auto *const row =
+            reinterpret_cast<const QRgbaFloat32 *>(frame->picture.constScanLine(pixel.y()));
+    const auto &[red, green, blue, alpha] = row[pixel.x()];
     QStringList channels;
-    for (const float channel : frame->picture.at(pixel.x(), pixel.y()))
+    for (const float channel : {red, green, blue, alpha})
         channels.append(QString::number(double(channel), 'f', 4));
-    m_pixel->setText(u"(%1, %2): %3"_s.arg(pixel.x()).arg(pixel.y()).arg(channels.join(u"  "_s)));
+    m_pixelValues->setText(
+            u"(%1, %2): %3"_s.arg(pixel.x()).arg(pixel.y()).arg(channels.join(u"  "_s)));
 }

@@ -12,7 +12,7 @@ class QLabel;
 class QListWidget;
 class QScrollArea;
 
-// A session with everything to steer it.
+// The main window: a session and its controls.
 class Window : public QMainWindow
 {
     Q_OBJECT
@@ -31,8 +31,8 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    void makeToolBars();
-    void makeActions();
+    void createToolBars();
+    void createActions();
     void openSource(const QString &path);
     void savePicture();
     void updateView();
@@ -46,12 +46,12 @@ private:
     QListWidget *m_strip;
     QLabel *m_message;
     QLabel *m_times;
-    QLabel *m_pixel;
+    QLabel *m_pixelValues;
     QComboBox *m_presets = nullptr;
     QComboBox *m_sources = nullptr;
     QComboBox *m_sizes = nullptr;
     QComboBox *m_comparisons = nullptr;
     QDoubleSpinBox *m_headroom = nullptr;
-    QStringList m_components; // that the strip shows
-    QPoint m_pointedAt;
+    QStringList m_components; // in the strip
+    QPoint m_pixelPosition;
 };

@@ -1,5 +1,6 @@
-#include "Command.h"
 #include "Window.h"
+
+#include <Command.h>
 
 #include <QApplication>
 
@@ -9,15 +10,17 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Without a display Qt would abort.
-std::unique_ptr<QCoreApplication> application(int &argc, char **argv, QString &error)
+bool createApplication(int &argc, char **argv, std::unique_ptr<QCoreApplication> &application,
+                       QString &error)
 {
+    // Without a display Qt would abort.
     constexpr const char *kDisplays[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
     if (std::ranges::all_of(kDisplays, qEnvironmentVariableIsEmpty)) {
         error = u"there is no display to open a window on; 'picture' writes files"_s;
-        return nullptr;
+        return false;
     }
-    return std::make_unique<QApplication>(argc, argv);
+    application = std::make_unique<QApplication>(argc, argv);
+    return true;
 }
 
 QList<QCommandLineOption> options()
@@ -29,10 +32,9 @@ QList<QCommandLineOption> options()
 bool window(const CommandLine &line, QString &error)
 {
     const QString preset = line.arguments.value(0, presetNames().constFirst());
-    if (!presetNames().contains(preset)) {
-        error = loadPreset(line.shadersDir, preset).error;
-        return false;
-    }
+    PresetOnDisk unknown;
+    if (!presetNames().contains(preset))
+        return loadPreset(line.shadersDir, preset, unknown, error);
     Window shown(line.shadersDir, line.parser.value(u"device"_s), preset);
     shown.show();
     return QApplication::exec() == 0;
@@ -48,4 +50,4 @@ const Command kWindowCommand = {.name = "window",
                                 .mostArguments = 1,
                                 .options = options,
                                 .run = window,
-                                .application = application};
+                                .createApplication = createApplication};

@@ -1,4 +1,4 @@
-#include "GraphPicture.h"
+#include "GraphDot.h"
 
 #include <QDir>
 #include <QFile>
@@ -56,14 +56,14 @@ QString row(const QString &text, bool isLeft = false)
             .arg(text);
 }
 
-QString thumbnailRow(int index, const GraphPictureExtras &extras)
+QString thumbnailRow(int index, const GraphDotExtras &extras)
 {
     return extras.thumbnails.contains(index) ? row(u"<IMG SRC=\"%1\"/>"_s.arg(thumbnailName(index)))
                                              : QString();
 }
 
-// Each box is one table: what the pass is, its marks, its parameters by slot, its output.
-QString box(int index, const Pass &pass, const GraphPictureExtras &extras)
+// A box is a table: the pass, its properties, its parameters by slot, its output.
+QString box(int index, const Pass &pass, const GraphDotExtras &extras)
 {
     const char *color = kPlain;
     const bool isDrawn = index < extras.passes.size();
@@ -105,7 +105,7 @@ QString box(int index, const Pass &pass, const GraphPictureExtras &extras)
 } // namespace
 
 QByteArray graphDot(const QString &title, const VulkanRenderGraph &graph,
-                    const GraphPictureExtras &extras)
+                    const GraphDotExtras &extras)
 {
     QString text = u"digraph \"%1\" {\n"_s.arg(title);
     text += u"  graph [label=\"%1\" labelloc=t fontname=\"Helvetica\" fontsize=18];\n"
@@ -133,20 +133,20 @@ QByteArray graphDot(const QString &title, const VulkanRenderGraph &graph,
     return (text + u"}\n"_s).toUtf8();
 }
 
-std::optional<QByteArray> graphSvg(const QByteArray &dot, const QMap<int, QByteArray> &thumbnails,
-                                   QString &error)
+bool graphSvg(const QByteArray &dot, const QMap<int, QByteArray> &thumbnails, QByteArray &svg,
+              QString &error)
 {
     const QString program = QStandardPaths::findExecutable(u"dot"_s);
     if (program.isEmpty()) {
         error = u"no program 'dot' here to draw an SVG with; install Graphviz (Debian: graphviz), or write a .dot file"_s;
-        return {};
+        return false;
     }
     const QTemporaryDir directory;
     for (auto it = thumbnails.cbegin(); it != thumbnails.cend(); ++it) {
         QFile file(directory.filePath(thumbnailName(it.key())));
         if (!file.open(QIODevice::WriteOnly) || file.write(it.value()) != it->size()) {
             error = u"cannot write '%1': %2"_s.arg(file.fileName(), file.errorString());
-            return {};
+            return false;
         }
     }
     QProcess process;
@@ -158,11 +158,11 @@ std::optional<QByteArray> graphSvg(const QByteArray &dot, const QMap<int, QByteA
         || process.exitCode() != 0) {
         error = u"'%1' failed: %2"_s.arg(
                 program, QString::fromUtf8(process.readAllStandardError()).simplified());
-        return {};
+        return false;
     }
-    QByteArray svg = process.readAllStandardOutput();
+    svg = process.readAllStandardOutput();
     for (auto it = thumbnails.cbegin(); it != thumbnails.cend(); ++it)
         svg.replace('"' + thumbnailName(it.key()).toUtf8() + '"',
                     "\"data:image/png;base64," + it->toBase64() + '"');
-    return svg;
+    return true;
 }

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <GraphRenderer.h>
+#include <PresetOnDisk.h>
+
+#include <QImage>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+// What tests that draw have in common. Functions that fail end the program.
+
+using Pixel = std::array<float, 4>; // red, green, blue, alpha
+
+// A float picture whose pixels are easy to get at.
+struct FloatImage
+{
+    explicit FloatImage(QSize imageSize = {1, 1}, Pixel fill = {0.0F, 0.0F, 0.0F, 1.0F});
+    explicit FloatImage(const QImage &image);
+    QImage toImage() const;
+
+    const Pixel &at(int x, int y) const
+    {
+        return pixels[std::size_t(y) * std::size_t(size.width()) + std::size_t(x)];
+    }
+    Pixel &at(int x, int y)
+    {
+        return pixels[std::size_t(y) * std::size_t(size.width()) + std::size_t(x)];
+    }
+
+    QSize size;
+    std::vector<Pixel> pixels; // rows from the top
+};
+
+// On the first software device: every machine that tests has one, and it draws the same pixels
+// everywhere.
+std::unique_ptr<GraphRenderer> softwareRenderer();
+
+// Its number, as --device takes it.
+QString softwareDevice();
+
+PresetOnDisk examplePreset(const QString &name);
+
+FloatImage outputOf(const GraphRenderer &renderer, int pass);

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <Player.h>
+
+#include <QCommandLineParser>
+#include <QList>
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+// The options of all commands that draw.
+struct DrawingOptions
+{
+    static QList<QCommandLineOption> declared();
+
+    // Functions that can fail return false, with the reason in `error`.
+    static bool parse(const QCommandLineParser &parser, DrawingOptions &options, QString &error);
+
+    // Makes a player of the preset with these options. Its source is still to be opened.
+    bool loadPlayer(const QString &shadersDir, const QString &preset, std::optional<Player> &player,
+                    QString &error) const;
+    bool openSource(Player &player, QString &error) const;
+
+    // The number given, or else as many frames as it takes until feedback has converged.
+    int frameCount(const VulkanRenderGraph &graph) const;
+
+    QString source;
+    QString device;
+    QSize size;
+    QList<std::pair<QString, QString>> values; // id and number, as given
+    std::optional<int> frames;
+    std::optional<float> headroom;
+};
+
+// Sets a parameter to a number within its range.
+bool setValue(Player &player, const QString &id, const QString &number, QString &error);

@@ -1,0 +1,71 @@
+#include "Player.h"
+
+#include <utility>
+
+Player::Player(QString device) : m_device(std::move(device)) { }
+
+void Player::setPreset(const PresetOnDisk &preset)
+{
+    m_preset = preset;
+    m_hasGraph = false;
+    resetValues();
+}
+
+void Player::setSource(const SourcePicture &source)
+{
+    m_source = source;
+    m_hasSource = false;
+}
+
+void Player::setValue(const QString &id, float value)
+{
+    m_state.params.insert(id, value);
+}
+
+void Player::resetValues()
+{
+    m_state.params = initialValues(m_preset.parameters);
+}
+
+void Player::setViewport(QSize viewport)
+{
+    m_state.viewport = viewport;
+}
+
+void Player::setHeadroom(std::optional<float> headroom)
+{
+    m_state.hdrOutputActive = headroom.has_value();
+    m_state.hdrHeadroom = headroom.value_or(1.0F);
+}
+
+void Player::resetHistories()
+{
+    if (m_renderer)
+        m_renderer->resetHistories();
+}
+
+bool Player::drawFrame(int number, QString &error)
+{
+    if (tryDrawFrame(number, error))
+        return true;
+    // The device may be lost.
+    m_renderer.reset();
+    m_hasGraph = false;
+    m_hasSource = false;
+    return false;
+}
+
+bool Player::tryDrawFrame(int number, QString &error)
+{
+    if (!m_renderer && !GraphRenderer::create(m_device, m_renderer, error))
+        return false;
+    if (!m_hasGraph && !m_renderer->setGraph(m_preset.graph, m_preset.modules, error))
+        return false;
+    m_hasGraph = true;
+    if ((!m_hasSource || m_source.isAnimated())
+        && !m_renderer->setSource(floatPicture(m_source.frame(number)), error))
+        return false;
+    m_hasSource = true;
+    m_state.frameCount = std::uint32_t(number);
+    return m_renderer->drawFrame(m_state, error);
+}

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "PictureFile.h"
+#include "PresetOnDisk.h"
+
+#include <GraphRenderer.h>
+
+#include <QHash>
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+// Draws the frames of a preset: with values of its parameters, from a source picture, on a Vulkan
+// device. Needs a preset and a source. The device is opened for the first frame, and again after it
+// failed.
+class Player
+{
+public:
+    // `device` is a number, a part of a name, or empty for the first device.
+    explicit Player(QString device);
+
+    // A preset that loadPreset() returned. Its parameters get their initial values.
+    void setPreset(const PresetOnDisk &preset);
+    const PresetOnDisk &preset() const
+    {
+        return m_preset;
+    }
+
+    void setSource(const SourcePicture &source);
+    const SourcePicture &source() const
+    {
+        return m_source;
+    }
+
+    void setValue(const QString &id, float value);
+    void resetValues();
+    const QHash<QString, float> &values() const
+    {
+        return m_state.params;
+    }
+
+    void setViewport(QSize viewport);
+    void setHeadroom(std::optional<float> headroom); // empty: SDR
+
+    // The next frame is drawn as if the display had been showing its source for a long time.
+    void resetHistories();
+
+    // Draws the frame of that number, histories continuing from the last one that was drawn. On
+    // failure returns false, with the reason in `error`.
+    bool drawFrame(int number, QString &error);
+
+    // The renderer of the last frame; null if that failed.
+    const GraphRenderer *renderer() const
+    {
+        return m_renderer.get();
+    }
+
+private:
+    bool tryDrawFrame(int number, QString &error);
+
+    QString m_device;
+    PresetOnDisk m_preset;
+    SourcePicture m_source;
+    FrameState m_state;
+    std::unique_ptr<GraphRenderer> m_renderer;
+    bool m_hasGraph = false; // the renderer has m_preset's
+    bool m_hasSource = false; // the renderer has m_source's first frame, if nothing else
+};
