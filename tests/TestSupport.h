@@ -80,8 +80,8 @@ QList<QHash<QString, QString>> declaredPresets();
 
 QStringList declaredPresetNames();
 
-// Whether a slow test about all presets runs for this one. The environment variable TESTED_PRESET can
-// limit such tests to one preset.
+// Whether a slow test about all presets runs for this one. The environment variable TESTED_PRESET
+// can limit such tests to one preset.
 bool isTested(const QString &preset);
 
 // The text in UTF-16, after a byte-order mark.
