@@ -1,6 +1,6 @@
 #!/bin/sh
-# scripts/gallery draws the same again, and its check names whatever is another. In a copy, with a preview
-# that knows of one preset.
+# Runs scripts/gallery in a copy, with a preview that knows one preset. A second run writes the same files, and
+# --check names each file that differs.
 set -eu
 
 rm -rf "$WORK_DIR"
@@ -22,7 +22,7 @@ fail() {
     exit 1
 }
 
-scripts/gallery >log 2>&1 || fail 'drawing'
+scripts/gallery >log 2>&1 || fail 'scripts/gallery failed'
 [ "$(ls docs docs/presets)" = 'docs:
 presets
 presets.md
@@ -32,39 +32,39 @@ all.jpg
 gba-lcd-detail.jpg
 gba-lcd.jpg
 gba-lcd.svg' ] || fail "$(ls docs docs/presets)"
-# shellcheck disable=SC2016 # no command, but Markdown
+# shellcheck disable=SC2016 # Markdown, not a command
 grep -qFx '| `ghost_rise` | **0.706** | 0.5 | 0.05 to 1 | 0.05 | LCD Response Rise (drive) |' docs/presets.md ||
-    fail 'a row of the parameters'
+    fail 'docs/presets.md lacks the row of ghost_rise'
 cp -R docs before
-scripts/gallery >log 2>&1 || fail 'drawing again'
-diff -r before docs >log || fail 'another gallery each time'
-scripts/gallery --check >log 2>&1 || fail 'checking what was drawn'
+scripts/gallery >log 2>&1 || fail 'the second run failed'
+diff -r before docs >log || fail 'the second run wrote other files'
+scripts/gallery --check >log 2>&1 || fail '--check rejects what was just written'
 
-# check <what it has to say> [preset]
+# check <expected message> [preset]: --check fails with this message.
 check() {
-    scripts/gallery --check ${2+"$2"} >log 2>&1 && fail 'the check passes'
+    scripts/gallery --check ${2+"$2"} >log 2>&1 && fail '--check passed'
     sed -i -e '/^gallery: drawing/d' -e 's/ by [0-9.]* levels.*/./' -e "s|$WORK_DIR/||g" log
     [ "$(cat log)" = "$1
-gallery: if that is meant: run scripts/gallery, and commit what it writes" ] || fail 'another message'
+gallery: if you intended this, run scripts/gallery and commit what it writes" ] || fail 'the message differs'
 }
 
-# One step of one slider.
-SET='--set lcd_grid_contrast=0.45' check 'gallery: docs/presets/all.jpg differs from what is drawn now.
-gallery: docs/presets/gba-lcd-detail.jpg differs from what is drawn now.
-gallery: docs/presets/gba-lcd.jpg differs from what is drawn now.
-gallery: docs/presets/gba-lcd.svg is another graph than drawn/presets/gba-lcd.svg'
+# Moves one slider by one step.
+SET='--set lcd_grid_contrast=0.45' check 'gallery: docs/presets/all.jpg differs from the new picture.
+gallery: docs/presets/gba-lcd-detail.jpg differs from the new picture.
+gallery: docs/presets/gba-lcd.jpg differs from the new picture.
+gallery: docs/presets/gba-lcd.svg differs from drawn/presets/gba-lcd.svg'
 [ "$(pngtopam drawn/gba-lcd-detail-difference.png | pamfile -machine | sed 's,.*: ,,')" = 'PPM RAW 1200 300 3 255 RGB' ] ||
-    fail 'no difference picture of three times 400x300'
+    fail 'the picture of the difference is not three pictures of 400x300 side by side'
 
 jpegtopnm -quiet docs/presets/gba-lcd.jpg | pamcut -width 99 | pnmtojpeg >cut.jpg
 mv cut.jpg docs/presets/gba-lcd.jpg
 rm docs/presets/gba-lcd-detail.jpg
 check 'gallery: there is no docs/presets/gba-lcd-detail.jpg
-gallery: docs/presets/gba-lcd.jpg has another size than drawn/presets/gba-lcd.jpg' gba-lcd
+gallery: docs/presets/gba-lcd.jpg and drawn/presets/gba-lcd.jpg differ in size' gba-lcd
 
 rm -r docs
 cp -R before docs
 echo >>docs/presets.md
 touch docs/presets/crt-gone.svg
-check 'gallery: docs/presets.md is not drawn/presets.md
-gallery: docs/presets/crt-gone.svg is of no preset'
+check 'gallery: docs/presets.md differs from drawn/presets.md
+gallery: docs/presets/crt-gone.svg belongs to no preset'

@@ -1,5 +1,5 @@
 #!/bin/sh
-# scripts/lint does not pass where git lists nothing for it to look at, and finds the sources in any directory.
+# scripts/lint fails if git lists no sources, and finds the sources in any directory.
 set -eu
 
 rm -rf "$WORK_DIR"
@@ -18,7 +18,7 @@ printf '%s\n' '#!/bin/sh' 'for pattern; do :; done' \
 # One source is in two targets.
 echo '[{"file": "main.cpp"}, {"file": "main.cpp"}]' >build/asan-clang/compile_commands.json
 
-# row <what is said> <git's exit status> <what it lists>
+# row <expected output and exit status> <git's exit status> <what git lists>
 row() {
     printf '#!/bin/sh\nprintf "%s"\nexit %s\n' "$3" "$2" >bin/git
     chmod +x bin/git
@@ -31,4 +31,5 @@ row "$nothing" 128 ''
 row "$nothing" 0 ''
 row "$nothing" 0 'tests/manifest/golden/RenderGraphManifest.h\n'
 row ' 0' 0 'main.cpp\n'
-[ "$(cat build/lint/compile_commands.json)" = '[{"file": "main.cpp"}]' ] || { echo 'FAILED: checked twice' >&2; exit 1; }
+[ "$(cat build/lint/compile_commands.json)" = '[{"file": "main.cpp"}]' ] ||
+    { echo 'FAILED: a source is checked twice' >&2; exit 1; }

@@ -1,5 +1,5 @@
 #!/bin/sh
-# scripts/build and scripts/still-running say now and then how far a command is, and end as it does.
+# scripts/build and scripts/still-running show progress, and exit with the status of their command.
 set -eu
 
 rm -rf "$WORK_DIR"
@@ -7,18 +7,19 @@ mkdir -p "$WORK_DIR/bin"
 cd "$WORK_DIR"
 # shellcheck disable=SC2016 # expanded when it runs
 printf '%s\n' '#!/bin/sh' 'echo "$*" >called' 'cat lines' 'exit $(cat status)' >bin/cmake
-printf '%s\n' '#!/bin/sh' 'exec /bin/sleep 0.1' >bin/sleep # however long it is asked to
+printf '%s\n' '#!/bin/sh' 'exec /bin/sleep 0.1' >bin/sleep # whatever its argument
 chmod +x bin/*
 export PATH="$WORK_DIR/bin:$PATH"
 
-# row <exit status> <build's lines> <lines to be seen>
+# row <exit status> <build's lines> <expected lines>
 row() {
     printf '%b' "$2" >lines
     echo "$1" >status
     "$SOURCE_DIR/scripts/build" --preset dev --target one >log 2>&1 && status=0 || status=$?
-    [ "$(cat called)" = '--build --preset dev --target one' ] || { echo "FAILED: $(cat called)" >&2; exit 1; }
-    [ "$status" = "$1" ] || { echo "FAILED: status $status after $1" >&2; exit 1; }
-    [ "$(cat log)" = "$3" ] || { cat log >&2; echo "FAILED: other lines for '$2'" >&2; exit 1; }
+    [ "$(cat called)" = '--build --preset dev --target one' ] ||
+        { echo "FAILED: cmake was called with $(cat called)" >&2; exit 1; }
+    [ "$status" = "$1" ] || { echo "FAILED: status $status, not $1" >&2; exit 1; }
+    [ "$(cat log)" = "$3" ] || { cat log >&2; echo "FAILED: unexpected lines for '$2'" >&2; exit 1; }
 }
 
 row 0 'ninja: no work to do.\n' ''
@@ -48,4 +49,4 @@ chmod +x bin/slow
 "$SOURCE_DIR/scripts/still-running" test slow 'an argument' >log 2>said && status=0 || status=$?
 [ "$status $(cat log)" = '3 an argument' ] || { echo "FAILED: status $status, $(cat log)" >&2; exit 1; }
 sed 's/after [0-9]* s$/after ... s/' said | sort -u >seen
-[ "$(cat seen)" = 'test: still running after ... s' ] || { cat said >&2; echo 'FAILED: other lines' >&2; exit 1; }
+[ "$(cat seen)" = 'test: still running after ... s' ] || { cat said >&2; echo 'FAILED: unexpected lines' >&2; exit 1; }

@@ -1,11 +1,11 @@
 #!/bin/sh
-# scripts/setup installs what its groups are missing, each package once.
+# scripts/setup installs the missing packages of its groups, each package once.
 set -eu
 
 rm -rf "$WORK_DIR"
 mkdir -p "$WORK_DIR/bin"
 cd "$WORK_DIR"
-# One package is here, and all that is asked for is installed.
+# One package is installed already. The stub of apt-get records its arguments and succeeds.
 # shellcheck disable=SC2016 # expanded when it runs
 printf '%s\n' '#!/bin/sh' '[ "$4" != spirv-tools ] || echo installed' >bin/dpkg-query
 # shellcheck disable=SC2016 # expanded when it runs

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Where Vulkan is missing, the project can be built and tested without the preview and the tests that draw.
+# Without Vulkan, the project is built and tested without the preview and the tests that draw.
 set -eu
 
 rm -rf "$WORK_DIR"
