@@ -1,4 +1,4 @@
-// What any program with Qt costs before it does anything.
+// Measures what every Qt program costs before it does anything.
 #include <QCoreApplication>
 
 int main(int argc, char *argv[])

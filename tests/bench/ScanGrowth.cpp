@@ -1,6 +1,6 @@
-// bench-scans <shape> <MiB>: MiB a second that the scans for slots, for frame tokens and for
-// parameter ids read of a file of that shape and size, then the bytes of memory that they take at
-// most, for each byte of the file.
+// bench-scans <shape> <MiB>: scans a file of this shape and size for slots, frame tokens and
+// parameter ids. Prints the speed of each scan in MiB/s, and their peak memory in bytes per byte of
+// the file.
 #include "ComponentSource.h"
 
 #include <QFile>
@@ -20,7 +20,7 @@ namespace {
 constexpr double kMiB = 1024 * 1024;
 constexpr int kRuns = 5;
 
-// The text of a file is its piece again and again; %1 is the piece's number, modulo `numbers`.
+// A file repeats `piece`, in which %1 stands for the number of the repetition modulo `numbers`.
 struct Shape
 {
     const char *name;
@@ -65,10 +65,10 @@ double peakMemory()
 {
     rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) * 1024; // it counts KiB
+    return static_cast<double>(usage.ru_maxrss) * 1024; // ru_maxrss is in KiB
 }
 
-// The least of several runs: whatever else the machine does can only add to it.
+// Returns the shortest of several runs, since other load can only make a run longer.
 template<typename Scan>
 double seconds(Scan scan)
 {

@@ -1,5 +1,5 @@
-// Prints what its manifest holds: for each preset its resource, its passes, whether it moves, and
-// its values.
+// Prints its manifest: for each preset the resource, the number of passes, whether it is animated,
+// and the values.
 #ifndef HEADER
 #define HEADER "m.h"
 #endif

@@ -1,5 +1,5 @@
 #!/bin/sh
-# What a wrong call of render_graph_manifest() or find_package() says, whole.
+# Wrong calls of the package's functions and of find_package() fail with exactly these messages.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -9,7 +9,8 @@ package='find_package(RenderGraphCompile 1 REQUIRED)'
 synopsis="Write render_graph_manifest(<target> SHADERS_DIR <directory> HEADER <file name> \
 [DEPENDS <file or target>...])"
 
-# configured <CMake code>: CMake breaks its messages into lines, here they are one.
+# configured <CMake code>: configures a project with this code. CMake breaks its messages into lines; $message has
+# all on one line.
 configured() {
     printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES NONE)' "$1" \
         >project/CMakeLists.txt
@@ -24,7 +25,7 @@ rejected() {
     [ $status = 1 ] || fail "accepted: $1"
     case $message in
         *" $2 Call Stack"* | *" $2 -- Configuring"*) ;;
-        *) fail "for $1 expected: $2" ;;
+        *) fail "expected \"$2\" for: $1" ;;
     esac
 }
 
@@ -44,7 +45,7 @@ render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)
 add_custom_target(components)
 render_graph_manifest(b HEADER directory.d/..a/a.h DEPENDS components /none/a.slang SHADERS_DIR \${CMAKE_CURRENT_SOURCE_DIR}/shaders/)"
 accepted 'find_package(RenderGraphCompile 1.0.0 REQUIRED)'
-# The tool serves targets whose pointers are not as wide as its own.
+# The package accepts target systems whose pointers differ in width from the tool's.
 accepted "set(CMAKE_SIZEOF_VOID_P 2)
 $package"
 
@@ -112,7 +113,7 @@ render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)' \
     "render_graph_manifest: there is no target RenderGraphCompile::render-graph-compile here. Call \
 find_package(RenderGraphCompile REQUIRED) in this directory or in one above it."
 
-# With a manifest, and a target that could hold modules.
+# more_rejected <CMake code> <message>: the code follows a manifest and a target for modules.
 more_rejected() {
     rejected "$package
 render_graph_manifest(a SHADERS_DIR shaders HEADER a.h)
@@ -181,5 +182,5 @@ more_rejected 'render_graph_catalog(catalog MANIFEST a)' \
 
 for version in 0.9 2 1.999; do
     configured "find_package(RenderGraphCompile $version REQUIRED)"
-    [ $status = 1 ] || fail "the package serves as version $version"
+    [ $status = 1 ] || fail "the package is accepted as version $version"
 done

@@ -1,7 +1,6 @@
-# shellcheck shell=sh disable=SC2034,SC2164 # the tests, which set -e, use what is set here
-# What the tests of the installed CMake package share. They run from CTest, which sets CMAKE, CXX, BUILD_DIR (what is
-# installed), CONFIG, SOURCE_DIR, SMALL_TOOL and SMALL_SHADERS_DIR (a tool of few presets, and their sources)
-# and WORK_DIR.
+# shellcheck shell=sh disable=SC2034,SC2164 # the tests set -e and use these variables
+# Functions of the tests of the installed CMake package. CTest sets CMAKE, CXX, BUILD_DIR (the build to install),
+# CONFIG, SOURCE_DIR, SMALL_TOOL (a tool with few presets), SMALL_SHADERS_DIR (their sources) and WORK_DIR.
 export LC_ALL=C.UTF-8
 
 fail() {
@@ -15,7 +14,7 @@ skip() {
     exit 77
 }
 
-# A fresh install in "$prefix", moved there from where it was installed.
+# Installs into an empty directory and moves the installation to "$prefix".
 fresh_real_install() {
     rm -rf "$WORK_DIR"
     mkdir -p "$WORK_DIR"
@@ -26,7 +25,7 @@ fresh_real_install() {
     tool="$prefix/bin/render-graph-compile"
 }
 
-# The same with the small tool.
+# The same, with the small tool.
 fresh_install() {
     fresh_real_install
     cp "$SMALL_TOOL" "$tool"
@@ -38,7 +37,7 @@ small_shaders() {
     cp -R "$SMALL_SHADERS_DIR" "$1"
 }
 
-# with_frame_counter: the component on standard input, reading the frame counter too.
+# with_frame_counter: changes the component on standard input so that it reads the frame counter.
 with_frame_counter() {
     sed 's/texCoord)/texCoord * (1.0 + pc.frameCount))/'
 }
@@ -55,13 +54,13 @@ build() {
     "$CMAKE" --build "$@" -j 2 >log 2>&1
 }
 
-# lines <pattern>: how many lines of the log have it.
+# lines <pattern>: counts the lines of the log that match.
 lines() {
     grep -c "$1" log || true
 }
 
-# quick_sources <directory> <code>: the project's sources with a tool that only starts "$tool", and so is
-# built in no time; main.cpp begins with <code>.
+# quick_sources <directory> <code>: copies the project's sources, but with a tool that only starts "$tool", which is
+# quick to build. Its main.cpp begins with <code>.
 quick_sources() {
     mkdir -p "$1"
     for part in CMakeLists.txt cmake docs examples packaging src tools; do

@@ -1,4 +1,4 @@
-# What the build step says besides the tool's own line, from the tool's lines and small components.
+# The build step adds to each of the tool's messages where the error is. The messages are about small components.
 # Takes SOURCE_DIR and WORK_DIR.
 cmake_policy(VERSION 3.21)
 include("${SOURCE_DIR}/cmake/DescribeComponentError.cmake")
@@ -8,11 +8,11 @@ set(noise "${shaders}/vulkan/components/noise.slang")
 set(tape "${shaders}/vulkan/components/tape.slang")
 file(REMOVE_RECURSE "${WORK_DIR}")
 
-# row(<name> <the tool's line> <what is expected>)
+# row(<name> <the tool's message> <expected text>)
 function(row name line expected)
     describe_component_error(place "render-graph-compile: ${line}\n" "${shaders}")
     if(NOT place STREQUAL expected)
-        message(SEND_ERROR "${name}:\n${place}\nis not\n${expected}")
+        message(SEND_ERROR "${name}:\n${place}\ninstead of\n${expected}")
     endif()
 endfunction()
 
@@ -63,7 +63,7 @@ row("drift" "${line} { b;[;a;d;d}"
 row("an id twice" "${line} {a;b;c;c}" "${preset}:2: an id is listed more than once")
 row("another error" "failed to open '${preset}' for writing" "")
 
-# The step shows it below its own line.
+# The step shows this text below its own message.
 set(said "rewind pass 1 declares parameter 'wiggle' without metadata")
 file(WRITE "${WORK_DIR}/tool" "echo \"render-graph-compile: ${said}\" >&2; exit 1")
 execute_process(COMMAND "${CMAKE_COMMAND}" "-DTOOL=sh;${WORK_DIR}/tool" "-DSHADERS_DIR=${shaders}"

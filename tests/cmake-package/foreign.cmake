@@ -1,2 +1,2 @@
-# Another system, built for with the compilers of this one.
+# Cross-compiles for another system, with this system's compilers.
 set(CMAKE_SYSTEM_NAME FreeBSD)

@@ -1,7 +1,7 @@
 #!/bin/sh
-# A disk without room for what the build step writes: the step fails, keeps the header and leaves
-# nothing behind, and the next build recovers. On a small file system in a namespace of its own. The same
-# for a module, and for what is cut short by anything else.
+# The disk is full when the build step writes. The step fails, keeps the header and leaves no temporary file, and the
+# next build recovers. The same holds for modules, and for files that are cut short for another reason. The disk is a
+# small file system in a mount namespace.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -32,25 +32,25 @@ current() {
     cmp -s "$header" expected.h
 }
 
-# fill <KiB>: leaves so much room on the disk.
+# fill <KiB>: fills the disk until this much is free.
 fill() {
     free=$(df -k "$disk" | awk 'NR == 2 { print $4 }')
     head -c $(((free - $1) * 1024)) /dev/zero >"$disk/ballast"
-    [ "$(df -k "$disk" | awk 'NR == 2 { print $4 }')" = "$1" ] || fail "$name: not so"
+    [ "$(df -k "$disk" | awk 'NR == 2 { print $4 }')" = "$1" ] || fail "$name: the disk is not filled exactly"
 }
 
 for generator in 'Ninja' 'Unix Makefiles'; do
     step=4
-    [ "$generator" = Ninja ] || step=12 # Make runs the same scripts
+    [ "$generator" = Ninja ] || step=12 # Make runs the same scripts, so fewer sizes will do
     rm -rf build
     mkdir -p "$disk"
     mount -t tmpfs -o size=1m tmpfs "$disk" || skip 'mounting is not permitted here'
     configure project build -G "$generator" || fail "$generator: configuring"
     build build || fail "$generator: building"
-    current || fail "$generator: the header is not what the tool writes"
+    current || fail "$generator: the header differs from the output of the tool"
     size=$(wc -c <"$header")
 
-    # Beside two manifests, from no room to room enough for two more.
+    # With two manifests on the disk: from no free space up to enough for two more.
     outcomes=
     room=0
     while [ $room -le $((2 * size / 1024 + 12)) ]; do
@@ -61,30 +61,31 @@ for generator in 'Ninja' 'Unix Makefiles'; do
 
         if build build; then
             outcome=built
-            current || fail "$name: the header is not what the tool writes"
+            current || fail "$name: the header differs from the output of the tool"
         else
             outcome=refused
             grep -qFx "   m.h was not generated: it could not be written completely. Make room in \
 '$disk', and build again." log ||
                 grep -qFx "   m.h was not generated: it could not be written completely. Make room in \
-'$disk/include', and build again." log || fail "$name: no such line"
+'$disk/include', and build again." log || fail "$name: the message is missing"
             cmp "$header" kept.h || fail "$name: the header changed"
             [ -z "$(find "$header" -newer kept.h)" ] || fail "$name: the header was written again"
-            [ -z "$(find "$disk" -name '*.part')" ] || fail "$name: something is left behind"
+            [ -z "$(find "$disk" -name '*.part')" ] || fail "$name: a temporary file is left"
         fi
         case $outcomes in *" $outcome") ;; *) outcomes="$outcomes $outcome" ;; esac
 
         rm "$disk/ballast"
         build build || fail "$name: the build does not recover"
-        current || fail "$name: the header is not what the tool writes afterwards"
+        current || fail "$name: after recovering, the header differs from the output of the tool"
         room=$((room + step))
     done
-    [ "$outcomes" = ' refused built' ] || fail "$generator: in turn it was$outcomes"
+    [ "$outcomes" = ' refused built' ] || fail "$generator: the outcomes were$outcomes, not refused and then built"
     umount "$disk"
 done
 
-# A module of several pages, with the source in it, on a disk of one: not one that ends after a page, whatever the
-# compiler's exit status. And what the build knows the module to be made of, beside it.
+# A module of several pages, since it contains its source, on a disk with less room. A module that ends after a page is
+# an error, whatever the compiler's exit status. The trial "records" fills the disk for the records of what each module
+# was made from.
 awk 'BEGIN { while (i++ < 300) print "// some text for the debug information to hold, line " i }' >>$components/tint.slang
 for trial in Ninja 'Unix Makefiles' records; do
     generator=$trial
@@ -108,20 +109,20 @@ for trial in Ninja 'Unix Makefiles' records; do
         touch $components/*
         fill "$room"
         if build build --target modules; then fail "$name: the build succeeded"; fi
-        grep -q '^   [a-z.-]*[.]spv was not compiled: ' log || fail "$name: no such line"
-        [ -z "$(find build -name '*.spv.part')" ] || fail "$name: something is left behind"
+        grep -q '^   [a-z.-]*[.]spv was not compiled: ' log || fail "$name: the message is missing"
+        [ -z "$(find build -name '*.spv.part')" ] || fail "$name: a temporary file is left"
         rm "$disk/ballast"
         build build --target modules || fail "$name: the build does not recover"
         for module in build/spirv/*.spv; do
-            spirv-val "$module" || fail "$name: not a whole module"
+            spirv-val "$module" || fail "$name: a module is incomplete"
         done
         build build --target modules
-        [ "$(lines 'Generating\|Compiling')" = 0 ] || fail "$name: the build after it has something to do"
+        [ "$(lines 'Generating\|Compiling')" = 0 ] || fail "$name: the next build runs something"
     done
     umount "$disk"
 done
 
-# However little is missing.
+# Files that are cut short by one byte or more.
 # shellcheck disable=SC2016 # expanded when it runs
 printf '%s\n' '#!/bin/sh' "'$tool' \"\$@\" >/dev/null" 'truncate -s -"$(cat "$0.cut")" "$4"' >short
 # shellcheck disable=SC2016
@@ -135,17 +136,17 @@ configure project build -G Ninja "-DRenderGraphCompile_EXECUTABLE=$WORK_DIR/shor
 for cut in 1 2 50 "$(wc -c <expected.h)"; do
     echo "$cut" >short.cut
     if build build; then fail "$cut bytes short: the build succeeded"; fi
-    [ "$(lines 'it could not be written completely')" = 1 ] || fail "$cut bytes short: no such line"
+    [ "$(lines 'it could not be written completely')" = 1 ] || fail "$cut bytes short: the message is missing"
 done
 echo 0 >short.cut
 build build || fail 'the build does not recover from a short manifest'
-current || fail 'after a short manifest the header is not what the tool writes'
+current || fail 'after a short manifest the header differs from the output of the tool'
 
-# cut_module <name> <words of the message>
+# cut_module <name> <pattern of the message>
 cut_module() {
     touch $components/tint.slang
     if build build --target spirv/tint.frag.spv; then fail "$1: the build succeeded"; fi
-    [ "$(lines "^   tint.frag.spv was not compiled: $2")" = 1 ] || fail "$1: no such line"
+    [ "$(lines "^   tint.frag.spv was not compiled: $2")" = 1 ] || fail "$1: the message is missing"
 }
 echo 0 >compiler.cut
 build build --target modules || fail 'building the modules'
@@ -160,7 +161,7 @@ cut_module 'a short depfile' "'.*/tint.frag.spv.d' was not written completely. I
 printf '%s\n' '#!/bin/sh' 'exit 0' >compiler
 cut_module 'a compiler that writes nothing' "'.*/compiler' wrote nothing[.]$"
 
-# Up to the end of its first function: what is missing then, spirv-val alone says.
+# The module ends after its first function, which only spirv-val reports.
 cat >compiler <<'END'
 #!/bin/sh
 glslangValidator "$@"
@@ -172,4 +173,4 @@ cut_module 'a module without its last function' "'.*/spirv-val' says why above[.
 cp kept compiler
 echo 0 >compiler.cut
 build build --target modules || fail 'the build does not recover from a short module'
-spirv-val build/spirv/tint.frag.spv || fail 'after a short module there is no whole one'
+spirv-val build/spirv/tint.frag.spv || fail 'after a short module the next one is incomplete'

@@ -1,12 +1,12 @@
 #!/bin/sh
-# Inputs that are there and that the tool would take for empty or absent: the build step names them,
-# keeps the header, and the next build recovers. As root without root's right to read everything.
+# Inputs that exist but that the tool would treat as empty or missing. The build step names them and keeps the header,
+# and the next build recovers. Root drops its right to read every file first.
 set -eu
 . "$(dirname "$0")/common.sh"
 
 if [ "$(id -u)" = 0 ] && [ "${1-}" != --without-rights ]; then
     rights=-dac_override,-dac_read_search
-    setpriv --bounding-set=$rights --inh-caps=$rights true || skip 'rights cannot be dropped here'
+    setpriv --bounding-set=$rights --inh-caps=$rights true || skip 'capabilities cannot be dropped here'
     exec setpriv --bounding-set=$rights --inh-caps=$rights sh "$0" --without-rights
 fi
 
@@ -19,13 +19,13 @@ printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES NON
     'render_graph_manifest(presets SHADERS_DIR "some shaders" HEADER m.h)' \
     'add_custom_target(app ALL)' 'add_dependencies(app presets)' >project/CMakeLists.txt
 
-# refused <path> <what it is>
+# refused <path> <what is wrong with it>
 refused() {
     name="$generator: $1 $2"
     touch -h "$1"
     if build build; then fail "$name: the build succeeded"; fi
     [ "$(grep -cFx "   m.h was not generated: '$1' $2. Put a file there that can be read, or remove \
-it, and build again." log)" = 1 ] || fail "$name: no such line"
+it, and build again." log)" = 1 ] || fail "$name: the message is missing"
     [ "$(lines 'render-graph-compile: ')" = 0 ] || fail "$name: the tool ran"
     cmp "$header" kept.h || fail "$name: the header changed"
     [ -z "$(find "$header" -newer kept.h)" ] || fail "$name: the header was written again"
@@ -35,7 +35,7 @@ recovered() {
     build build || fail "$name: the build does not recover"
     [ "$(lines 'Generating m.h')" = 1 ] || fail "$name: the tool did not run"
     "$tool" --shaders-dir "$shaders" --out expected.h >/dev/null
-    cmp "$header" expected.h || fail "$name: the header is not what the tool writes"
+    cmp "$header" expected.h || fail "$name: the header differs from the output of the tool"
 }
 
 for generator in 'Ninja' 'Unix Makefiles'; do
@@ -46,7 +46,7 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     recovered
     cp -p "$header" kept.h
 
-    # Each in turn with one generator; the other sees the same step.
+    # Each input with Ninja. One is enough with Make, which runs the same step.
     for input in "$shaders/tint.glslp" "$components"/*; do
         [ "$generator" = Ninja ] || [ "$input" = "$components/stock.frag" ] || continue
         chmod a-r "$input"
@@ -55,7 +55,7 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     done
     recovered
 
-    # Beside the .frag that the tool would take instead.
+    # A .slang beside the .frag that the tool would read instead.
     input="$components/stock.slang"
     mkdir "$input"
     refused "$input" 'is a directory'
@@ -69,7 +69,7 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     mkfifo "$input"
     refused "$input" 'is not a regular file'
     rm "$input"
-    recovered # Ninja has words of its own for a loop where it knew a file
+    recovered # else Ninja itself reports the loop, since it knows this file
     ln -s stock.slang "$input"
     refused "$input" 'is a loop of links'
     rm "$input"
@@ -89,7 +89,7 @@ for generator in 'Ninja' 'Unix Makefiles'; do
     rm "$input"
     recovered
 
-    # What a file may be.
+    # Links that are accepted.
     ln -s "$components/stock.frag" "$input"
     name="$generator: a link to a file"
     recovered

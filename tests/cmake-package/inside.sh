@@ -1,16 +1,16 @@
 #!/bin/sh
-# RenderGraphCompile and the example consumer inside another project, for this and another system.
+# Builds RenderGraphCompile and the example consumer inside another project, for this system and for another one.
 set -eu
 . "$(dirname "$0")/common.sh"
 tests="$SOURCE_DIR/tests/cmake-package"
 
 fresh_install
 quick_sources render-graph-compile
-cp -R "$SOURCE_DIR/src" render-graph-compile # which the consumer is built with
+cp -R "$SOURCE_DIR/src" render-graph-compile # the consumer is compiled with these
 small_shaders examples/shaders
 cp -R "$SOURCE_DIR/examples/consumer" examples
 cp -R "$tests/inside" inside
-# Qt is this machine's throughout, also where CMake would look for another system's.
+# All builds use this machine's Qt, even if CMake would look for the other system's.
 qt_dir=$(sed -n 's/^Qt6_DIR:PATH=//p' "$BUILD_DIR/CMakeCache.txt")
 
 # inside <build> <arguments...>
@@ -26,13 +26,13 @@ build native || fail 'building'
 native/consumer/Debug/consumer list >log
 [ "$(lines '^  stock  *2  *0  no$')" = 1 ] || fail 'the consumer does not list its presets'
 build native
-[ "$(lines 'no work to do')" = 1 ] || fail 'the build after it has something to do'
+[ "$(lines 'no work to do')" = 1 ] || fail 'the next build runs something'
 touch render-graph-compile/tools/render-graph-compile/main.cpp
 build native
 [ "$(lines 'Generating') $(lines 'Building') $(lines 'Linking')" = '1 1 1' ] ||
-    fail 'a new tool runs once, and nothing follows from it'
+    fail 'a changed tool is not built and run once, or more is built'
 "$CMAKE" --install native --config Debug --prefix installed >log 2>&1 || fail 'installing'
-[ ! -e installed ] || fail 'the project around installs what is ours'
+[ ! -e installed ] || fail 'installing the outer project installs our files'
 
 if inside refused -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake"; then
     fail 'a tool that cannot run here is accepted'

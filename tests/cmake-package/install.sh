@@ -1,6 +1,6 @@
 #!/bin/sh
-# An install of a tool whose Qt is in a prefix of its own, with data in a directory outside the
-# prefix; its components and how it is uninstalled; its .deb; and the archive of the sources.
+# Installs a tool whose Qt is in a prefix of its own, with the data directory outside the install prefix. Also tests the
+# install components, uninstalling, the .deb and the source archive.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -20,7 +20,7 @@ set(PACKAGE_VERSION 6.4.2)
 set(PACKAGE_VERSION_COMPATIBLE TRUE)
 END
 
-# Below a directory that is called as what the sources' archive leaves out.
+# The source archive leaves out the project's build directory, but a directory above may have the same name.
 sources="$WORK_DIR/build/sources (1)"
 quick_sources "$sources" 'extern "C" int core(); static const int kCore = core();'
 mkdir -p "$sources/.git" "$sources/build/dev"
@@ -46,18 +46,18 @@ foreach(path IN LISTS sources directories)
     endif()
 endforeach()
 END
-prefix=none # where another one would be found
+prefix=none # so that the other install is not found
 configure project used -G Ninja "-DRenderGraphCompile_DIR=$WORK_DIR/shared data/cmake/RenderGraphCompile" ||
     fail 'the package does not find its files in an absolute directory'
 
 configure "$sources" "$sources/out" -DCMAKE_INSTALL_DATADIR=share || fail 'configuring for components'
-parts=parts/render-graph-compile # a name that is ours elsewhere
+parts=parts/render-graph-compile # this directory has the name of the package's directories
 for component in tool development examples doc; do
     "$CMAKE" --install "$sources/out" --component $component --prefix "$WORK_DIR/$parts/$component" >log 2>&1 ||
         fail "installing the component $component"
 done
 (cd $parts && find . -type f | sed 's|^[.]/||; /cmake\|examples\|doc/s|/[^/]*$|/*|' | sort -u) >found
-diff - found <<'END' || fail 'other components'
+diff - found <<'END' || fail 'the components contain other files'
 development/share/cmake/RenderGraphCompile/*
 development/share/pkgconfig/render-graph-compile.pc
 development/share/render-graph-compile/catalog/VulkanRenderGraph.cpp
@@ -80,14 +80,14 @@ END
 : >$parts/tool/bin/of-others
 build "$sources/out" --target uninstall || fail 'uninstalling'
 [ "$(find parts installed 'shared data' -type f)" = $parts/tool/bin/of-others ] ||
-    fail 'uninstalling leaves or takes something'
+    fail 'uninstalling leaves our files or deletes others'
 [ -z "$(find parts/*/* 'shared data' -name 'render-graph-compile' -o -name RenderGraphCompile)" ] ||
-    fail 'uninstalling leaves directories'
-[ -d $parts/tool/share/man/man1 ] || fail 'uninstalling takes a directory that is not ours'
-if build "$sources/out" --target uninstall; then fail 'uninstalling what is not installed'; fi
-[ "$(lines 'Nothing was installed from')" = 1 ] || fail 'uninstalling nothing says something else'
+    fail 'uninstalling leaves our directories'
+[ -d $parts/tool/share/man/man1 ] || fail 'uninstalling deletes a directory that is not ours'
+if build "$sources/out" --target uninstall; then fail 'uninstalling twice succeeds'; fi
+[ "$(lines 'Nothing was installed from')" = 1 ] || fail 'uninstalling twice gives another message'
 
-# The .deb's Qt is the system's.
+# The tool in the .deb uses the system's Qt.
 if command -v dpkg-deb >/dev/null; then
     configure "$sources" "$sources/out" -DCMAKE_INSTALL_DATADIR=share || fail 'configuring for cpack'
     "$CMAKE" --build "$sources/out" --target render-graph-compile >log 2>&1
@@ -103,4 +103,4 @@ fi
     fail 'packing the sources'
 tar tf archive/*.tar.gz >log
 [ "$(lines '/tools/render-graph-compile/main.cpp$') $(lines '/build\|/out\|/[.]git')" = '1 0' ] ||
-    fail 'the archive does not hold the sources alone'
+    fail 'the archive lacks sources or contains other files'

@@ -1,10 +1,10 @@
 #!/bin/sh
-# The project that docs/cmake.md shows for presets of one's own, with the sources in a directory and with
-# FetchContent; and what says that its presets would not be taken.
+# Builds the project that docs/cmake.md shows for presets of your own, with add_subdirectory and with FetchContent.
+# Presets that would not be used are an error.
 set -eu
 . "$(dirname "$0")/common.sh"
 
-# code <language> <number>: that code block of the section.
+# code <language> <number>: prints the section's code block in this language with this number.
 code() {
     awk -v language="$1" -v wanted="$2" '
         /^## / { inside = ($0 == "## Presets of your own") }
@@ -14,7 +14,7 @@ code() {
     cat code
 }
 
-# refused <CMake code> <message>: is the last that a project says.
+# refused <CMake code> <message>: configuring a project with this code fails with the message.
 refused() {
     mkdir -p refused
     printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(user LANGUAGES CXX)' "$1" >refused/CMakeLists.txt
@@ -37,21 +37,21 @@ cp "$SOURCE_DIR/tests/cmake-package/own-presets/main.cpp" project
 
 configure project build -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_UNITY_BUILD=ON || fail 'configuring'
 build build || fail 'building'
-[ "$(lines render-graph-preview)" = 0 ] || fail 'the preview is built though nobody asked for it'
-[ "$(build/my_app)" = ':/shaders/tint.glslp 2' ] || fail 'other presets than the own ones'
+[ "$(lines render-graph-preview)" = 0 ] || fail 'the preview is built without being asked for'
+[ "$(build/my_app)" = ':/shaders/tint.glslp 2' ] || fail "the program has other presets than the project's"
 if [ -e "$BUILD_DIR/CPackPreviewConfig.cmake" ]; then
     ninja -C build -t commands preview >log || fail 'there is no preview'
     [ "$(lines "render-graph-preview\"* --shaders-dir .*$WORK_DIR/project/shaders.* window$")" = 1 ] ||
-        fail 'the preview is not started on the own shaders'
+        fail "the preview is not started with the project's shaders"
 fi
 sed 's/"tint", .passes/"dyed", .passes/' project/MyPresets.h >changed.h
 mv changed.h project/MyPresets.h
 build build || fail 'building with changed presets'
-[ "$(build/my_app)" = ':/shaders/dyed.glslp 2' ] || fail 'the change is not taken'
+[ "$(build/my_app)" = ':/shaders/dyed.glslp 2' ] || fail 'changed presets have no effect'
 build build || fail 'building again'
-[ "$(lines 'no work to do')" = 1 ] || fail 'the build after it has something to do'
+[ "$(lines 'no work to do')" = 1 ] || fail 'the next build runs something'
 
-# With FetchContent; where the preview's needs are not there, that is all right.
+# With FetchContent, and without what the preview needs, which is no error.
 tool="$WORK_DIR/build/third_party/render-graph-compile/tools/render-graph-compile/render-graph-compile"
 quick_sources render-graph-compile '#include <FirstPartyPresets.h>
 #include <string_view>
@@ -65,23 +65,26 @@ d
 mv changed.txt project/CMakeLists.txt
 configure project fetched -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_DISABLE_FIND_PACKAGE_Vulkan=ON ||
     fail 'configuring with FetchContent'
-[ "$(lines 'Vulkan\|glslang\|Qt.s Gui')" = 0 ] || fail 'what the preview lacks is told to those who need none'
+[ "$(lines 'Vulkan\|glslang\|Qt.s Gui')" = 0 ] || fail 'configuring says what the preview lacks'
 build fetched || fail 'building with FetchContent'
-[ "$(fetched/my_app)" = ':/shaders/dyed.glslp 2' ] || fail 'FetchContent: other presets than the own ones'
+[ "$(fetched/my_app)" = ':/shaders/dyed.glslp 2' ] ||
+    fail "FetchContent: the program has other presets than the project's"
 
-# From the sources alone.
+# Only the tool, from the sources.
 cp "$SOURCE_DIR/CMakePresets.json" render-graph-compile
 (
     cd render-graph-compile
-    unset CI # which asks for what nothing here needs
+    unset CI # CI would require tools that this build does not need
     "$CMAKE" --preset release "-DRenderGraphCompile_PRESETS=$WORK_DIR/project/MyPresets.h" "-DQt6_DIR=$qt_dir"
     "$CMAKE" --build --preset release --target render-graph-compile
 ) >log 2>&1 || fail 'building a tool alone'
 
-# What is found while cross-compiling is the target's.
+# While cross-compiling, CMake would find the target system's libraries. So nothing searches for what the preview needs.
 configure project foreign -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_CROSSCOMPILING_EMULATOR=emulator \
     "-DCMAKE_TOOLCHAIN_FILE=$SOURCE_DIR/tests/cmake-package/foreign.cmake" || fail 'configuring for another system'
-if grep -i 'vulkan\|glslang' foreign/CMakeCache.txt; then fail 'another system is searched for the preview'; fi
+if grep -i 'vulkan\|glslang' foreign/CMakeCache.txt; then
+    fail 'the libraries of the preview are searched in the target system'
+fi
 
 add='add_subdirectory(../project/third_party/render-graph-compile first)'
 refused "set(RenderGraphCompile_PRESETS none.h)

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Two builds of one tree at once, as by an IDE and in a terminal: both succeed, and nothing is left to do. And
-# Make, which waits for an include that a rule makes, in its parallel builds too.
+# Two builds of one tree run at once, as by an IDE and in a terminal. Both succeed, and the next build runs nothing.
+# Also, Make waits for an include that a rule generates, in parallel builds too.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -30,13 +30,13 @@ build build || fail 'building with Make'
 sed 's/color.gbr/color.brg/' $include/tint.in >changed.in
 cp changed.in $include/tint.in
 build build || fail 'building with a changed include'
-[ "$(lines 'Compiling .*[.]spv for app')" = 1 ] || fail 'not the module of the changed include'
+[ "$(lines 'Compiling .*[.]spv for app')" = 1 ] || fail 'not exactly the module with the changed include is compiled'
 echo 'error' >>$include/tint.in
-if build build; then fail 'built with an error in an include that a rule makes'; fi
+if build build; then fail 'the build succeeded with an error in a generated include'; fi
 cp changed.in $include/tint.in
 build build || fail 'the build does not recover'
 
-# The tool and the compiler take long enough for the builds to meet.
+# The tool and the compiler are slowed down, so that the two builds overlap.
 for name in render-graph-compile glslangValidator; do
     case $name in
         render-graph-compile) program=$tool ;;
@@ -55,8 +55,9 @@ for attempt in 1 2 3; do
     other=$!
     build build || fail "attempt $attempt: the second of two builds at once"
     wait $other || { cp other log; fail "attempt $attempt: the first of two builds at once"; }
-    [ "$(cat log other | grep -c 'Generating\|Compiling')" -gt 4 ] || fail "attempt $attempt: the builds did not meet"
+    [ "$(cat log other | grep -c 'Generating\|Compiling')" -gt 4 ] ||
+        fail "attempt $attempt: the builds did not overlap"
 done
 build build || fail 'building after two at once'
-[ "$(lines 'Generating\|Compiling')" = 0 ] || fail 'two builds at once leave something to do'
-[ -z "$(find build -name '*.part')" ] || fail 'two builds at once leave something behind'
+[ "$(lines 'Generating\|Compiling')" = 0 ] || fail 'after two builds at once, the next build runs something'
+[ -z "$(find build -name '*.part')" ] || fail 'two builds at once leave a temporary file'

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Builds the project that README.md shows, without Qt, under strict warnings; then for another
-# system, and with a tool of one's own.
+# Builds the project that README.md shows, without Qt and with strict warnings. Then builds it for another system, and
+# with RenderGraphCompile_EXECUTABLE.
 set -eu
 . "$(dirname "$0")/common.sh"
 tests="$SOURCE_DIR/tests/cmake-package"
@@ -17,7 +17,7 @@ cp -R "$SOURCE_DIR/examples/shaders" project/res
 preset_count=$(grep -c '^preset ' "$SOURCE_DIR/tests/presets/golden/presets.txt")
 header=render-graph/my_presets/include/RenderGraphManifest.h
 
-# project <build> <arguments...>: configures and builds it, and runs what comes out.
+# project <build> <arguments...>: configures, builds and runs the project.
 project() {
     to=$1
     shift
@@ -26,9 +26,9 @@ project() {
         fail "configuring $to"
     build "$to" || fail "building $to"
     program=$(find "$to" -name my_app -type f)
-    [ "$("$program" | wc -l)" = "$preset_count" ] || fail "$to: not all presets"
+    [ "$("$program" | wc -l)" = "$preset_count" ] || fail "$to: the program does not list all presets"
     grep -q 'Error\|Warning\|warning' log && fail "$to: the build is not quiet"
-    grep -q -- '-isystem' "$to/compile_commands.json" && fail "$to: a system header"
+    grep -q -- '-isystem' "$to/compile_commands.json" && fail "$to: a directory is included with -isystem"
     return 0
 }
 
@@ -44,7 +44,7 @@ project 'within its root' -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake"
     "-DCMAKE_FIND_ROOT_PATH=$WORK_DIR/project" -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY \
     "-DRenderGraphCompile_DIR=$prefix/share/cmake/RenderGraphCompile"
 
-# The tool runs under a UTF-8 locale, or on macOS under none that is set.
+# The build step runs the tool with LC_ALL=C.UTF-8, on macOS without LC_ALL.
 # shellcheck disable=SC2016 # expanded when the wrapper runs
 printf '%s\n' '#!/bin/sh' 'echo "${LC_ALL-}" >"$0.locale"' "exec '$tool' \"\$@\"" >'a wrapper'
 chmod +x 'a wrapper'
@@ -64,9 +64,9 @@ done
 chmod -x 'a wrapper'
 configure project 'with no tool' "-DRenderGraphCompile_EXECUTABLE=$WORK_DIR/a wrapper" ||
     fail 'configuring with a tool that does not run'
-if build 'with no tool'; then fail 'built with a tool that does not run'; fi
+if build 'with no tool'; then fail 'the build succeeded with a tool that does not run'; fi
 tr -s ' \n' ' ' <log >message
 grep -qiF "RenderGraphManifest.h was not generated: '$WORK_DIR/a wrapper' does not run: Permission \
 denied. RenderGraphCompile_EXECUTABLE can name another render-graph-compile." message ||
-    fail 'a tool that does not run is not named'
-[ ! -e "with no tool/$header" ] || fail 'a header without a tool'
+    fail 'the message about a tool that does not run is missing'
+[ ! -e "with no tool/$header" ] || fail 'there is a header though the tool does not run'

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Changes one thing after another in a project. Each row says how often the tool ran, and how many sources
-# and how many modules were compiled.
+# Changes one thing after another in a project. Each row has the expected number of tool runs, compiled sources and
+# compiled modules.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -25,15 +25,15 @@ built() {
     [ "$counts" = "$2 $3 $4" ] || fail "$name: tool runs, compilations, modules: $counts, not $2 $3 $4"
     [ "$(lines 'retired')" = 0 ] || fail "$name: the build is not quiet"
     "$tool" --shaders-dir "$shaders" --out expected.h >/dev/null
-    cmp "$header" expected.h || fail "$name: the header is not what the tool writes"
+    cmp "$header" expected.h || fail "$name: the header differs from the output of the tool"
 }
 
 # row <name> <tool runs> <compilations> <modules>
 row() {
     built "$@"
-    build 'the build' || fail "$name: the build after it failed"
+    build 'the build' || fail "$name: the next build failed"
     [ "$(lines 'Generating\|Building\|Linking\|Configuring')" = 0 ] ||
-        fail "$name: the build after it has something to do"
+        fail "$name: the next build runs something"
 }
 
 # shows <line of the program>
@@ -48,7 +48,7 @@ broken() {
     for attempt in first second; do
         if build 'the build'; then fail "$name: the $attempt build succeeded"; fi
         grep -qFx "render-graph-compile: $2" log || fail "$name: the tool's line is not shown"
-        [ "$(lines 'retired')" = 0 ] || fail "$name: what is no error is shown"
+        [ "$(lines 'retired')" = 0 ] || fail "$name: a line that is no error is shown"
     done
     cmp "$header" kept.h || fail "$name: the header changed"
     [ -z "$(find "$header" -newer kept.h)" ] || fail "$name: the header was written again"
@@ -67,8 +67,8 @@ begin() {
     shows ':/shaders/tint.glslp 3 still amount=0.25'
 }
 
-# dated_tomorrow <path> <modules made of it>: a date in the future counts as a change in each build, until the file
-# is touched.
+# dated_tomorrow <path> <number of modules compiled from it>: a time stamp in the future counts as a change in each
+# build until the file is touched.
 dated_tomorrow() {
     touch -t 209901010000 "$1"
     built "$1 of tomorrow" 1 0 "$2"
@@ -80,7 +80,7 @@ dated_tomorrow() {
     row "$1 of today" 1 1 $((1 + $2))
 }
 
-# What Ninja and Make are told in different ways.
+# Changes that builds with Ninja and with Make detect in different ways.
 edits() {
     echo '// a remark' >>"$components/tint.slang"
     row 'edit without effect' 1 0 1
@@ -106,12 +106,12 @@ edits() {
             fail "$name: the module is not named"
         [ "$(lines 'Call Stack')" = 0 ] || fail "$name: the message comes with a call stack"
     done
-    cmp "$modules/tint.frag.spv" kept.spv || fail "$name: the old module is not there"
+    cmp "$modules/tint.frag.spv" kept.spv || fail "$name: the old module is not kept"
     cp intact.slang "$components/tint.slang"
     row 'it compiles again' 1 0 1
 
     rm "$header"
-    row 'delete the header' 0 1 0 # put back from what the tool wrote last
+    row 'delete the header' 0 1 0 # restored from the tool's last output
     rm -r 'the build/render-graph' "$modules"
     row 'delete all that was generated' 1 1 4
     build 'the build' --target clean
@@ -153,10 +153,10 @@ row 'put the .glslp back with its time stamp' 1 1 0
 
 cp "$components/stock.frag" "$components/surplus.frag"
 row 'add a component that no preset uses' 1 0 1
-[ -e "$modules/surplus.frag.spv" ] || fail "$name: it is not compiled"
+[ -e "$modules/surplus.frag.spv" ] || fail "$name: its module is missing"
 mv "$components/surplus.frag" "$components/renamed.slang"
 row 'rename it' 1 0 1
-[ ! -e "$modules/surplus.frag.spv" ] || fail "$name: the old module is still there"
+[ ! -e "$modules/surplus.frag.spv" ] || fail "$name: the old module still exists"
 rm "$components/renamed.slang"
 row 'remove it' 1 0 0
 mv "$components/hdr-color-boost.slang" .

@@ -1,6 +1,6 @@
 #!/bin/sh
-# The sources inside another project, beside its own names, in several configurations, and with a
-# tool that is named or made by a rule of that project.
+# The sources inside another project: beside targets with the same names, in several configurations, and with a tool
+# that the project names or that a rule of the project makes.
 set -eu
 . "$(dirname "$0")/common.sh"
 tests="$SOURCE_DIR/tests/cmake-package"
@@ -23,7 +23,7 @@ configured() {
     configure project "$to" "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Wpedantic -Werror" "$@"
 }
 
-# The header asks for C++17, and so it compiles without a warning where the default is an older one.
+# The manifest's library requires C++17, so the header compiles without warnings even if the default is older.
 configured several 'set(CMAKE_CXX_STANDARD 14)
 add_library(VulkanRenderGraph INTERFACE)
 add_library(VulkanRenderGraphCatalog INTERFACE)
@@ -43,23 +43,23 @@ done
 
 rm several/CMakeFiles/presets_inputs.txt
 build several --config Debug || fail 'building without the listing'
-[ "$(lines 'Building')" = 0 ] || fail 'without the listing something is compiled'
+[ "$(lines 'Building')" = 0 ] || fail 'without the listing, something is compiled'
 build several --config Debug
-[ "$(lines 'no work to do')" = 1 ] || fail 'the build after it has something to do'
+[ "$(lines 'no work to do')" = 1 ] || fail 'the next build runs something'
 
 if configured both 'find_package(RenderGraphCompile 1 REQUIRED)' '' -G Ninja "-DQt6_DIR=$qt_dir"; then
-    fail 'the package and the sources at once'
+    fail 'accepted the package and the sources in one project'
 fi
 tr -s ' \n' ' ' <log >message
 grep -qF "find_package(RenderGraphCompile) was called before the sources of RenderGraphCompile were \
 added. Leave out one of both. -- Configuring" message || fail 'the error does not say what to leave out'
 
-# Where the tool is named, nothing of it is built, and no Qt is needed.
+# If the project names a tool, none is built and Qt is not needed.
 configured named '' '' -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake" \
     -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON "-DRenderGraphCompile_EXECUTABLE=$tool" ||
-    fail 'configuring with a tool that is named'
-build named || fail 'building with a tool that is named'
-named/app >/dev/null || fail 'the program with a tool that is named does not run'
+    fail 'configuring with a named tool'
+build named || fail 'building with a named tool'
+named/app >/dev/null || fail 'the program built with a named tool does not run'
 
 for generator in 'Ninja' 'Unix Makefiles'; do
     # shellcheck disable=SC2016 # expanded by CMake

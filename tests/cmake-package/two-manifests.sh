@@ -1,6 +1,6 @@
 #!/bin/sh
-# Two manifests in one program, which nothing mixes up, however they are linked; and what CMake refuses,
-# since one source file would see both.
+# Two manifests in one program do not get mixed up, however they are linked. CMake rejects links by which one source
+# file would see both.
 set -eu
 . "$(dirname "$0")/common.sh"
 
@@ -9,7 +9,7 @@ small_shaders project/still
 small_shaders project/moving
 with_frame_counter <project/still/vulkan/components/stock.frag >project/moving/vulkan/components/stock.slang
 
-# Each library says what the manifest that it links holds, all by names of the header or the catalogue alone.
+# Each library reads the manifest that it links, from the header or with the catalogue. All use the same names for it.
 cat >project/header.cpp <<'END_OF_SOURCE'
 #include "RenderGraphManifest.h"
 bool FUNCTION();
@@ -75,7 +75,7 @@ bool FUNCTION()
     return defaultOfStill();
 }
 END_OF_SOURCE
-# The functions are seen from outside, and what the manifests and the catalogues hold is not.
+# The functions are visible outside their libraries. The manifests and the catalogues are not.
 for source in catalog header; do
     sed 's/^bool FUNCTION();/[[gnu::visibility("default")]] &/' project/$source.cpp >visible.cpp
     mv visible.cpp project/$source.cpp
@@ -84,7 +84,7 @@ done
 configure project build -G Ninja "-DCMAKE_CXX_COMPILER=$CXX" -DCMAKE_CXX_FLAGS=-Werror || fail 'configuring'
 build build || fail 'building'
 build/app >log
-[ "$(cat log)" = '0000 111' ] || fail 'a manifest is mixed up with another'
+[ "$(cat log)" = '0000 111' ] || fail 'a library reads the wrong manifest'
 
 # configured <CMake code>
 configured() {
@@ -103,7 +103,7 @@ refused() {
     configured "$1"
     [ $status = 1 ] || fail "accepted: $1"
     grep -q 'does not agree with the value of RENDER_GRAPH_MANIFEST already determined for "app"' message ||
-        fail "no such line for: $1"
+        fail "the message is missing for: $1"
 }
 
 accepted() {
@@ -121,7 +121,7 @@ set_target_properties(app PROPERTIES KIND still)'
 accepted 'target_link_libraries(app PRIVATE $<IF:$<BOOL:${PRO}>,still,moving>)'
 # shellcheck disable=SC2016
 accepted 'target_link_libraries(app PRIVATE $<$<CONFIG:Debug>:still> $<$<NOT:$<CONFIG:Debug>>:moving>)'
-# A directory is called as a target is.
+# A directory has the name of a target.
 accepted 'target_link_libraries(app PRIVATE still /usr/lib/moving/libnone.a)'
 accepted 'target_link_libraries(first PRIVATE still second)
 target_link_libraries(second PRIVATE moving first)

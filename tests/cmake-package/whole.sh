@@ -1,6 +1,7 @@
 #!/bin/sh
-# Modules by both compilers, in libraries, as files and by configuration; a catalogue library, also
-# exported; a component that comes from a rule; what IDEs see; and a header that is renamed.
+# A project that uses the whole package. It has modules from both compilers, in libraries, as files and for each
+# configuration; a catalogue library, which is also exported; a component that a rule makes; the sources that IDEs
+# show; and a renamed header.
 set -eu
 . "$(dirname "$0")/common.sh"
 tests="$SOURCE_DIR/tests/cmake-package"
@@ -18,8 +19,7 @@ sed 's/tint.glsl"/&\n#include "more.glsl"/; s/texCoord).rgb/moved(texCoord)).rgb
 mv tint.slang "$components"
 modules=4
 
-# whole <generator> <arguments of configuring...>: configures it into a directory of the generator's name, of
-# which nothing is built yet.
+# whole <generator> <CMake arguments...>: configures a new build in a directory with the generator's name.
 whole() {
     generator=$1
     shift
@@ -30,19 +30,19 @@ whole() {
     configure 'whole (1)' "$generator" -G "$generator" -DCMAKE_CXX_FLAGS_RELEASE= -DCMAKE_CXX_FLAGS_RELWITHDEBINFO= "$@" || fail "$generator: configuring"
 }
 
-# compiled <modules for files>: how many of them the last build compiled.
+# compiled <count>: the last build compiled so many modules for the target files.
 compiled() {
-    [ "$(lines 'Compiling .*[.]spv for files')" = "$1" ] || fail "$generator: not $1 modules"
+    [ "$(lines 'Compiling .*[.]spv for files')" = "$1" ] || fail "$generator: not exactly $1 modules are compiled"
 }
 
 # runs <program>
 runs() {
     "$1" check >log || fail "$generator: not every module is in the program"
     "$1" list >log
-    [ "$(lines '^  stock  *2  *0  yes$')" = 1 ] || fail "$generator: the rule's component is not taken"
+    [ "$(lines '^  stock  *2  *0  yes$')" = 1 ] || fail "$generator: the rule's component is not used"
 }
 
-# edited: an edited include compiles again what includes it.
+# edited <build arguments...>: after an edit of an include, the next build compiles what includes it.
 edited() {
     for include in vulkan/include/tint.glsl more/more.glsl; do
         echo '// a remark' >>"$shaders/$include"
@@ -51,21 +51,21 @@ edited() {
     done
 }
 
-# made <module> <command...>: the module, made in Vulkan 1.1's version of SPIR-V, is what the command makes of tint.slang
-# in the shaders directory, whose own name it does not hold.
+# made <module> <command...>: the module has Vulkan 1.1's version of SPIR-V, and is what the command compiles tint.slang
+# to in the shaders directory. It does not contain the path of that directory.
 made() {
     module=$1
     shift
     (cd "$shaders" && "$@" -DFACTOR=2.0 -I./more -o "$WORK_DIR/expected.spv" vulkan/components/tint.slang)
     case $1 in glslang*) spirv-opt -O expected.spv -o expected.spv ;; esac
-    cmp expected.spv "$module" || fail "$generator: the module is not made as by $*"
-    if grep -q "$WORK_DIR" "$module"; then fail "$generator: the module holds the name of a directory"; fi
+    cmp expected.spv "$module" || fail "$generator: the module differs from the output of $*"
+    if grep -q "$WORK_DIR" "$module"; then fail "$generator: the module contains the path of a directory"; fi
     spirv-dis "$module" >log
-    [ "$(lines '^; Version: 1.3$')" = 1 ] || fail "$generator: not the version of the target environment"
+    [ "$(lines '^; Version: 1.3$')" = 1 ] || fail "$generator: the SPIR-V version is not that of the target environment"
     [ "$(lines 'OpLine')" -gt 0 ] || fail "$generator: no debug information"
 }
 
-# Optimized, and with Make, where the first build has to wait for the rule's component.
+# Optimized modules, with Make, whose first build has to wait for the rule's component.
 whole 'Unix Makefiles' -DCMAKE_BUILD_TYPE=RelWithDebInfo '-Doptions=--target-env;vulkan1.1'
 build 'Unix Makefiles' --target presets || fail 'building the header alone'
 [ "$(lines 'Generating') $(lines 'Building\|Compiling')" = '2 0' ] || fail 'more than the header is built'
@@ -76,33 +76,34 @@ compiled "$modules"
 build 'Unix Makefiles' || fail 'building the rest with Make'
 runs 'Unix Makefiles/whole'
 build 'Unix Makefiles' || fail 'building again with Make'
-[ "$(lines 'Generating\|Compiling\|Building\|Linking')" = 0 ] || fail 'the build after it has something to do'
-[ "$(find 'Unix Makefiles/spirv' -type f | wc -l)" = "$modules" ] || fail 'not one file for each module'
+[ "$(lines 'Generating\|Compiling\|Building\|Linking')" = 0 ] || fail 'the next build runs something'
+[ "$(find 'Unix Makefiles/spirv' -type f | wc -l)" = "$modules" ] ||
+    fail 'the directory does not contain exactly one file for each module'
 made 'Unix Makefiles/spirv/tint.frag.spv' glslangValidator -V --quiet -S frag -g --target-env vulkan1.1
 edited 'Unix Makefiles'
 
-# Shaders and header stand among the sources of the manifest's library, in folders.
+# IDEs show the shaders and the header among the sources of the manifest's library, in folders.
 cat "Unix Makefiles"/.cmake/api/v1/reply/target-presets-*.json >log
 for seen in '"name" : "Generated Files"' '"name" : "Shaders.*vulkan.*components"' \
     '"path" : ".*include/app/Presets.h"' '"path" : "shaders/vulkan/components/tint.slang"'; do
-    [ "$(lines "$seen")" = 1 ] || fail "IDEs do not see $seen"
+    [ "$(lines "$seen")" = 1 ] || fail "IDEs do not show $seen"
 done
 
-# A library that holds the catalogue can be exported, and so can a manifest's.
+# A library that links a catalogue can be exported, and so can the library of a manifest.
 "$CMAKE" --install 'Unix Makefiles' --prefix "$WORK_DIR/installed" >log 2>&1 || fail 'installing'
-if grep -r "$WORK_DIR" installed/cmake; then fail 'what is exported holds the name of a directory of the build'; fi
-configure "$tests/exported" 'exported' "-Dwhole=$WORK_DIR/installed" || fail 'configuring with what was exported'
-build exported || fail 'building with what was exported'
+if grep -r "$WORK_DIR" installed/cmake; then fail 'the export contains the path of a build directory'; fi
+configure "$tests/exported" 'exported' "-Dwhole=$WORK_DIR/installed" || fail 'configuring with the export'
+build exported || fail 'building with the export'
 [ "$(exported/exported)" = 2 ] || fail 'the exported catalogue lacks presets'
 
-# A header that is renamed leaves none of the old name.
+# After renaming the header, the old header is gone.
 configure 'whole (1)' 'Unix Makefiles' -Dheader=app/Renamed.h || fail 'configuring with another header'
 build 'Unix Makefiles' || fail 'building with another header'
 runs 'Unix Makefiles/whole'
 [ "$(find 'Unix Makefiles/render-graph/presets/include' -type f)" = \
-    'Unix Makefiles/render-graph/presets/include/app/Renamed.h' ] || fail 'the old header is still there'
+    'Unix Makefiles/render-graph/presets/include/app/Renamed.h' ] || fail 'the old header still exists'
 
-# The other compiler, and each configuration's own options.
+# The other compiler, with the options of each configuration.
 whole 'Ninja Multi-Config' -DRenderGraphCompile_GLSL_COMPILER=glslc -Doptions=--target-env=vulkan1.1
 build 'Ninja Multi-Config' --config Debug --target files || fail 'glslc: building for debugging'
 compiled "$modules"
@@ -110,19 +111,19 @@ build 'Ninja Multi-Config' --config Release || fail 'glslc: building'
 compiled "$modules"
 runs 'Ninja Multi-Config/Release/whole'
 build 'Ninja Multi-Config' --config Release || fail 'glslc: building again'
-[ "$(lines 'Generating\|Compiling\|Building\|Linking')" = 0 ] || fail 'glslc: the build after it has something to do'
+[ "$(lines 'Generating\|Compiling\|Building\|Linking')" = 0 ] || fail 'glslc: the next build runs something'
 made 'Ninja Multi-Config/spirv/Debug/tint.frag.spv' glslc -fshader-stage=frag -g --target-env=vulkan1.1
 (cd "$shaders" && glslc -fshader-stage=frag -O --target-env=vulkan1.1 -DFACTOR=2.0 -I./more \
     -o "$WORK_DIR/expected.spv" vulkan/components/tint.slang)
 cmp expected.spv 'Ninja Multi-Config/spirv/tint.frag.spv' || fail 'glslc: the module is not optimized'
 edited 'Ninja Multi-Config' --config Release
 
-# From 3.31 on, CMake has a target that makes what is generated.
+# CMake 3.31 and later has a target that builds all generated files.
 case $("$CMAKE" --version | head -n 1) in *' 3.'[12]?.* | *' 3.30.'*) exit 0 ;; esac
 for generator in 'Unix Makefiles' Ninja; do
     rm -rf "$generator"
     whole "$generator" '-Doptions=--target-env;vulkan1.1'
-    build "$generator" --target codegen || fail "$generator: building what is generated"
+    build "$generator" --target codegen || fail "$generator: building the target codegen"
     [ -s "$generator/render-graph/presets/include/app/Presets.h" ] || fail "$generator: codegen makes no header"
     [ "$(lines 'Compiling .*[.]spv for shaders')" = 4 ] || fail "$generator: codegen makes no modules"
 done

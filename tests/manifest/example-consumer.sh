@@ -1,5 +1,5 @@
 #!/bin/sh
-# What the example consumer prints. Takes the program.
+# Checks what the example consumer prints. Takes the program.
 set -eu
 . "$SOURCE_DIR/tests/cmake-package/common.sh"
 consumer=$1
@@ -8,7 +8,7 @@ rm -rf "$WORK_DIR"
 mkdir -p "$WORK_DIR"
 cd "$WORK_DIR"
 
-# prints <status> <arguments...>: standard input is what is expected on both streams.
+# prints <status> <arguments...>: the program prints what is on standard input, on its two streams together.
 prints() {
     expected=$1
     shift
@@ -16,11 +16,11 @@ prints() {
     if "$consumer" "$@" >log 2>errors; then status=0; else status=$?; fi
     cat errors >>log
     [ $status = "$expected" ] || fail "consumer $*: status $status"
-    [ "$expected" = 0 ] || [ "$(wc -l <errors)" = 1 ] || fail "consumer $*: not one line of error"
-    cmp wanted log || fail "consumer $*: other text"
+    [ "$expected" = 0 ] || [ "$(wc -l <errors)" = 1 ] || fail "consumer $*: errors are not one line"
+    cmp wanted log || fail "consumer $*: unexpected text"
 }
 
-# The presets that are known here are listed as they are; the columns are as wide as the longest name.
+# The whole rows of known presets. The column of names is as wide as the longest name.
 presets=$SOURCE_DIR/tests/presets/golden/presets.txt
 sed -n 's/^preset \(.*\):$/\1/p' "$presets" >names
 width=$(wc -L <names)
@@ -89,7 +89,7 @@ for row in \
     grep -qFx "$row" log || fail "consumer show crt-pvm: no line '$row'"
 done
 
-# Two for each pass; the last pass of each preset is not a declared one.
+# Each pass has two modules. Each preset has one pass more than it declares.
 modules=$(awk '/^  passCount = / { count += 2 * ($3 + 1) } END { print count }' "$presets")
 echo "all of $modules named modules are here" | prints 0 check
 

@@ -1,9 +1,9 @@
-# The programs that PackagesWork.cmake packed are hardened, and so would all be that a release builds.
-# Takes HARDENING_CHECK, PROCESSOR, WORK_DIR.
+# Checks that the programs in the packages of PackagesWork.cmake are hardened, and that its release build compiles
+# every source with the hardening flags. Takes HARDENING_CHECK, PROCESSOR, WORK_DIR.
 cmake_minimum_required(VERSION 3.21)
 
-# What it says of stack clashes and of control flow is looked up below: the one shows only in large
-# stack frames, the other only where the C library's own objects have it. The preview may be a debug
+# hardening-check finds stack-clash protection only in large stack frames, and control-flow protection only if the
+# C library's objects have it. So the flags and the objects are checked below instead. The preview may be a debug
 # build, which has no fortified functions.
 function(expect_hardened program)
     execute_process(
@@ -16,7 +16,7 @@ function(expect_hardened program)
             "Immediate binding"
             ${ARGN})
         if(NOT report MATCHES "\n ${feature}: yes")
-            message(FATAL_ERROR "${program} is not ${feature}:\n${report}")
+            message(FATAL_ERROR "hardening-check does not say \"${feature}: yes\" for ${program}:\n${report}")
         endif()
     endforeach()
 endfunction()
@@ -38,14 +38,14 @@ foreach(flag IN ITEMS -fstack-clash-protection -D_FORTIFY_SOURCE=[23] ${flags_of
     list(FILTER protected INCLUDE REGEX " ${flag} ")
     list(LENGTH protected count)
     if(total EQUAL 0 OR NOT count EQUAL total)
-        message(FATAL_ERROR "${count} of ${total} sources are built with ${flag}")
+        message(FATAL_ERROR "Only ${count} of ${total} sources are built with ${flag}")
     endif()
 endforeach()
 
 if(flags_of_x86)
     file(GLOB_RECURSE objects "${WORK_DIR}/build/src/*.o" "${WORK_DIR}/build/tools/*.o")
     if(NOT objects)
-        message(FATAL_ERROR "No object below ${WORK_DIR}/build")
+        message(FATAL_ERROR "There are no objects below ${WORK_DIR}/build")
     endif()
     foreach(object IN LISTS objects)
         execute_process(COMMAND readelf -n "${object}" OUTPUT_VARIABLE notes)

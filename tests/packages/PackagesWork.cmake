@@ -1,5 +1,5 @@
-# Builds the tool as a release, makes the packages, and those of the preview from the build that is there;
-# unpacks each into an empty directory and runs the program from there.
+# Builds a release of the tool and packs it. Packs the preview of the existing build, if there is one. Unpacks each
+# package into an empty directory and runs the program from there.
 # Takes BUILD_DIR, CONFIG, CPACK, CXX, GENERATOR, NINJA, Qt6_DIR, SOURCE_DIR, VERSION, WORK_DIR.
 cmake_minimum_required(VERSION 3.21)
 
@@ -8,7 +8,7 @@ set(manifest "${SOURCE_DIR}/tests/manifest/golden/RenderGraphManifest.h")
 
 file(GLOB_RECURSE documents RELATIVE "${SOURCE_DIR}" "${SOURCE_DIR}/docs/*")
 list(FILTER documents EXCLUDE REGEX "[.]1$")
-list(APPEND documents CHANGELOG.md CONTRIBUTING.md README.md examples) # the last one is a link
+list(APPEND documents CHANGELOG.md CONTRIBUTING.md README.md examples) # examples is a link
 
 function(run)
     execute_process(COMMAND ${ARGN} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE output)
@@ -19,7 +19,8 @@ function(run)
     set(output "${output}" PARENT_SCOPE)
 endfunction()
 
-# Which files make up the CMake package and the examples is not for this test to know.
+# expect_files(<root> <file>...): <root> contains exactly these files. This test does not list the files of the
+# CMake package and of the examples.
 function(expect_files root)
     file(GLOB_RECURSE found LIST_DIRECTORIES FALSE RELATIVE "${root}" "${root}/*")
     list(FILTER found EXCLUDE REGEX "/(cmake|examples)/")
@@ -27,22 +28,22 @@ function(expect_files root)
     list(REMOVE_ITEM missing ${found})
     list(REMOVE_ITEM found ${ARGN})
     if(missing OR found)
-        message(FATAL_ERROR "${root} lacks '${missing}', and holds '${found}' beside what is expected")
+        message(FATAL_ERROR "${root} lacks '${missing}' and contains the unexpected '${found}'")
     endif()
 endfunction()
 
-# What the documents refer to is there.
+# expect_links(<root>): what the documents below <root> link to exists.
 function(expect_links root)
     file(GLOB_RECURSE pages RELATIVE "${root}" "${root}/*.md")
     foreach(page IN LISTS pages)
         file(READ "${root}/${page}" text)
-        string(REGEX REPLACE "[][;]" "|" text "${text}") # which lists of CMake do not survive
+        string(REGEX REPLACE "[][;]" "|" text "${text}") # these characters break lists of CMake
         string(REGEX MATCHALL "[|][(][^)#:]+[)#]" links "${text}")
         get_filename_component(directory "${root}/${page}" DIRECTORY)
         foreach(link IN LISTS links)
             string(REGEX REPLACE "^[|][(]|[)#]$" "" path "${link}")
             if(NOT EXISTS "${directory}/${path}")
-                message(FATAL_ERROR "${root}/${page} refers to ${path}, which is not there")
+                message(FATAL_ERROR "${root}/${page} links to ${path}, which does not exist")
             endif()
         endforeach()
     endforeach()
@@ -57,7 +58,8 @@ function(expect_tree root prefix)
     run("${CMAKE_COMMAND}" -E compare_files "${root}/RenderGraphManifest.h" "${manifest}")
 endfunction()
 
-# Everybody may read what is installed, whatever the umask of whoever packed it.
+# expect_modes(<package> <command>...): every user may read the files, whatever the umask during packing. The command
+# lists the package.
 function(expect_modes package)
     run(${ARGN} "${package}")
     string(REGEX REPLACE "(^|\n)(-rw-r--r--|[-d]rwxr-xr-x|lrwxrwxrwx) [^\n]*" "" others "${output}")
@@ -72,11 +74,11 @@ file(MAKE_DIRECTORY "${WORK_DIR}")
 set(build "${WORK_DIR}/build")
 run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}" -B "${build}" -G "${GENERATOR}" -DCMAKE_BUILD_TYPE=Release
     -DBUILD_TESTING=OFF -DCMAKE_EXPORT_COMPILE_COMMANDS=ON "-DCMAKE_MAKE_PROGRAM=${NINJA}"
-    -DCMAKE_UNITY_BUILD=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON # takes half the time
+    -DCMAKE_UNITY_BUILD=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON # halves the time
     "-DCMAKE_CXX_COMPILER=${CXX}" "-DQt6_DIR=${Qt6_DIR}")
 run("${CMAKE_COMMAND}" --build "${build}" --target render-graph-compile)
 
-# The same bytes under any umask; a second passes in between.
+# The packages have the same bytes under any umask and at any time, so there is a second between the two runs.
 set(ENV{SOURCE_DATE_EPOCH} 1700000000)
 foreach(umask IN ITEMS 022 077)
     run(sh -c "umask ${umask} && exec \"$@\"" sh
@@ -90,7 +92,7 @@ foreach(package IN ITEMS "${deb}" "${tar}")
     run("${CMAKE_COMMAND}" -E compare_files "${package}" "${WORK_DIR}/022/${name}")
 endforeach()
 
-# Where nothing finds the dependencies there is no .deb; all other programs are there.
+# Without dpkg-shlibdeps, which finds the dependencies, cpack makes no .deb. All other programs are available.
 file(MAKE_DIRECTORY "${WORK_DIR}/programs")
 file(GLOB programs "/usr/bin/[a-z]*")
 list(FILTER programs EXCLUDE REGEX "/dpkg-shlibdeps$")
@@ -108,7 +110,7 @@ string(FIND "${output}" "There is no dpkg-shlibdeps here. It finds the dependenc
 Install Debian's dpkg-dev, or make the .tar.gz alone: cpack -G TGZ" said)
 file(GLOB refused "${WORK_DIR}/refused/*.deb")
 if(status EQUAL 0 OR said EQUAL -1 OR refused)
-    message(FATAL_ERROR "Without dpkg-shlibdeps cpack ended with ${status}: ${output}")
+    message(FATAL_ERROR "Without dpkg-shlibdeps, cpack ended with ${status}: ${output}")
 endif()
 
 run(dpkg-deb --field "${deb}")
@@ -121,7 +123,7 @@ foreach(expected IN ITEMS
         "Depends: [^\n]*libqt6core6(t64)? [(]>= 6[.]"
         "Depends: [^\n]*libstdc[+][+]6 [(]>= ")
     if(NOT "\n${output}" MATCHES "\n${expected}")
-        message(FATAL_ERROR "The .deb does not say \"${expected}\":\n${output}")
+        message(FATAL_ERROR "The .deb lacks the field \"${expected}\":\n${output}")
     endif()
 endforeach()
 run(dpkg-deb --extract "${deb}" "${WORK_DIR}/deb")
@@ -141,19 +143,19 @@ if(NOT changelog MATCHES "^render-graph-compile [(]${VERSION}[)] ")
     message(FATAL_ERROR "packaging/debian/changelog does not begin with version ${VERSION}")
 endif()
 
-# What a target of ours is built with is no business of whoever imports it.
+# The options and definitions of our own build do not reach projects that import the targets.
 file(GLOB targets "${WORK_DIR}/deb/usr/share/cmake/RenderGraphCompile/RenderGraphCompileTargets*.cmake")
 list(LENGTH targets count)
 if(NOT count EQUAL 2)
-    message(FATAL_ERROR "Not two files of targets: ${targets}")
+    message(FATAL_ERROR "Expected two files of targets, found: ${targets}")
 endif()
 foreach(file IN LISTS targets)
     file(STRINGS "${file}" flags REGEX
         "_OPTIONS|_DEFINITIONS|POSITION_INDEPENDENT|RenderGraphCompileOptions|_FORTIFY_SOURCE|-fstack|-Wl,")
-    # The catalogue alone comes with a definition: a name after the manifest that it is compiled with.
+    # Only the catalogue brings a definition, which names it after the manifest that it is compiled with.
     list(FILTER flags EXCLUDE REGEX "INTERFACE_COMPILE_DEFINITIONS \"[^;]*:VulkanRenderGraphCatalog=[^;]*\"$")
     if(flags)
-        message(FATAL_ERROR "${file} says ${flags}")
+        message(FATAL_ERROR "${file} contains ${flags}")
     endif()
 endforeach()
 
@@ -170,7 +172,7 @@ expect_tree("${WORK_DIR}/tar" "${top}/"
     "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h")
 expect_modes("${tar}" "${CMAKE_COMMAND}" -E tar tvf)
 
-# The preview's, where it is built: in packages of its own, and in no other.
+# If the build has the preview, it is in packages of its own and in no other package.
 if(NOT EXISTS "${BUILD_DIR}/CPackPreviewConfig.cmake")
     return()
 endif()
@@ -179,10 +181,10 @@ run(sh -c "umask 077 && exec \"$@\"" sh
 file(GLOB deb "${WORK_DIR}/preview-077/render-graph-preview_${VERSION}_*.deb")
 file(GLOB tar "${WORK_DIR}/preview-077/render-graph-preview-${VERSION}-*.tar.gz")
 if(NOT deb OR NOT tar)
-    message(FATAL_ERROR "Of the preview there is no .deb ('${deb}') or no .tar.gz ('${tar}')")
+    message(FATAL_ERROR "The preview's .deb ('${deb}') or .tar.gz ('${tar}') is missing")
 endif()
 run(dpkg-deb --field "${deb}")
-# Nothing links to the Vulkan loader, which is opened at run time.
+# libvulkan1 has to be named in the packaging settings: the preview opens the Vulkan loader at run time.
 foreach(expected IN ITEMS
         "Package: render-graph-preview"
         "Version: ${VERSION}"
@@ -192,7 +194,7 @@ foreach(expected IN ITEMS
         "Depends: ([^\n]*, )?libvulkan1(,|\n)"
         "Recommends: graphviz, mesa-vulkan-drivers [|] vulkan-icd\n")
     if(NOT "\n${output}" MATCHES "\n${expected}")
-        message(FATAL_ERROR "The preview's .deb does not say \"${expected}\":\n${output}")
+        message(FATAL_ERROR "The preview's .deb lacks the field \"${expected}\":\n${output}")
     endif()
 endforeach()
 expect_modes("${deb}" dpkg-deb --contents)
@@ -212,11 +214,11 @@ expect_files("${tree}" ${deb_files}
     usr/share/doc/render-graph-preview/copyright
     usr/share/man/man1/render-graph-preview.1.gz)
 
-# The desktop entry starts what is there, under an icon that is there; the program finds its shaders.
+# The desktop entry names the installed program and icon. The installed program finds its shaders.
 file(STRINGS "${tree}/usr/share/applications/render-graph-preview.desktop" entry)
 foreach(expected IN ITEMS "Exec=render-graph-preview window" "Icon=render-graph-preview" "Type=Application")
     if(NOT expected IN_LIST entry)
-        message(FATAL_ERROR "The desktop entry does not say ${expected}: ${entry}")
+        message(FATAL_ERROR "The desktop entry lacks ${expected}: ${entry}")
     endif()
 endforeach()
 run("${tree}/usr/bin/render-graph-preview" graph crt-pvm --out "${WORK_DIR}/crt-pvm.dot")

@@ -1,6 +1,6 @@
-# Puts a wrong row into a copy of the presets and expects the compiler to show the rule it breaks, the
-# preset and what in it breaks the rule, in few lines. Takes COMPILER, HEADER_DIR, WORK_DIR, and FROM, TO,
-# RULE, PRESET, CULPRIT.
+# Puts a wrong row into a copy of the presets and compiles it. The compiler has to show the rule that the row breaks,
+# the preset, and the part of it that breaks the rule, in few lines. Takes COMPILER, HEADER_DIR, WORK_DIR, and FROM,
+# TO, RULE, PRESET, CULPRIT.
 file(READ "${HEADER_DIR}/FirstPartyPresets.h" presets)
 string(FIND "${presets}" "${FROM}" position)
 if(position EQUAL -1)
@@ -16,7 +16,7 @@ execute_process(
 if(status EQUAL 0)
     message(FATAL_ERROR "A wrong row compiles: ${TO}")
 endif()
-# GCC and clang put other things around the three texts.
+# The text around these three differs between GCC and clang.
 if(NOT diagnostics MATCHES "\"${RULE}\"[^\n]*\"${PRESET}\"[^\n]*\"${CULPRIT}\"")
     message(FATAL_ERROR
         "The compiler does not show \"${RULE}\", \"${PRESET}\" and \"${CULPRIT}\":\n${diagnostics}")
@@ -24,5 +24,5 @@ endif()
 string(REGEX MATCHALL "\n" lines "${diagnostics}")
 list(LENGTH lines count)
 if(count GREATER 30)
-    message(FATAL_ERROR "${count} lines are too many:\n${diagnostics}")
+    message(FATAL_ERROR "The compiler prints ${count} lines, more than 30:\n${diagnostics}")
 endif()

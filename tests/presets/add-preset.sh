@@ -7,7 +7,7 @@ set -eu
 
 case ${1-} in
     --as-root) options= ;;
-    --as-user) options=userxattr, ;; # other attributes of files are for root to set
+    --as-user) options=userxattr, ;; # only root may set the attributes that overlays use otherwise
     *)
         mode=--as-root
         as_root=
@@ -22,12 +22,12 @@ case ${1-} in
         ;;
 esac
 
-# cover <directory>
+# cover <directory>: mounts an overlay over the directory.
 cover() {
     layer=$(mktemp -d -p "$WORK_DIR")
     mkdir "$layer/upper" "$layer/work"
     mount -t overlay -o "${options}lowerdir=$1,upperdir=$layer/upper,workdir=$layer/work" overlay "$1" ||
-        skip 'no layer can be mounted here'
+        skip 'an overlay cannot be mounted here'
 }
 
 mkdir -p "$WORK_DIR"
@@ -38,10 +38,10 @@ case $BUILD_DIR in
     *) cover "$BUILD_DIR" ;;
 esac
 rm -rf "$WORK_DIR"
-mkdir "$WORK_DIR" || skip 'the layer cannot be written to here'
+mkdir "$WORK_DIR" || skip 'the overlay cannot be written to here'
 cd "$SOURCE_DIR"
 
-# before <line> <file>: puts standard input before the first line that begins so.
+# before <text> <file>: inserts standard input before the first line that begins with the text.
 before() {
     awk -v line="$1" 'NR == FNR { text = text $0 "\n"; next }
         !found && index($0, line) == 1 { printf "%s", text; found = 1 }
@@ -90,7 +90,7 @@ END
 
 cd "$WORK_DIR"
 
-# scripts/update-golden as it is, with this build in place of the release.
+# Runs scripts/update-golden unchanged, with this build instead of the release build.
 mkdir bin
 cat >bin/cmake <<'END'
 #!/bin/sh
@@ -114,18 +114,18 @@ cmp "$SOURCE_DIR/build/RenderGraphManifest.h" "$SOURCE_DIR/tests/manifest/golden
 cmp "$SOURCE_DIR/build/presets.txt" "$SOURCE_DIR/tests/presets/golden/presets.txt" ||
     fail 'scripts/update-golden does not write the declarations'
 
-# The tests about all presets. Those that draw every preset draw only the new one.
+# Runs the tests about all presets. Those that draw every preset draw only the new one.
 build "$BUILD_DIR" --target presets-tests || fail 'building'
-# Under a user's root the driver would look for its cache where only root may.
+# In a user's namespace, the driver would look for its cache in root's directory, which it may not read.
 export TESTED_PRESET=a-photographic-negative QT_QPA_PLATFORM=offscreen XDG_CACHE_HOME="$WORK_DIR/cache"
 if ! "$CTEST" --test-dir "$BUILD_DIR" -C presets -L '^presets$' -V >log 2>&1; then
     sed -i '/: PASS  /d' log
     fail 'testing'
 fi
-[ "$(lines 'Passed')" -ge 7 ] || fail 'hardly a test ran'
+[ "$(lines 'Passed')" -ge 7 ] || fail 'fewer than 7 tests ran'
 while read -r program function; do
     [ "$(lines " presets-$program ")" = 0 ] ||
-        [ "$(lines "PASS .*::$function($TESTED_PRESET")" != 0 ] || fail "$program does not try the new preset"
+        [ "$(lines "PASS .*::$function($TESTED_PRESET")" != 0 ] || fail "$program does not test the new preset"
 done <<'END'
 tst_ExamplePresets everyParameterIsSeen
 tst_ExampleSpirv modulesAgreeWithTheManifest

@@ -4,8 +4,8 @@
 
 #include <iterator>
 
-// The presets of the tool that the tests of the CMake package install: few components, compiled in
-// no time.
+// The presets of the tool that the tests of the CMake package install. They have few components,
+// which are quick to compile.
 namespace FirstPartyPresetSource {
 
 inline constexpr ParamDecl kTintParams[] = {

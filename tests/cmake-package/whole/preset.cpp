@@ -1,4 +1,4 @@
-// In a unity build this would be what a `Preset` in another source means.
+// In a unity build, another source's `Preset` would mean this one.
 struct Preset
 {
     int id;
