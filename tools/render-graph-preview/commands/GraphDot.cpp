@@ -71,7 +71,7 @@ QString box(int index, const Pass &pass, const GraphDotExtras &extras)
                                            .arg(extras.passes.at(index).size.height())
                                  : sizeRule(pass);
     QString rows = row(u"<B>%1 %2</B>"_s.arg(index).arg(pass.debugName.toHtmlEscaped()))
-            + row(size + u" · "_s + infoOf(pass.format).name);
+            + row(size + u" · "_s + VulkanRenderGraph::formatName(pass.format));
     if (pass.cacheByParameters) {
         color = kCached;
         rows += row(u"<I>cached by parameters</I>"_s);

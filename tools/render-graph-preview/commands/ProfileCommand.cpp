@@ -61,9 +61,9 @@ struct PassProfile
 
     qint64 bytesWritten() const
     {
-        return result.kind == PassResult::Kind::Drawn ? qint64(result.size.width())
-                        * result.size.height() * infoOf(result.format).texelBytes
-                                                      : 0;
+        return result.kind == PassResult::Kind::Drawn
+                ? qint64(result.size.width()) * result.size.height() * texelBytes(result.format)
+                : 0;
     }
 };
 
@@ -160,7 +160,7 @@ QJsonObject jsonOf(const Profile &profile)
         row[u"kind"_s] = nameOf(pass.result.kind);
         row[u"width"_s] = pass.result.size.width();
         row[u"height"_s] = pass.result.size.height();
-        row[u"format"_s] = infoOf(pass.result.format).name;
+        row[u"format"_s] = VulkanRenderGraph::formatName(pass.result.format);
         row[u"bytesWritten"_s] = pass.bytesWritten();
         row[u"share"_s] = pass.share;
         rows.append(row);
@@ -184,8 +184,8 @@ void printTable(const Profile &profile)
         std::printf("%3d  %-26s %-7s %11s %-10s %12lld %10.3f %10.3f %5.1f %%\n", index++,
                     qUtf8Printable(pass.component), nameOf(pass.result.kind).data(),
                     qUtf8Printable(u"%1x%2"_s.arg(size.width()).arg(size.height())),
-                    infoOf(pass.result.format).name.data(), pass.bytesWritten(), pass.times.median,
-                    pass.times.p95, 100.0 * pass.share);
+                    VulkanRenderGraph::formatName(pass.result.format).data(), pass.bytesWritten(),
+                    pass.times.median, pass.times.p95, 100.0 * pass.share);
     }
     for (const auto &[name, times] : {std::pair("all passes", profile.device),
                                       std::pair("the frame, by the clock", profile.frame)})

@@ -54,11 +54,10 @@ struct FormatTraits
     vk::Format format;
     int texelBytes;
 };
-constexpr std::array<FormatTraits, 4> kFormats = {
-        {{vk::Format::eB10G11R11UfloatPack32, 4},
-         {vk::Format::eR16G16B16A16Sfloat, 8},
-         {vk::Format::eR8G8B8A8Unorm, 4},
-         {vk::Format::eR32G32B32A32Sfloat, 16}}};
+constexpr std::array<FormatTraits, 4> kFormats = {{{vk::Format::eB10G11R11UfloatPack32, 4},
+                                                   {vk::Format::eR16G16B16A16Sfloat, 8},
+                                                   {vk::Format::eR8G8B8A8Unorm, 4},
+                                                   {vk::Format::eR32G32B32A32Sfloat, 16}}};
 
 const FormatTraits &traitsOf(VulkanRenderGraph::Format format)
 {
@@ -869,9 +868,8 @@ QImage GraphRenderer::State::output(int index) const
         std::fill_n(pixels, count, QRgbaFloat32{0.0F, 0.0F, 0.0F, pass.constantBlackAlpha});
         return picture;
     }
-    const DeviceBuffer download =
-            m_device.createBuffer(count * std::size_t(infoOf(pass.format).texelBytes),
-                                  vk::BufferUsageFlagBits::eTransferDst);
+    const DeviceBuffer download = m_device.createBuffer(
+            count * std::size_t(texelBytes(pass.format)), vk::BufferUsageFlagBits::eTransferDst);
     m_device.run([&](const vk::raii::CommandBuffer &commands) {
         VulkanDevice::transition(commands, image, Layout::eShaderReadOnlyOptimal,
                                  Layout::eTransferSrcOptimal);
@@ -897,9 +895,9 @@ qint64 GraphRenderer::State::memoryHeld() const
     return qint64(bytes);
 }
 
-FormatInfo infoOf(VulkanRenderGraph::Format format)
+int texelBytes(VulkanRenderGraph::Format format)
 {
-    return {VulkanRenderGraph::formatName(format), traitsOf(format).texelBytes};
+    return traitsOf(format).texelBytes;
 }
 
 QLatin1StringView nameOf(PassResult::Kind kind)

@@ -28,13 +28,7 @@ struct FrameState
     float frameSeconds = 1.0F / 60.0F; // since the previous frame; 0: unknown
 };
 
-// A format's name, and the size of its texels.
-struct FormatInfo
-{
-    QLatin1StringView name;
-    int texelBytes;
-};
-FormatInfo infoOf(VulkanRenderGraph::Format format);
+int texelBytes(VulkanRenderGraph::Format format);
 
 // What one pass did in the last frame.
 struct PassResult

@@ -314,7 +314,7 @@ void Window::showFrame()
                                           .arg(m_components.at(i))
                                           .arg(pass.size.width())
                                           .arg(pass.size.height())
-                                          .arg(infoOf(pass.format).name, time));
+                                          .arg(VulkanRenderGraph::formatName(pass.format), time));
         times.append(u"%1: %2"_s.arg(i).arg(time));
     }
     m_times->setText(u"%1 | frame %2, %3 ms | %4"_s.arg(frame.device)
