@@ -569,7 +569,7 @@ void TestWindow::picturePixelsAreScreenPixels()
 
 void TestWindow::closingWhileDrawing()
 {
-    auto window = open(u"crt-consumer"_s);
+    auto window = open(u"gba-lcd"_s);
     window->findChild<QComboBox *>(u"size"_s)->setCurrentText(u"1440x1080"_s);
     window->session().setRunning(true);
     QVERIFY(window->session().isBusy());
