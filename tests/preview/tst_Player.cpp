@@ -102,12 +102,12 @@ void TestPlayer::valuesAreTheTunedOnesUntilSet()
 void TestPlayer::historiesContinue()
 {
     Player player = examplePlayer(u"gba-lcd"_s);
-    const QImage first = draw(player, 0);
-    const QImage continued = draw(player, 20);
+    Player fresh = examplePlayer(u"gba-lcd"_s);
+    draw(player, 0);
+    QVERIFY(draw(player, 20) != draw(fresh, 20));
     player.resetHistories();
-    const QImage fresh = draw(player, 20);
-    QVERIFY(continued != fresh);
-    QVERIFY(continued != first);
+    fresh.resetHistories();
+    QCOMPARE(draw(player, 20), draw(fresh, 20));
 }
 
 void TestPlayer::presetIsReplaced()
@@ -191,6 +191,7 @@ void TestPlayer::failedDeviceIsOpenedAgain()
             qunsetenv(name);
     });
     Player player = examplePlayer(u"stock"_s);
+    player.setSource(sourceOf(u"card-160x144"_s)); // set once, as it is not animated
     const QImage first = draw(player, 0);
 
     qputenv("FAILING_CALL", call);
