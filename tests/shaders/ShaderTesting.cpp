@@ -36,7 +36,8 @@ void setGraph(GraphRenderer &renderer, const VulkanRenderGraph &graph, ShaderMod
         qFatal("%s", qPrintable(error));
 }
 
-Picture drawFrame(GraphRenderer &renderer, const Picture &source, const FrameState &state, int pass)
+FloatImage drawFrame(GraphRenderer &renderer, const FloatImage &source, const FrameState &state,
+                     int pass)
 {
     QString error;
     if (!renderer.setSource(source.toImage(), error) || !renderer.drawFrame(state, error))
@@ -59,7 +60,7 @@ GraphRenderer &rendererOf(const PresetEntry &preset)
 }
 
 // One above the other.
-Picture stacked(const QList<SampledPicture> &inputs)
+FloatImage stacked(const QList<SampledPicture> &inputs)
 {
     QSize size(1, 1);
     for (const SampledPicture &input : inputs)
@@ -67,7 +68,7 @@ Picture stacked(const QList<SampledPicture> &inputs)
                 size.height() + input.picture->size.height()};
     if (!inputs.isEmpty())
         size.rheight() -= 1;
-    Picture stack(size);
+    FloatImage stack(size);
     int top = 0;
     for (const SampledPicture &input : inputs) {
         for (int y = 0; y < input.picture->size.height(); ++y, ++top)
@@ -110,8 +111,8 @@ const PassEntry &passEntry(QStringView component)
 }
 
 // Its inputs are passes of their own, each of which cuts one picture out of the source.
-Picture drawComponent(const QString &component, const QList<SampledPicture> &inputs,
-                      const FrameState &state)
+FloatImage drawComponent(const QString &component, const QList<SampledPicture> &inputs,
+                         const FrameState &state)
 {
     static const QByteArray kCrop = [] {
         QByteArray spirv;
@@ -162,8 +163,8 @@ Picture drawComponent(const QString &component, const QList<SampledPicture> &inp
     return drawFrame(*kRenderer, stacked(inputs), withCrops, -1);
 }
 
-Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
-                 const Params &params, const Tweak &tweak)
+FloatImage evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
+                    const Params &params, const Tweak &tweak)
 {
     if (passEntry(component).paramCount != params.size())
         qFatal("%s has %d parameters", qPrintable(component), passEntry(component).paramCount);
@@ -187,19 +188,19 @@ Params with(Params params, const Params &changes)
     return params;
 }
 
-Picture flat(QSize size, float red, float green, float blue, float alpha)
+FloatImage flat(QSize size, float red, float green, float blue, float alpha)
 {
-    return Picture(size, {red, green, blue, alpha});
+    return FloatImage(size, {red, green, blue, alpha});
 }
 
-Picture grey(QSize size, float value)
+FloatImage grey(QSize size, float value)
 {
     return flat(size, value, value, value);
 }
 
-Picture noise(QSize size, float most)
+FloatImage noise(QSize size, float most)
 {
-    Picture picture(size);
+    FloatImage picture(size);
     std::uint32_t state = 12345;
     for (Pixel &pixel : picture.pixels) {
         for (std::size_t c = 0; c < 3; ++c) {
@@ -210,7 +211,7 @@ Picture noise(QSize size, float most)
     return picture;
 }
 
-double mean(const Picture &picture, std::size_t channel)
+double mean(const FloatImage &picture, std::size_t channel)
 {
     double sum = 0.0;
     for (const Pixel &pixel : picture.pixels)
@@ -241,12 +242,12 @@ PresetDrawing::PresetDrawing(const PresetEntry &preset) : m_renderer(rendererOf(
     m_renderer.resetHistories();
 }
 
-Picture PresetDrawing::draw(const Picture &source, const FrameState &state, int pass)
+FloatImage PresetDrawing::draw(const FloatImage &source, const FrameState &state, int pass)
 {
     return drawFrame(m_renderer, source, state, pass);
 }
 
-float difference(const Picture &a, const Picture &b)
+float difference(const FloatImage &a, const FloatImage &b)
 {
     if (a.size != b.size)
         return std::numeric_limits<float>::infinity();

@@ -9,12 +9,10 @@
 // Draws components and presets for the tests of the example shaders, on a software device: it gives
 // the same numbers on every machine. An error ends the program.
 
-using Picture = FloatImage;
-
 // A picture and how a pass samples it.
 struct SampledPicture
 {
-    const Picture *picture;
+    const FloatImage *picture;
     bool linearFilter = false;
     bool mipmap = false;
     int wrapMode = 1; // 0 transparent border, 1 clamped to the edge, 2 repeated
@@ -55,24 +53,24 @@ const RenderGraphManifestData::PresetEntry &presetEntry(QStringView name);
 const RenderGraphManifestData::PassEntry &passEntry(QStringView component);
 
 // The component alone, drawn into 32-bit floats at the state's viewport from pictures of such.
-Picture drawComponent(const QString &component, const QList<SampledPicture> &inputs,
-                      const FrameState &state);
+FloatImage drawComponent(const QString &component, const QList<SampledPicture> &inputs,
+                         const FrameState &state);
 
 // The same with just the component's parameters in `params`, the rest of the state by `tweak`.
-Picture evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
-                 const Params &params = {}, const Tweak &tweak = {});
+FloatImage evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
+                    const Params &params = {}, const Tweak &tweak = {});
 
 // The state of an HDR display.
 Tweak hdr(float headroom);
 
 Params with(Params params, const Params &changes);
 
-Picture flat(QSize size, float red, float green, float blue, float alpha = 1.0F);
-Picture grey(QSize size, float value);
+FloatImage flat(QSize size, float red, float green, float blue, float alpha = 1.0F);
+FloatImage grey(QSize size, float value);
 // The same pixels on every run and machine.
-Picture noise(QSize size, float most = 1.0F);
+FloatImage noise(QSize size, float most = 1.0F);
 
-double mean(const Picture &picture, std::size_t channel);
+double mean(const FloatImage &picture, std::size_t channel);
 
 // Between light and the presets' signal.
 double encoded(double light);
@@ -89,11 +87,11 @@ public:
     explicit PresetDrawing(const RenderGraphManifestData::PresetEntry &preset);
 
     // The output of one pass in the next frame, by default the last one's.
-    Picture draw(const Picture &source, const FrameState &state, int pass = -1);
+    FloatImage draw(const FloatImage &source, const FrameState &state, int pass = -1);
 
 private:
     GraphRenderer &m_renderer;
 };
 
 // The largest difference in red, green and blue; infinite if the sizes differ, NaN if one occurs.
-float difference(const Picture &a, const Picture &b);
+float difference(const FloatImage &a, const FloatImage &b);

@@ -14,30 +14,30 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
 
-Picture beam(const Picture &light, QSize size, const Params &params, std::uint32_t frame = 0)
+FloatImage beam(const FloatImage &light, QSize size, const Params &params, std::uint32_t frame = 0)
 {
     return evaluate(u"crt-scanline"_s, {{.picture = &light, .linearFilter = true}}, size, params,
                     [frame](FrameState &state) { state.frameCount = frame; });
 }
 
-Picture amplified(const Picture &light, float megahertz, float microseconds)
+FloatImage amplified(const FloatImage &light, float megahertz, float microseconds)
 {
     return evaluate(
             u"crt-horizontal"_s, {{.picture = &light, .linearFilter = true}}, light.size,
             {{u"signal_bandwidth_mhz"_s, megahertz}, {u"signal_active_us"_s, microseconds}});
 }
 
-Picture litRow(QSize size, int row)
+FloatImage litRow(QSize size, int row)
 {
-    Picture picture = grey(size, 0.0F);
+    FloatImage picture = grey(size, 0.0F);
     for (int x = 0; x < size.width(); ++x)
         picture.at(x, row) = {1.0F, 1.0F, 1.0F, 1.0F};
     return picture;
 }
 
-Picture litPixel(QSize size, const Pixel &light)
+FloatImage litPixel(QSize size, const Pixel &light)
 {
-    Picture picture = grey(size, 0.0F);
+    FloatImage picture = grey(size, 0.0F);
     picture.at(size.width() / 2, size.height() / 2) = light;
     return picture;
 }
@@ -50,7 +50,7 @@ struct Spot
 };
 
 // Where a channel's light is, and how far it spreads.
-Spot measured(const Picture &picture, std::size_t channel)
+Spot measured(const FloatImage &picture, std::size_t channel)
 {
     Spot spot;
     const double unit = picture.size.height() / 240.0;
@@ -78,7 +78,7 @@ Spot measured(const Picture &picture, std::size_t channel)
 constexpr double kCarrierCycles = 190.909; // on a line
 constexpr int kColumns = 2048;
 
-Picture composite(const Picture &source, const Params &changes, const Tweak &tweak = {})
+FloatImage composite(const FloatImage &source, const Params &changes, const Tweak &tweak = {})
 {
     return evaluate(u"crt-consumer-composite"_s, {{.picture = &source}},
                     {kColumns, source.size.height()}, with(kComposite, changes), tweak);
@@ -102,9 +102,9 @@ Pixel fromYi(double y, double i)
 }
 
 // A 256-pixel line of grey whose luma or I swings by 0.2, so many times.
-Picture wave(std::size_t component, double cycles)
+FloatImage wave(std::size_t component, double cycles)
 {
-    Picture picture({256, 4});
+    FloatImage picture({256, 4});
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 256; ++x) {
             const double swing = 0.2 * std::cos(kTwoPi * cycles * (x + 0.5) / 256.0);
@@ -121,7 +121,7 @@ struct Wave
     double phase = 0.0;
 };
 
-Wave analysed(const Picture &picture, int row, std::size_t component, double cycles)
+Wave analysed(const FloatImage &picture, int row, std::size_t component, double cycles)
 {
     // Whole waves, in the middle of the line.
     const double wavelength = picture.size.width() / cycles;
@@ -210,7 +210,7 @@ void TestCrtRaster::compositeBandwidths()
     QFETCH(Params, params);
     QFETCH(double, kept);
     const auto which = std::size_t(component);
-    const Picture result = composite(wave(which, cycles), params);
+    const FloatImage result = composite(wave(which, cycles), params);
     const double amplitude = analysed(result, 1, which, cycles).amplitude / 0.2;
     QVERIFY(isNear(amplitude, kept, 0.01));
 }
@@ -218,7 +218,7 @@ void TestCrtRaster::compositeBandwidths()
 void TestCrtRaster::chromaComesLate()
 {
     for (const float delay : {-1.5F, 0.0F, 2.0F}) {
-        const Picture result = composite(wave(1, 32.0), {{u"composite_chroma_delay"_s, delay}});
+        const FloatImage result = composite(wave(1, 32.0), {{u"composite_chroma_delay"_s, delay}});
         // 256 samples to a line, 32 cycles: a cycle is 8 samples.
         const double phase = analysed(result, 1, 1, 32.0).phase;
         QVERIFY2(apart(phase, double(delay) / 8.0) < 0.003, shown(phase).constData());
@@ -239,12 +239,12 @@ void TestCrtRaster::chromaIsSharedWithTheLineAbove()
 {
     QFETCH(float, share);
     QFETCH(double, expected);
-    Picture picture({256, 4});
+    FloatImage picture({256, 4});
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 256; ++x)
             picture.at(x, y) = fromYi(0.5, y % 2 == 0 ? 0.2 : -0.2);
     }
-    const Picture result = composite(picture, {{u"composite_chroma_vertical"_s, share}});
+    const FloatImage result = composite(picture, {{u"composite_chroma_vertical"_s, share}});
     const double even = toYiq(result.at(1000, 2))[1];
     const double odd = toYiq(result.at(1000, 3))[1];
     QVERIFY(isNear(even, expected, 1e-3));
@@ -254,14 +254,14 @@ void TestCrtRaster::chromaIsSharedWithTheLineAbove()
 // Grey whose frequency rises from 0 to 384 cycles a line takes the colour carrier's in the middle.
 void TestCrtRaster::zonePlateTurnsColourfulAtTheCarrier()
 {
-    Picture plate({1024, 2});
+    FloatImage plate({1024, 2});
     for (int y = 0; y < 2; ++y) {
         for (int x = 0; x < 1024; ++x) {
             const double at = (x + 0.5) / 1024.0;
             plate.at(x, y) = fromYi(0.5 + 0.25 * std::cos(0.5 * kTwoPi * 384.0 * at * at), 0.0);
         }
     }
-    const Picture result = composite(plate, {});
+    const FloatImage result = composite(plate, {});
     double most = 0.0;
     double where = 0.0;
     double elsewhere = 0.0;
@@ -305,11 +305,11 @@ void TestCrtRaster::dotsCrawl()
     QFETCH(float, seconds);
     QFETCH(quint32, frame);
     QFETCH(double, cycles);
-    const Picture result = composite(flat({256, 4}, 1.0F, 0.0F, 0.0F),
-                                     {{u"composite_sharp"_s, 1.0F}}, [&](FrameState &state) {
-                                         state.frameSeconds = seconds;
-                                         state.frameCount = frame;
-                                     });
+    const FloatImage result = composite(flat({256, 4}, 1.0F, 0.0F, 0.0F),
+                                        {{u"composite_sharp"_s, 1.0F}}, [&](FrameState &state) {
+                                            state.frameSeconds = seconds;
+                                            state.frameCount = frame;
+                                        });
     const Wave first = analysed(result, 0, 0, kCarrierCycles);
     // 0.632 is red's chroma, 0.130 what trap and filter leave of it.
     QVERIFY(isNear(first.amplitude, 0.0823, 0.002));
@@ -333,13 +333,13 @@ void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff()
     QFETCH(float, megahertz);
     // A whole number of cycles over the line, at the cutoff.
     const double cycles = double(megahertz) * 50.0;
-    Picture line({4096, 1});
+    FloatImage line({4096, 1});
     for (int x = 0; x < 4096; ++x) {
         const double voltage = 0.5 + 0.4 * std::cos(kTwoPi * cycles * (x + 0.5) / 4096.0);
         const auto light = float(std::pow(voltage, 2.4));
         line.at(x, 0) = {light, light, light, 1.0F};
     }
-    const Picture result = amplified(line, megahertz, 50.0F);
+    const FloatImage result = amplified(line, megahertz, 50.0F);
     // Amplitude by correlation, over the middle of the line.
     double amplitude = 0.0;
     double reference = 0.0;
@@ -367,10 +367,11 @@ void TestCrtRaster::blackLineOnWhite()
 {
     QFETCH(int, columns);
     QFETCH(double, expected);
-    Picture line = grey({columns, 1}, 1.0F);
+    FloatImage line = grey({columns, 1}, 1.0F);
     line.at(columns / 2, 0) = {0.0F, 0.0F, 0.0F, 1.0F};
-    const Picture light = evaluate(u"crt-linearize"_s, {{.picture = &line}}, {4096, 1}, kLinearize);
-    const Picture result = amplified(light, 3.0F, 53.333332F);
+    const FloatImage light =
+            evaluate(u"crt-linearize"_s, {{.picture = &line}}, {4096, 1}, kLinearize);
+    const FloatImage result = amplified(light, 3.0F, 53.333332F);
     float darkest = 1.0F;
     for (const Pixel &pixel : result.pixels)
         darkest = std::min(darkest, pixel[1]);
@@ -422,7 +423,7 @@ void TestCrtRaster::rowsLieOnLines()
     QFETCH(double, light);
     const Params params =
             with(kScanline, {{u"raster_lines"_s, lines}, {u"raster_offset"_s, offset}});
-    const Picture drawn = beam(litRow({32, rows}, row), {160, 720}, params);
+    const FloatImage drawn = beam(litRow({32, rows}, row), {160, 720}, params);
     const Spot spot = measured(drawn, 1);
     QVERIFY(isNear(spot.y, middle, 1e-4));
     // A little is lost beyond the picture's sides.
@@ -433,7 +434,7 @@ void TestCrtRaster::linesWithoutPictureAreDark()
 {
     const Params params =
             with(kScanline, {{u"raster_lines"_s, 240.0F}, {u"raster_offset"_s, 8.0F}});
-    const Picture drawn = beam(grey({32, 224}, 1.0F), {160, 720}, params);
+    const FloatImage drawn = beam(grey({32, 224}, 1.0F), {160, 720}, params);
     // Lines 8 to 231 are lit, three pixels each.
     for (int y = 0; y < 720; ++y) {
         const bool isLit = y >= 3 * 8 && y < 3 * 232;
@@ -475,7 +476,7 @@ void TestCrtRaster::fieldsAlternate()
     QFETCH(double, light);
     const Params params =
             with(kScanline, {{u"raster_lines"_s, lines}, {u"raster_interlace"_s, 1.0F}});
-    const Picture drawn = beam(litRow({32, rows}, row), {160, 720}, params, frame);
+    const FloatImage drawn = beam(litRow({32, rows}, row), {160, 720}, params, frame);
     const Spot spot = measured(drawn, 1);
     QVERIFY(isNear(spot.light, light, 2e-3 * light + 1e-7));
     if (light > 0.0)
@@ -516,7 +517,7 @@ void TestCrtRaster::beamKeepsItsEnergy()
     QFETCH(double, tolerance);
     const Params params =
             with(with(kScanline, raster), {{u"beam_min"_s, sigma}, {u"beam_max"_s, sigma}});
-    const Picture drawn = beam(grey({320, rows}, light), {320, 240}, params);
+    const FloatImage drawn = beam(grey({320, rows}, light), {320, 240}, params);
     for (std::size_t c = 0; c < 3; ++c) {
         const double kept = mean(drawn, c) / double(light);
         QVERIFY(isNear(kept, 1.0, tolerance));
@@ -526,7 +527,7 @@ void TestCrtRaster::beamKeepsItsEnergy()
 // Bright beside dark, where spots of different widths meet; the margin takes what spreads outwards.
 void TestCrtRaster::detailKeepsItsEnergy()
 {
-    Picture picture = noise({64, 48});
+    FloatImage picture = noise({64, 48});
     for (int y = 0; y < 48; ++y) {
         for (int x = 0; x < 64; ++x) {
             if (x < 2 || x > 61 || y < 2 || y > 45)
@@ -535,7 +536,7 @@ void TestCrtRaster::detailKeepsItsEnergy()
     }
     const Params params = with(
             kScanline, {{u"raster_lines"_s, 48.0F}, {u"beam_min"_s, 0.05F}, {u"beam_max"_s, 0.5F}});
-    const Picture drawn = beam(picture, {640, 480}, params);
+    const FloatImage drawn = beam(picture, {640, 480}, params);
     for (std::size_t c = 0; c < 3; ++c) {
         const double kept = mean(drawn, c) / mean(picture, c);
         QVERIFY(isNear(kept, 1.0, 2e-3));
@@ -566,7 +567,7 @@ void TestCrtRaster::spotIsRoundAndGrowsWithTheLight()
     constexpr QSize kSource(320, 240);
     const Params params = with(
             kScanline, {{u"beam_min"_s, 0.15F}, {u"beam_max"_s, 0.4F}, {u"overscan"_s, overscan}});
-    const Picture drawn = beam(litPixel(kSource, {light, light, light, 1.0F}), viewport, params);
+    const FloatImage drawn = beam(litPixel(kSource, {light, light, light, 1.0F}), viewport, params);
     const Spot spot = measured(drawn, 1);
 
     // In 240ths of the viewport; overscan enlarges the picture by so much.
@@ -583,15 +584,15 @@ void TestCrtRaster::spotIsRoundAndGrowsWithTheLight()
 
 void TestCrtRaster::gunsHaveSpotsOfTheirOwn()
 {
-    const Picture pixel = litPixel({320, 240}, {1.0F, 0.04F, 0.04F, 1.0F});
+    const FloatImage pixel = litPixel({320, 240}, {1.0F, 0.04F, 0.04F, 1.0F});
     const Params params = with(kScanline, {{u"beam_min"_s, 0.15F}, {u"beam_max"_s, 0.4F}});
-    const auto sigma = [](const Picture &picture, std::size_t channel) {
+    const auto sigma = [](const FloatImage &picture, std::size_t channel) {
         return std::sqrt(measured(picture, channel).varianceY - 4.0 / 9.0 / 12.0);
     };
-    const Picture own = beam(pixel, {480, 360}, params);
+    const FloatImage own = beam(pixel, {480, 360}, params);
     QVERIFY(isNear(sigma(own, 0) / 0.4, 1.0, 0.03));
     QVERIFY(isNear(sigma(own, 1) / 0.2, 1.0, 0.03));
-    const Picture same = beam(pixel, {480, 360}, with(params, {{u"rgb_beam"_s, 0.0F}}));
+    const FloatImage same = beam(pixel, {480, 360}, with(params, {{u"rgb_beam"_s, 0.0F}}));
     for (const std::size_t channel : {0U, 1U, 2U})
         QVERIFY(isNear(sigma(same, channel) / 0.4, 1.0, 0.03));
 }
@@ -611,7 +612,7 @@ void TestCrtRaster::spotIsGaussian()
     QFETCH(bool, isVertical);
     QFETCH(double, tolerance);
     constexpr double kSigma = 0.5;
-    Picture picture = grey({40, 1200}, 0.0F);
+    FloatImage picture = grey({40, 1200}, 0.0F);
     for (int y = 0; y < 1200; ++y) {
         for (int x = 0; x < 40; ++x) {
             if (isVertical ? y >= 600 : x >= 20)
@@ -619,7 +620,7 @@ void TestCrtRaster::spotIsGaussian()
         }
     }
     const Params params = with(kScanline, {{u"beam_max"_s, float(kSigma)}});
-    const Picture drawn = beam(picture, {80, 480}, params);
+    const FloatImage drawn = beam(picture, {80, 480}, params);
     for (int i = -4; i < 4; ++i) {
         const float light = isVertical ? drawn.at(60, 240 + i)[1] : drawn.at(40 + i, 100)[1];
         // A pixel is half a 240th of the height, and shows its mean.
@@ -650,10 +651,10 @@ void TestCrtRaster::convergenceMovesOneGun()
     QFETCH(int, channel);
     QFETCH(double, right);
     QFETCH(double, down);
-    const Picture pixel = litPixel({320, 240}, {1.0F, 1.0F, 1.0F, 1.0F});
+    const FloatImage pixel = litPixel({320, 240}, {1.0F, 1.0F, 1.0F, 1.0F});
     for (const float sign : {1.0F, -1.0F}) {
-        const Picture drawn = beam(pixel, {640, 480},
-                                   with(kScanline, {{u"beam_max"_s, 0.3F}, {param, 1.5F * sign}}));
+        const FloatImage drawn = beam(
+                pixel, {640, 480}, with(kScanline, {{u"beam_max"_s, 0.3F}, {param, 1.5F * sign}}));
         for (const int gun : {0, 1, 2}) {
             const Spot spot = measured(drawn, std::size_t(gun));
             const double moved = gun == channel ? double(sign) : 0.0;

@@ -19,17 +19,17 @@ const Params kScreen = {
 const Params kDrive = {
         {u"color_temperature"_s, 0.0F}, {u"desaturate"_s, 0.0F}, {u"mono_warmth"_s, 0.5F}};
 
-Picture phosphorTile(float type, float duty, float edge, int size = 256)
+FloatImage phosphorTile(float type, float duty, float edge, int size = 256)
 {
     return evaluate(u"crt-phosphor-tile"_s, {}, {size, size},
                     {{u"mask_type"_s, type}, {u"mask_duty"_s, duty}, {u"mask_edge"_s, edge}});
 }
 
 // crt-screen over this light behind a mask, without halation.
-Picture screenBehind(const Picture &tile, const Picture &light, const Params &params,
-                     const Tweak &tweak = {})
+FloatImage screenBehind(const FloatImage &tile, const FloatImage &light, const Params &params,
+                        const Tweak &tweak = {})
 {
-    const Picture dark;
+    const FloatImage dark;
     return evaluate(u"crt-screen"_s,
                     {{.picture = &tile, .linearFilter = true, .mipmap = true, .wrapMode = 2},
                      {.picture = &light},
@@ -39,13 +39,13 @@ Picture screenBehind(const Picture &tile, const Picture &light, const Params &pa
 }
 
 // The same behind a grille.
-Picture screen(const Picture &light, const Params &params, const Tweak &tweak = {})
+FloatImage screen(const FloatImage &light, const Params &params, const Tweak &tweak = {})
 {
-    static const Picture kTile = phosphorTile(0.0F, 0.7F, 0.06F);
+    static const FloatImage kTile = phosphorTile(0.0F, 0.7F, 0.06F);
     return screenBehind(kTile, light, params, tweak);
 }
 
-Picture lightOf(Picture picture)
+FloatImage lightOf(FloatImage picture)
 {
     for (Pixel &pixel : picture.pixels) {
         for (std::size_t c = 0; c < 3; ++c)
@@ -76,7 +76,7 @@ Spread spread(const QList<double> &profile)
     return {centre, std::sqrt(square / sum - centre * centre)};
 }
 
-QList<double> row(const Picture &picture, int y, std::size_t channel = 1)
+QList<double> row(const FloatImage &picture, int y, std::size_t channel = 1)
 {
     QList<double> values;
     for (int x = 0; x < picture.size.width(); ++x)
@@ -84,7 +84,7 @@ QList<double> row(const Picture &picture, int y, std::size_t channel = 1)
     return values;
 }
 
-QList<double> column(const Picture &picture, int x, std::size_t channel = 1)
+QList<double> column(const FloatImage &picture, int x, std::size_t channel = 1)
 {
     QList<double> values;
     for (int y = 0; y < picture.size.height(); ++y)
@@ -191,8 +191,8 @@ void TestCrtScreen::meansAreKept()
     QFETCH(QString, component);
     QFETCH(QSize, from);
     QFETCH(QSize, to);
-    const Picture picture = noise(from);
-    const Picture result = evaluate(component, {{.picture = &picture}}, to);
+    const FloatImage picture = noise(from);
+    const FloatImage result = evaluate(component, {{.picture = &picture}}, to);
     for (std::size_t c = 0; c < 3; ++c)
         QVERIFY(isNear(mean(result, c), mean(picture, c), 1e-5));
 }
@@ -225,15 +225,15 @@ void TestCrtScreen::limiterSagsTowardsItsBudget()
     QFETCH(float, strength);
     QFETCH(double, expected);
     // It takes the mean of the three guns.
-    Picture field({4096, height});
+    FloatImage field({4096, height});
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < 2048; ++x)
             field.at(x, y) = {1.5F * light, light, 0.5F * light, 1.0F};
     }
-    const Picture tiles = evaluate(u"crt-abl-tiles"_s, {{.picture = &field}}, {256, 240});
-    const Picture rows = evaluate(u"crt-abl-reduce"_s, {{.picture = &tiles}}, {256, 30});
-    const Picture few = evaluate(u"crt-abl-reduce"_s, {{.picture = &rows}}, {8, 30});
-    const Picture gain =
+    const FloatImage tiles = evaluate(u"crt-abl-tiles"_s, {{.picture = &field}}, {256, 240});
+    const FloatImage rows = evaluate(u"crt-abl-reduce"_s, {{.picture = &tiles}}, {256, 30});
+    const FloatImage few = evaluate(u"crt-abl-reduce"_s, {{.picture = &rows}}, {8, 30});
+    const FloatImage gain =
             evaluate(u"crt-abl"_s, {{.picture = &few}}, {1, 1},
                      {{u"abl_strength"_s, strength}, {u"abl_current_limit"_s, budget}});
     QVERIFY(isNear(double(gain.at(0, 0)[0]), expected, 2e-5));
@@ -264,9 +264,9 @@ void TestCrtScreen::limiterTakesItsTime()
     QFETCH(float, wanted);
     QFETCH(float, seconds);
     QFETCH(float, expected);
-    const Picture light = flat({2, 2}, 2.0F, 1.0F, 0.5F, wanted);
-    const Picture history = flat({2, 2}, 0.0F, 0.0F, 0.0F, last);
-    const Picture limited =
+    const FloatImage light = flat({2, 2}, 2.0F, 1.0F, 0.5F, wanted);
+    const FloatImage history = flat({2, 2}, 0.0F, 0.0F, 0.0F, last);
+    const FloatImage limited =
             evaluate(u"crt-persistence"_s, {{.picture = &light}, {.picture = &history}}, {2, 2},
                      {{u"persist_r"_s, 0.0F}, {u"persist_g"_s, 0.0F}, {u"persist_b"_s, 0.0F}},
                      [seconds](FrameState &state) { state.frameSeconds = seconds; });
@@ -294,17 +294,17 @@ void TestCrtScreen::persistence()
     const Params params = {
             {u"persist_r"_s, retention}, {u"persist_g"_s, 0.0F}, {u"persist_b"_s, 0.0F}};
     const Tweak time = [seconds](FrameState &state) { state.frameSeconds = seconds; };
-    const Picture dark = flat({2, 2}, 0.0F, 0.0F, 0.0F);
-    const Picture last = grey({2, 2}, 1.0F);
-    const Picture tail = evaluate(u"crt-persistence"_s, {{.picture = &dark}, {.picture = &last}},
-                                  {2, 2}, params, time);
+    const FloatImage dark = flat({2, 2}, 0.0F, 0.0F, 0.0F);
+    const FloatImage last = grey({2, 2}, 1.0F);
+    const FloatImage tail = evaluate(u"crt-persistence"_s, {{.picture = &dark}, {.picture = &last}},
+                                     {2, 2}, params, time);
     QVERIFY(isNear(tail.at(0, 0)[0], expected, kRounding));
     QCOMPARE(tail.at(0, 0)[1], 0.0F);
     QCOMPARE(tail.at(0, 0)[3], 1.0F);
     // New light is not added to the tail.
-    const Picture bright = grey({2, 2}, 2.0F);
-    const Picture held = evaluate(u"crt-persistence"_s, {{.picture = &bright}, {.picture = &last}},
-                                  {2, 2}, params, time);
+    const FloatImage bright = grey({2, 2}, 2.0F);
+    const FloatImage held = evaluate(
+            u"crt-persistence"_s, {{.picture = &bright}, {.picture = &last}}, {2, 2}, params, time);
     QCOMPARE(held.at(0, 0)[0], 2.0F);
 }
 
@@ -332,12 +332,12 @@ void TestCrtScreen::driveBalancesTheGuns()
 {
     QFETCH(Params, params);
     QFETCH(Pixel, expected);
-    const Picture gain = flat({1, 1}, 0.75F, 0.75F, 0.75F);
-    const Picture light = flat({4, 4}, 0.8F, 0.4F, 0.2F);
-    const Picture driven =
+    const FloatImage gain = flat({1, 1}, 0.75F, 0.75F, 0.75F);
+    const FloatImage light = flat({4, 4}, 0.8F, 0.4F, 0.2F);
+    const FloatImage driven =
             evaluate(u"crt-drive"_s, {{.picture = &gain}, {.picture = &light}}, {4, 4}, params);
-    QVERIFY2(difference(driven, Picture({4, 4}, expected)) < 2e-6F,
-             number(difference(driven, Picture({4, 4}, expected))).constData());
+    QVERIFY2(difference(driven, FloatImage({4, 4}, expected)) < 2e-6F,
+             number(difference(driven, FloatImage({4, 4}, expected))).constData());
     QCOMPARE(driven.at(0, 0)[3], expected[3]);
 }
 
@@ -362,18 +362,18 @@ void TestCrtScreen::haloIsRound()
     QFETCH(QSize, size);
     QFETCH(float, sigma);
     QFETCH(bool, isWide);
-    Picture point(size, {0.0F, 0.0F, 0.0F, 1.0F});
+    FloatImage point(size, {0.0F, 0.0F, 0.0F, 1.0F});
     point.at(size.width() / 2, size.height() / 2) = {100.0F, 100.0F, 100.0F, 1.0F};
     const Params params = {{u"halation_sigma"_s, sigma}};
-    Picture halo = evaluate(u"crt-optics-down"_s, {{.picture = &point}}, {320, 240});
+    FloatImage halo = evaluate(u"crt-optics-down"_s, {{.picture = &point}}, {320, 240});
     const double light = mean(halo, 1);
     const auto blur = [&](const char *component) {
-        const Picture last = halo;
+        const FloatImage last = halo;
         halo = evaluate(QString::fromLatin1(component), {{.picture = &last, .linearFilter = true}},
                         last.size, params);
     };
     if (isWide) {
-        const Picture last = halo;
+        const FloatImage last = halo;
         halo = evaluate(u"crt-halation-wide-down"_s, {{.picture = &last}}, {80, 60});
     }
     blur("crt-halation-blur-h");
@@ -424,7 +424,7 @@ void TestCrtScreen::maskTransmission()
     QFETCH(float, duty);
     QFETCH(float, edge);
     QFETCH(double, expected);
-    const Picture tile = phosphorTile(type, duty, edge, 128);
+    const FloatImage tile = phosphorTile(type, duty, edge, 128);
     for (std::size_t c = 0; c < 3; ++c)
         QVERIFY(isNear(mean(tile, c), expected, 1e-3));
     QVERIFY(isNear(mean(tile, 3), expected, 1e-3));
@@ -451,7 +451,7 @@ void TestCrtScreen::maskPitch()
     QFETCH(float, pitch);
     QFETCH(double, expected);
     const Params params = with(kScreen, {{u"mask_pitch"_s, pitch}, {u"mask_strength"_s, 1.0F}});
-    const Picture shown = lightOf(screen(grey(size, 0.2F), params));
+    const FloatImage shown = lightOf(screen(grey(size, 0.2F), params));
     const double found = period(row(shown, size.height() / 2));
     QVERIFY(isNear(found / expected, 1.0, 0.003));
 }
@@ -479,11 +479,11 @@ void TestCrtScreen::maskIsItsMeanOverAPixel()
     constexpr int kFiner = 8;
     constexpr float kLight = 0.2F;
     const QSize size(80, 96);
-    const Picture tile = phosphorTile(type, 0.7F, 0.06F);
+    const FloatImage tile = phosphorTile(type, 0.7F, 0.06F);
     const Params params =
             with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, 0.9F}});
-    const Picture shown = lightOf(screenBehind(tile, grey(size, kLight), params));
-    const Picture fine = lightOf(screenBehind(tile, grey(size * kFiner, kLight), params));
+    const FloatImage shown = lightOf(screenBehind(tile, grey(size, kLight), params));
+    const FloatImage fine = lightOf(screenBehind(tile, grey(size * kFiner, kLight), params));
     double squares = 0.0;
     for (int y = 0; y < size.height(); ++y) {
         for (int x = 0; x < size.width(); ++x) {
@@ -516,7 +516,7 @@ void TestCrtScreen::maskKeepsTheMean()
     const QSize size(470, 96);
     const Params params =
             with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, 0.9F}});
-    const Picture shown = lightOf(screen(grey(size, light), params));
+    const FloatImage shown = lightOf(screen(grey(size, light), params));
     for (std::size_t c = 0; c < 3; ++c)
         QVERIFY(isNear(mean(shown, c) / double(light), 1.0, 0.01));
 }
@@ -546,7 +546,7 @@ void TestCrtScreen::whiteKeepsItsMask()
     QFETCH(double, deepest);
     const Params params =
             with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, strength}});
-    const Picture shown = lightOf(
+    const FloatImage shown = lightOf(
             screen(grey({800, 96}, 1.0F), params, headroom > 0.0F ? hdr(headroom) : Tweak()));
     QVERIFY(isNear(mean(shown, 1) / light, 1.0, 0.005));
     const QList<double> greens = row(shown, 48);
@@ -562,9 +562,9 @@ void TestCrtScreen::whiteKeepsItsMask()
 // Of a bright skin tone red alone gives way on a display without headroom.
 void TestCrtScreen::highlightsBendEachGunAlone()
 {
-    const Picture skin = flat({800, 96}, 0.9F, 0.5F, 0.35F);
+    const FloatImage skin = flat({800, 96}, 0.9F, 0.5F, 0.35F);
     const Params params = with(kScreen, {{u"mask_pitch"_s, 40.0F}, {u"mask_strength"_s, 0.9F}});
-    const Picture shown = lightOf(screen(skin, params));
+    const FloatImage shown = lightOf(screen(skin, params));
     QVERIFY(isNear(mean(shown, 0), 0.769, 0.005));
     QVERIFY(isNear(mean(shown, 1), 0.5, 0.005));
     QVERIFY(isNear(mean(shown, 2), 0.35, 0.005));
@@ -600,8 +600,8 @@ void TestCrtScreen::screenHighlights()
     QFETCH(float, headroom);
     QFETCH(float, light);
     QFETCH(double, expected);
-    const Picture field = grey({40, 30}, light);
-    const Picture shown =
+    const FloatImage field = grey({40, 30}, light);
+    const FloatImage shown =
             screen(field, with(kScreen, changes), headroom > 0.0F ? hdr(headroom) : Tweak());
     const auto signal = float(encoded(expected));
     QVERIFY2(difference(shown, grey(shown.size, signal)) < 1e-4F,
@@ -627,7 +627,7 @@ void TestCrtScreen::vignette()
     QFETCH(float, strength);
     QFETCH(QPointF, at);
     QFETCH(double, expected);
-    const Picture shown = lightOf(
+    const FloatImage shown = lightOf(
             screen(grey({401, 301}, 0.5F), with(kScreen, {{u"vignette_strength"_s, strength}})));
     const auto light = double(shown.at(int(at.x() * 400.0), int(at.y() * 300.0))[1]);
     QVERIFY(isNear(light, expected, 1.5e-3));
@@ -648,7 +648,7 @@ void TestCrtScreen::cornerRadius()
 {
     QFETCH(QSize, size);
     QFETCH(float, radius);
-    const Picture shown =
+    const FloatImage shown =
             lightOf(screen(grey(size, 0.5F), with(kScreen, {{u"corner_radius"_s, radius}})));
     const double pixels = double(radius) * size.height();
     const double dark = (4.0 - 3.14159265) * pixels * pixels;
@@ -677,7 +677,7 @@ void TestCrtScreen::curvatureOfTheFace()
 {
     QFETCH(float, barrel);
     QFETCH(double, expected);
-    const Picture shown = lightOf(
+    const FloatImage shown = lightOf(
             screen(grey({400, 400}, 0.5F), with(kScreen, {{u"barrel_distortion"_s, barrel}})));
     for (const bool isLower : {false, true}) {
         double lit = 0.0;
@@ -721,14 +721,14 @@ void TestCrtScreen::pictureOnTheFace()
     QFETCH(bool, isColumn);
     QFETCH(double, line);
     QFETCH(double, expected);
-    Picture picture({320, 240}, {0.0F, 0.0F, 0.0F, 1.0F});
+    FloatImage picture({320, 240}, {0.0F, 0.0F, 0.0F, 1.0F});
     const int at = int(line * (isColumn ? 320 : 240));
     // Two texels, on either side of the place.
     for (const int i : {at - 1, at}) {
         for (int along = 0; along < (isColumn ? 240 : 320); ++along)
             picture.at(isColumn ? i : along, isColumn ? along : i) = {1.0F, 1.0F, 1.0F, 1.0F};
     }
-    const Picture drawn = evaluate(
+    const FloatImage drawn = evaluate(
             u"crt-scanline"_s, {{.picture = &picture, .linearFilter = true}}, size,
             with(kScanline, {{u"overscan"_s, overscan}, {u"barrel_distortion"_s, barrel}}));
     const double found = isColumn ? spread(row(drawn, size.height() / 2)).centre / size.width()

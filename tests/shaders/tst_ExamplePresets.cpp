@@ -16,9 +16,9 @@ using namespace RenderGraphManifestData;
 namespace {
 
 // A scene with flat areas, edges of all directions, fine detail and full colours.
-Picture scene(QSize size, int shift)
+FloatImage scene(QSize size, int shift)
 {
-    Picture picture(size);
+    FloatImage picture(size);
     const int width = size.width();
     const int height = size.height();
     for (int y = 0; y < height; ++y) {
@@ -47,7 +47,7 @@ Picture scene(QSize size, int shift)
 }
 
 // What the preset shows as its last frame of a scene that moves between two.
-Picture shown(const PresetEntry &preset, const Params &params, int frames)
+FloatImage shown(const PresetEntry &preset, const Params &params, int frames)
 {
     PresetDrawing drawing(preset);
     FrameState state = {.params = params,
@@ -55,13 +55,13 @@ Picture shown(const PresetEntry &preset, const Params &params, int frames)
                         .frameCount = 2,
                         .hdrOutputActive = true,
                         .hdrHeadroom = 4.0F};
-    Picture picture;
+    FloatImage picture;
     for (int frame = 0; frame < frames; ++frame, ++state.frameCount)
         picture = drawing.draw(scene({80, 20}, 3 * frame), state);
     return picture;
 }
 
-bool isFinite(const Picture &picture)
+bool isFinite(const FloatImage &picture)
 {
     return std::all_of(picture.pixels.cbegin(), picture.pixels.cend(), [](const Pixel &pixel) {
         return std::all_of(pixel.cbegin(), pixel.cend(), [](float c) { return std::isfinite(c); });
@@ -158,9 +158,9 @@ void TestExamplePresets::everyParameterIsSeen()
 
     params.insert(id, param->min);
     const int frames = needsHistory(*preset, param->id) ? 2 : 1;
-    const Picture lowest = shown(*preset, params, frames);
+    const FloatImage lowest = shown(*preset, params, frames);
     params.insert(id, highestEffective(*param));
-    const Picture highest = shown(*preset, params, frames);
+    const FloatImage highest = shown(*preset, params, frames);
     QVERIFY(isFinite(lowest));
     QVERIFY(isFinite(highest));
     QVERIFY2(difference(lowest, highest) > 2.0F / 255.0F,

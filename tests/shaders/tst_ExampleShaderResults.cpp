@@ -62,9 +62,9 @@ void TestExampleShaderResults::neutralValuesLeaveThePictureAlone()
     QFETCH(QString, component);
     QFETCH(Params, params);
     QFETCH(float, tolerance);
-    const Picture picture = noise({24, 18});
-    const Picture result = evaluate(component, {{.picture = &picture}}, picture.size, params,
-                                    [](FrameState &state) { state.frameCount = 77; });
+    const FloatImage picture = noise({24, 18});
+    const FloatImage result = evaluate(component, {{.picture = &picture}}, picture.size, params,
+                                       [](FrameState &state) { state.frameCount = 77; });
     QVERIFY2(difference(result, picture) <= tolerance,
              QByteArray::number(difference(result, picture)).constData());
 }
@@ -128,9 +128,9 @@ void TestExampleShaderResults::flatFields()
     QFETCH(Params, params);
     QFETCH(Pixel, input);
     QFETCH(Pixel, expected);
-    const Picture picture({32, 24}, input);
-    const Picture result = evaluate(component, {{.picture = &picture}}, {20, 16}, params);
-    const Picture ideal({20, 16}, expected);
+    const FloatImage picture({32, 24}, input);
+    const FloatImage result = evaluate(component, {{.picture = &picture}}, {20, 16}, params);
+    const FloatImage ideal({20, 16}, expected);
     QVERIFY2(difference(result, ideal) <= kRounding,
              QByteArray::number(difference(result, ideal)).constData());
     QVERIFY(std::fabs(result.pixels.front()[3] - expected[3]) <= kRounding);
@@ -138,12 +138,12 @@ void TestExampleShaderResults::flatFields()
 
 void TestExampleShaderResults::linearizeIsMonotonic()
 {
-    Picture ramp({256, 1});
+    FloatImage ramp({256, 1});
     for (int x = 0; x < 256; ++x)
         ramp.at(x, 0) = {float(x) / 255.0F, float(x) / 255.0F, float(x) / 255.0F, 1.0F};
     for (const float cutoff : {0.0F, 0.06F, 0.2F}) {
-        const Picture light = evaluate(u"crt-linearize"_s, {{.picture = &ramp}}, {256, 1},
-                                       with(kLinearize, {{u"gun_cutoff"_s, cutoff}}));
+        const FloatImage light = evaluate(u"crt-linearize"_s, {{.picture = &ramp}}, {256, 1},
+                                          with(kLinearize, {{u"gun_cutoff"_s, cutoff}}));
         for (int x = 1; x < 256; ++x)
             QVERIFY(light.at(x, 0)[0] > light.at(x - 1, 0)[0]);
     }
@@ -172,10 +172,10 @@ void TestExampleShaderResults::hdrBoost()
     QFETCH(float, headroom);
     QFETCH(Pixel, input);
     QFETCH(Pixel, expected);
-    const Picture picture({4, 4}, input);
-    const Picture result = evaluate(u"hdr-color-boost"_s, {{.picture = &picture}}, {4, 4}, {},
-                                    headroom > 0.0F ? hdr(headroom) : Tweak());
-    QVERIFY(difference(result, Picture({4, 4}, expected)) < kRounding);
+    const FloatImage picture({4, 4}, input);
+    const FloatImage result = evaluate(u"hdr-color-boost"_s, {{.picture = &picture}}, {4, 4}, {},
+                                       headroom > 0.0F ? hdr(headroom) : Tweak());
+    QVERIFY(difference(result, FloatImage({4, 4}, expected)) < kRounding);
     QVERIFY(isNear(result.at(0, 0)[3], expected[3], kRounding));
 }
 

@@ -30,12 +30,12 @@ const Params kGrid = {{u"dmg_border_fade"_s, 8.0F},    {u"dmg_grain"_s, 0.0F},
 constexpr Pixel kGlass = {0.665F, 0.665F, 0.665F, 0.0F};
 constexpr Pixel kInk = {0.184F, 0.184F, 0.184F, 0.0F};
 
-double lightAt(const Picture &picture, int x, int y, std::size_t channel = 0)
+double lightAt(const FloatImage &picture, int x, int y, std::size_t channel = 0)
 {
     return decoded(double(picture.at(x, y)[channel]));
 }
 
-double meanLight(const Picture &picture, std::size_t channel = 0)
+double meanLight(const FloatImage &picture, std::size_t channel = 0)
 {
     double sum = 0.0;
     for (const Pixel &pixel : picture.pixels)
@@ -43,7 +43,8 @@ double meanLight(const Picture &picture, std::size_t channel = 0)
     return sum / double(picture.pixels.size());
 }
 
-Picture grid(const Picture &cells, const Picture &shadow, QSize size, const Params &changes)
+FloatImage grid(const FloatImage &cells, const FloatImage &shadow, QSize size,
+                const Params &changes)
 {
     return evaluate(u"crt-dmg-grid"_s,
                     {{.picture = &shadow, .linearFilter = true}, {.picture = &cells}}, size,
@@ -51,9 +52,9 @@ Picture grid(const Picture &cells, const Picture &shadow, QSize size, const Para
 }
 
 // Where x > y the picture is bright, columns by turns so and so.
-Picture staircase(float even, float odd)
+FloatImage staircase(float even, float odd)
 {
-    Picture picture({15, 15});
+    FloatImage picture({15, 15});
     for (int y = 0; y < 15; ++y) {
         for (int x = y + 1; x < 15; ++x) {
             const float level = x % 2 == 0 ? even : odd;
@@ -64,7 +65,7 @@ Picture staircase(float even, float odd)
 }
 
 // Three times as large, by the preset's scaler at these values.
-Picture tripled(const Picture &picture, const Params &changes = {})
+FloatImage tripled(const FloatImage &picture, const Params &changes = {})
 {
     const PresetEntry &preset = presetEntry(u"no-pixels"_s);
     PresetDrawing drawing(preset);
@@ -149,9 +150,9 @@ void TestLcdShaders::ghosting()
     QFETCH(float, seconds);
     QFETCH(bool, isHdr);
     QFETCH(float, expected);
-    const Picture drive = grey({2, 2}, isRising ? 1.0F : 0.0F);
-    const Picture last = grey({2, 2}, isRising ? 0.0F : 1.0F);
-    const Picture cells = evaluate(
+    const FloatImage drive = grey({2, 2}, isRising ? 1.0F : 0.0F);
+    const FloatImage last = grey({2, 2}, isRising ? 0.0F : 1.0F);
+    const FloatImage cells = evaluate(
             component, {{.picture = &drive}, {.picture = &last}}, {2, 2},
             {{u"ghost_rise"_s, 0.5F}, {u"ghost_fall"_s, 0.4F}, {u"ghost_hdr_speed"_s, speed}},
             [=](FrameState &state) {
@@ -207,10 +208,10 @@ void TestLcdShaders::cellsTakeTheirTimeAtAnyRate()
                                         {u"ghost_fall"_s, isRising ? 1.0F : rate}}),
                         .viewport = {4, 4},
                         .frameSeconds = 1.0F / float(hertz)};
-    const Picture before = grey({4, 4}, isRising ? 0.0F : 1.0F);
-    const Picture after = grey({4, 4}, isRising ? 1.0F : 0.0F);
+    const FloatImage before = grey({4, 4}, isRising ? 0.0F : 1.0F);
+    const FloatImage after = grey({4, 4}, isRising ? 1.0F : 0.0F);
     PresetDrawing drawing(preset);
-    const auto cell = [&](const Picture &source) {
+    const auto cell = [&](const FloatImage &source) {
         ++state.frameCount;
         return double(drawing.draw(source, state, 1).at(1, 1)[0]);
     };
@@ -249,14 +250,14 @@ void TestLcdShaders::gamutExpansion()
     using Light = std::array<double, 3>;
     QFETCH(Light, light);
     QFETCH(Light, expected);
-    const Picture picture = flat({2, 2}, float(encoded(light[0])), float(encoded(light[1])),
-                                 float(encoded(light[2])));
-    const Picture panel = evaluate(u"authentic-gbc"_s, {{.picture = &picture}}, {2, 2},
-                                   {{u"GBC_ADAPT"_s, 1.0F},
-                                    {u"GBC_BACKING"_s, 0.0F},
-                                    {u"GBC_EXPAND"_s, expand},
-                                    {u"GBC_GAMUT"_s, gamut},
-                                    {u"LCD_COLOR_PROFILE"_s, 1.0F}});
+    const FloatImage picture = flat({2, 2}, float(encoded(light[0])), float(encoded(light[1])),
+                                    float(encoded(light[2])));
+    const FloatImage panel = evaluate(u"authentic-gbc"_s, {{.picture = &picture}}, {2, 2},
+                                      {{u"GBC_ADAPT"_s, 1.0F},
+                                       {u"GBC_BACKING"_s, 0.0F},
+                                       {u"GBC_EXPAND"_s, expand},
+                                       {u"GBC_GAMUT"_s, gamut},
+                                       {u"LCD_COLOR_PROFILE"_s, 1.0F}});
     for (std::size_t c = 0; c < 3; ++c) {
         QVERIFY(isNear(lightAt(panel, 0, 0, c), expected[c], 1e-4));
     }
@@ -286,8 +287,8 @@ void TestLcdShaders::panelMeanBrightness()
     QFETCH(QSize, viewport);
     QFETCH(Params, changes);
     QFETCH(double, expected);
-    const Picture white = grey({24, 16}, 1.0F);
-    const Picture shown =
+    const FloatImage white = grey({24, 16}, 1.0F);
+    const FloatImage shown =
             evaluate(u"gba-subpixel"_s, {{.picture = &white}}, viewport, with(kSubpixel, changes));
     for (std::size_t c = 0; c < 3; ++c) {
         double light = 0.0;
@@ -312,9 +313,9 @@ void TestLcdShaders::spillBlursApertures()
 {
     QFETCH(float, spill);
     QFETCH(int, ramp);
-    const Picture white = grey({3, 1}, 1.0F);
-    const Picture shown = evaluate(u"gba-subpixel"_s, {{.picture = &white}}, {360, 4},
-                                   with(kBareSubpixel, {{u"lcd_spill"_s, spill}}));
+    const FloatImage white = grey({3, 1}, 1.0F);
+    const FloatImage shown = evaluate(u"gba-subpixel"_s, {{.picture = &white}}, {360, 4},
+                                      with(kBareSubpixel, {{u"lcd_spill"_s, spill}}));
     int partly = 0;
     double wide = 0.0;
     for (int x = 120; x < 240; ++x) {
@@ -342,9 +343,9 @@ void TestLcdShaders::diffusionFillsTheGaps()
     QFETCH(float, diffuse);
     QFETCH(double, least);
     QFETCH(double, most);
-    const Picture white = grey({3, 1}, 1.0F);
-    const Picture shown = evaluate(u"gba-subpixel"_s, {{.picture = &white}}, {360, 4},
-                                   with(kBareSubpixel, {{u"lcd_diffuse"_s, diffuse}}));
+    const FloatImage white = grey({3, 1}, 1.0F);
+    const FloatImage shown = evaluate(u"gba-subpixel"_s, {{.picture = &white}}, {360, 4},
+                                      with(kBareSubpixel, {{u"lcd_diffuse"_s, diffuse}}));
     QVERIFY(isNear(lightAt(shown, 180, 2, 1), most, 1e-3));
     QVERIFY(isNear(lightAt(shown, 125, 2, 1), least, 1e-3));
 }
@@ -363,9 +364,9 @@ void TestLcdShaders::diffusionReachesTheNeighbours()
 {
     QFETCH(float, diffuse);
     QFETCH(double, outside);
-    Picture dot = grey({5, 5}, 0.0F);
+    FloatImage dot = grey({5, 5}, 0.0F);
     dot.at(2, 2) = {1.0F, 1.0F, 1.0F, 1.0F};
-    const Picture shown = evaluate(
+    const FloatImage shown = evaluate(
             u"gba-subpixel"_s, {{.picture = &dot}}, {40, 40},
             with(kBareSubpixel, {{u"lcd_diffuse"_s, diffuse}, {u"lcd_grid_contrast"_s, 0.0F}}));
     double all = 0.0;
@@ -397,8 +398,8 @@ void TestLcdShaders::subpixelsShowAtTheirOwnValues()
     QFETCH(float, level);
     const PresetEntry &preset = presetEntry(presetName);
     PresetDrawing drawing(preset);
-    const Picture shown = drawing.draw(grey({16, 8}, level),
-                                       {.params = initialParams(preset), .viewport = {96, 48}});
+    const FloatImage shown = drawing.draw(grey({16, 8}, level),
+                                          {.params = initialParams(preset), .viewport = {96, 48}});
     for (std::size_t c = 0; c < 3; ++c) {
         double least = 1.0;
         double most = 0.0;
@@ -413,10 +414,11 @@ void TestLcdShaders::subpixelsShowAtTheirOwnValues()
 
 void TestLcdShaders::crosstalkMovesLightAlongItsColumnOnly()
 {
-    Picture cells({5, 81}, {0.0F, 0.0F, 0.0F, 1.0F});
+    FloatImage cells({5, 81}, {0.0F, 0.0F, 0.0F, 1.0F});
     cells.at(2, 40) = {1.0F, 1.0F, 1.0F, 1.0F};
-    const Picture result = evaluate(u"dmg-crosstalk"_s, {{.picture = &cells}}, cells.size,
-                                    {{u"dmg_crosstalk"_s, 1.0F}, {u"dmg_crosstalk_reach"_s, 1.5F}});
+    const FloatImage result =
+            evaluate(u"dmg-crosstalk"_s, {{.picture = &cells}}, cells.size,
+                     {{u"dmg_crosstalk"_s, 1.0F}, {u"dmg_crosstalk_reach"_s, 1.5F}});
     double column = 0.0;
     double elsewhere = 0.0;
     for (int y = 0; y < 81; ++y) {
@@ -431,10 +433,10 @@ void TestLcdShaders::crosstalkMovesLightAlongItsColumnOnly()
 void TestLcdShaders::shadowMovesByTheGap()
 {
     // A dark cell on clear glass (grey, so a tint of 0 in alpha).
-    Picture cells({21, 21}, {0.665F, 0.665F, 0.665F, 0.0F});
+    FloatImage cells({21, 21}, {0.665F, 0.665F, 0.665F, 0.0F});
     cells.at(10, 10) = {0.184F, 0.184F, 0.184F, 0.0F};
-    const Picture shadow = evaluate(u"dmg-occlusion"_s, {{.picture = &cells}}, cells.size,
-                                    {{u"dmg_shadow_offset"_s, 2.5F}});
+    const FloatImage shadow = evaluate(u"dmg-occlusion"_s, {{.picture = &cells}}, cells.size,
+                                       {{u"dmg_shadow_offset"_s, 2.5F}});
     double sum = 0.0;
     double momentX = 0.0;
     double momentY = 0.0;
@@ -466,8 +468,8 @@ void TestLcdShaders::gapsBetweenGreyCells()
 {
     QFETCH(float, gap);
     QFETCH(QSize, viewport);
-    const Picture cells({8, 6}, kInk);
-    const Picture shown = grid(cells, cells, viewport, {{u"dmg_grid_gap"_s, gap}});
+    const FloatImage cells({8, 6}, kInk);
+    const FloatImage shown = grid(cells, cells, viewport, {{u"dmg_grid_gap"_s, gap}});
     const double glass = 0.407575; // 0.665^2.2
     const double ink = 0.024132; // 0.184^2.2
     const double dark = (1.0 - double(gap)) * (1.0 - double(gap));
@@ -500,10 +502,10 @@ void TestLcdShaders::greyCellsStandInTheirPlaces()
     QFETCH(QSize, viewport);
     QFETCH(double, x);
     QFETCH(double, y);
-    const Picture clear({6, 5}, kGlass);
-    Picture cells = clear;
+    const FloatImage clear({6, 5}, kGlass);
+    FloatImage cells = clear;
     cells.at(3, 1) = kInk;
-    const Picture shown = grid(cells, clear, viewport, {{u"dmg_panel_margin"_s, margin}});
+    const FloatImage shown = grid(cells, clear, viewport, {{u"dmg_panel_margin"_s, margin}});
     const QSizeF pixel((6.0 + 2.0 * double(margin)) / viewport.width(),
                        (5.0 + 2.0 * double(margin)) / viewport.height());
     double sum = 0.0;
@@ -541,8 +543,8 @@ void TestLcdShaders::shadowHasItsOpacity()
     QFETCH(float, strength);
     QFETCH(float, offset);
     QFETCH(double, expected);
-    const Picture shown =
-            grid(Picture({6, 5}, kGlass), Picture({6, 5}, kInk), {60, 50},
+    const FloatImage shown =
+            grid(FloatImage({6, 5}, kGlass), FloatImage({6, 5}, kInk), {60, 50},
                  {{u"dmg_shadow_strength"_s, strength}, {u"dmg_shadow_offset"_s, offset}});
     QVERIFY(isNear(lightAt(shown, 31, 22), expected, 1e-4));
 }
@@ -565,9 +567,9 @@ void TestLcdShaders::marginFades()
     QFETCH(float, gain);
     QFETCH(double, beyond);
     QFETCH(double, expected);
-    const Picture clear({6, 6}, kGlass);
-    const Picture shown = grid(clear, clear, {300, 30},
-                               {{u"dmg_panel_margin"_s, 12.0F}, {u"dmg_margin_gain"_s, gain}});
+    const FloatImage clear({6, 6}, kGlass);
+    const FloatImage shown = grid(clear, clear, {300, 30},
+                                  {{u"dmg_panel_margin"_s, 12.0F}, {u"dmg_margin_gain"_s, gain}});
     const int x = int((12.0 - beyond) * 10.0);
     QVERIFY(isNear(lightAt(shown, x, 15), expected, 3e-3));
 }
@@ -589,8 +591,8 @@ void TestLcdShaders::grain()
 {
     QFETCH(float, strength);
     QFETCH(QSize, viewport);
-    const Picture clear({32, 24}, kGlass);
-    const Picture shown = grid(clear, clear, viewport, {{u"dmg_grain"_s, strength}});
+    const FloatImage clear({32, 24}, kGlass);
+    const FloatImage shown = grid(clear, clear, viewport, {{u"dmg_grain"_s, strength}});
     const double average = meanLight(shown);
     double square = 0.0;
     for (const Pixel &pixel : shown.pixels)
@@ -623,14 +625,14 @@ void TestLcdShaders::scalerKeepsStraightEdges()
 {
     QFETCH(std::function<bool(int, int)>, isWhite);
     QFETCH(Params, changes);
-    Picture picture({14, 12});
+    FloatImage picture({14, 12});
     for (int y = 0; y < 12; ++y) {
         for (int x = 0; x < 14; ++x) {
             if (isWhite(x, y))
                 picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
         }
     }
-    const Picture larger = tripled(picture, changes);
+    const FloatImage larger = tripled(picture, changes);
     QCOMPARE(larger.size, QSize(42, 36));
     for (int y = 0; y < 36; ++y) {
         for (int x = 0; x < 42; ++x)
@@ -641,30 +643,30 @@ void TestLcdShaders::scalerKeepsStraightEdges()
 // Both sides of it, and so it keeps its width.
 void TestLcdShaders::scalerRoundsABend()
 {
-    Picture picture({14, 14});
+    FloatImage picture({14, 14});
     for (int i = 5; i < 14; ++i) {
         picture.at(5, i) = {1.0F, 1.0F, 1.0F, 1.0F};
         picture.at(i, 5) = {1.0F, 1.0F, 1.0F, 1.0F};
     }
-    const Picture bend = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
+    const FloatImage bend = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
     QCOMPARE(bend.at(15, 15)[0], 0.0F);
     QCOMPARE(bend.at(16, 16)[0], 1.0F);
     QCOMPARE(bend.at(18, 18)[0], 1.0F);
     QCOMPARE(bend.at(19, 19)[0], 0.0F);
-    const Picture sharp = tripled(picture, {{u"SFX_SAA"_s, 0.0F}, {u"SFX_SCN"_s, 0.0F}});
+    const FloatImage sharp = tripled(picture, {{u"SFX_SAA"_s, 0.0F}, {u"SFX_SCN"_s, 0.0F}});
     QCOMPARE(sharp.at(15, 15)[0], 1.0F);
     QCOMPARE(sharp.at(18, 18)[0], 0.0F);
 }
 
 void TestLcdShaders::scalerSmoothsAStaircase()
 {
-    const Picture picture = staircase(1.0F, 1.0F);
+    const FloatImage picture = staircase(1.0F, 1.0F);
     // In the middle of the edge: of the dark pixel (7, 7) the upper right corner is cut.
-    const Picture smooth = tripled(picture);
+    const FloatImage smooth = tripled(picture);
     QCOMPARE(smooth.at(22, 22)[0], 0.0F);
     QVERIFY(smooth.at(23, 21)[0] > 0.5F);
     QVERIFY(smooth.at(23, 21)[0] < 1.0F);
-    const Picture hard = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
+    const FloatImage hard = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
     QCOMPARE(hard.at(23, 21)[0], 1.0F);
     QCOMPARE(hard.at(22, 22)[0], 0.0F);
     QCOMPARE(hard.at(21, 23)[0], 0.0F);
@@ -685,23 +687,23 @@ void TestLcdShaders::scalerComparesByItsThreshold()
 {
     QFETCH(float, threshold);
     QFETCH(bool, isCut);
-    const Picture hard =
+    const FloatImage hard =
             tripled(staircase(0.7F, 1.0F), {{u"SFX_CLR"_s, threshold}, {u"SFX_SAA"_s, 0.0F}});
     QCOMPARE(hard.at(23, 21)[0] > 0.0F, isCut);
 }
 
 void TestLcdShaders::resamplerEncodesLight()
 {
-    const Picture light = noise({24, 18});
-    const Picture shown = evaluate(u"smooth-resample"_s, {{.picture = &light}}, light.size);
+    const FloatImage light = noise({24, 18});
+    const FloatImage shown = evaluate(u"smooth-resample"_s, {{.picture = &light}}, light.size);
     for (std::size_t i = 0; i < light.pixels.size(); ++i)
         QVERIFY(isNear(decoded(double(shown.pixels[i][0])), double(light.pixels[i][0]), 1e-4));
 }
 
 void TestLcdShaders::resamplerAveragesWhenShrinking()
 {
-    const Picture picture = noise({30, 30});
-    const Picture small = evaluate(u"smooth-resample"_s, {{.picture = &picture}}, {10, 5});
+    const FloatImage picture = noise({30, 30});
+    const FloatImage small = evaluate(u"smooth-resample"_s, {{.picture = &picture}}, {10, 5});
     for (int y = 0; y < 5; ++y) {
         for (int x = 0; x < 10; ++x) {
             double light = 0.0;
@@ -711,12 +713,12 @@ void TestLcdShaders::resamplerAveragesWhenShrinking()
         }
     }
     // Nothing rings: enlarging a step stays within its levels.
-    Picture step({8, 4}, {0.2F, 0.2F, 0.2F, 1.0F});
+    FloatImage step({8, 4}, {0.2F, 0.2F, 0.2F, 1.0F});
     for (int y = 0; y < 4; ++y) {
         for (int x = 4; x < 8; ++x)
             step.at(x, y) = {0.8F, 0.8F, 0.8F, 1.0F};
     }
-    const Picture large = evaluate(u"smooth-resample"_s, {{.picture = &step}}, {61, 17});
+    const FloatImage large = evaluate(u"smooth-resample"_s, {{.picture = &step}}, {61, 17});
     for (const Pixel &pixel : large.pixels)
         QVERIFY(decoded(double(pixel[0])) > 0.2 - 1e-4 && decoded(double(pixel[0])) < 0.8 + 1e-4);
 }

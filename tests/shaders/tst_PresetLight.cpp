@@ -63,7 +63,7 @@ FrameState stateOf(const PresetEntry &preset, bool isHdr)
 
 // The mean linear light of the middle of the shown picture; `reach` is half its size, relative to
 // the picture's.
-Pixel lightOf(const Picture &shown, bool isHdr, double reach = 0.25)
+Pixel lightOf(const FloatImage &shown, bool isHdr, double reach = 0.25)
 {
     std::array<double, 3> sum = {};
     int count = 0;
@@ -88,9 +88,9 @@ double luminance(const Pixel &light)
 }
 
 // White where it is closer to the middle than this part of the picture's size.
-Picture whitePatch(double reach)
+FloatImage whitePatch(double reach)
 {
-    Picture picture(kSource, {0.0F, 0.0F, 0.0F, 1.0F});
+    FloatImage picture(kSource, {0.0F, 0.0F, 0.0F, 1.0F});
     for (int y = 0; y < kSource.height(); ++y) {
         for (int x = 0; x < kSource.width(); ++x) {
             if (std::fabs((x + 0.5) / kSource.width() - 0.5) < reach
@@ -143,7 +143,7 @@ void TestPresetLight::lightIsKept()
     QFETCH(double, level);
     QFETCH(double, stated);
     PresetDrawing drawing(*preset);
-    const Picture shown =
+    const FloatImage shown =
             drawing.draw(grey(kSource, float(encoded(level))), stateOf(*preset, isHdr));
     const double kept = luminance(lightOf(shown, isHdr)) / level;
     QVERIFY(isNear(kept / stated, 1.0, 0.03));
@@ -230,11 +230,11 @@ void TestPresetLight::limiterTakesItsTime()
     state.params.insert(u"halation_strength"_s, 0.0F);
     state.hdrHeadroom = 40.0F;
     state.frameSeconds = 1.0F / float(rate);
-    const auto next = [&](const Picture &picture) {
+    const auto next = [&](const FloatImage &picture) {
         ++state.frameCount;
         return luminance(lightOf(drawing.draw(picture, state), true));
     };
-    const Picture white = grey({8, 2}, 1.0F);
+    const FloatImage white = grey({8, 2}, 1.0F);
     const double settled = next(white);
     PresetDrawing restarted(entry);
     next(grey({8, 2}, 0.0F));

@@ -23,14 +23,14 @@ Tweak atFrame(std::uint32_t count, int direction = 1)
     };
 }
 
-Picture taped(const Picture &picture, float wiggle, float smear, const Tweak &tweak = {})
+FloatImage taped(const FloatImage &picture, float wiggle, float smear, const Tweak &tweak = {})
 {
     return evaluate(u"rewind"_s, {{.picture = &picture, .linearFilter = true}}, picture.size,
                     {{u"wiggle"_s, wiggle}, {u"smear"_s, smear}}, tweak);
 }
 
-Picture withNoise(const Picture &picture, QSize size, float noiseAmount, float lineNoise,
-                  const Tweak &tweak, float tapeSpeed = 1.0F)
+FloatImage withNoise(const FloatImage &picture, QSize size, float noiseAmount, float lineNoise,
+                     const Tweak &tweak, float tapeSpeed = 1.0F)
 {
     return evaluate(u"rewind-noise"_s, {{.picture = &picture, .linearFilter = true}}, size,
                     {{u"noiseAmount"_s, noiseAmount},
@@ -40,9 +40,9 @@ Picture withNoise(const Picture &picture, QSize size, float noiseAmount, float l
 }
 
 // Grey that rises evenly from 0 to 1 over the width, so that it tells its place.
-Picture ramp(QSize size)
+FloatImage ramp(QSize size)
 {
-    Picture picture(size);
+    FloatImage picture(size);
     for (int y = 0; y < size.height(); ++y) {
         for (int x = 0; x < size.width(); ++x) {
             const float level = (float(x) + 0.5F) / float(size.width());
@@ -55,8 +55,8 @@ Picture ramp(QSize size)
 // By how many columns each of 240 lines is displaced, at any height that is an odd multiple of it.
 QList<double> displacements(QSize size, float wiggle, std::uint32_t frame)
 {
-    const Picture picture = ramp(size);
-    const Picture tape = taped(picture, wiggle, 0.0F, atFrame(frame));
+    const FloatImage picture = ramp(size);
+    const FloatImage tape = taped(picture, wiggle, 0.0F, atFrame(frame));
     const int x = size.width() / 2;
     const int perLine = size.height() / 240;
     QList<double> lines;
@@ -168,10 +168,10 @@ void TestRewindShaders::switchingIsNoisy()
     QFETCH(QSize, size);
     QFETCH(float, lineNoise);
     // Far above 0, where noise is held.
-    const Picture picture = grey({320, 240}, 9.0F);
+    const FloatImage picture = grey({320, 240}, 9.0F);
     QList<double> deviations(240, 0.0); // the least of several frames
     for (const std::uint32_t frame : {3U, 40U, 77U, 300U}) {
-        const Picture noisy = withNoise(picture, size, 0.0F, lineNoise, atFrame(frame));
+        const FloatImage noisy = withNoise(picture, size, 0.0F, lineNoise, atFrame(frame));
         for (int line = 0; line < 240; ++line) {
             const int y = (2 * line + 1) * size.height() / 480;
             double sum = 0.0;
@@ -211,13 +211,13 @@ void TestRewindShaders::trailIsAPartOfTheWidth()
 {
     QFETCH(QSize, size);
     // As bright as the grey.
-    Picture picture = grey({size.width(), 4}, 0.4F);
+    FloatImage picture = grey({size.width(), 4}, 0.4F);
     const int edge = size.width() / 2;
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < edge; ++x)
             picture.at(x, y) = {0.6F, 0.4F - 0.2F * 0.299F / 0.587F, 0.4F, 1.0F};
     }
-    const Picture tape = taped(picture, 0.0F, 1.0F);
+    const FloatImage tape = taped(picture, 0.0F, 1.0F);
     const auto chroma = [&](int x) { return double(tape.at(x, 1)[0] - tape.at(x, 1)[2]) / 0.2; };
     int x = edge;
     while (chroma(x) > 0.36788)
@@ -252,14 +252,14 @@ void TestRewindShaders::lumaBandwidth()
     QFETCH(double, periods);
     QFETCH(double, expected);
     QFETCH(double, within);
-    Picture picture({width, 4});
+    FloatImage picture({width, 4});
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < width; ++x) {
             const auto level = float(0.5 + 0.4 * std::cos(2.0 * kPi * periods * (x + 0.5) / width));
             picture.at(x, y) = {level, level, level, 1.0F};
         }
     }
-    const Picture tape = taped(picture, 0.0F, 0.5F);
+    const FloatImage tape = taped(picture, 0.0F, 0.5F);
     double before = 0.0;
     double after = 0.0;
     for (int x = width / 8; x < 7 * width / 8; ++x) {
@@ -272,9 +272,9 @@ void TestRewindShaders::lumaBandwidth()
 
 void TestRewindShaders::smearLeavesLumaAlone()
 {
-    const Picture picture = noise({40, 8}, 0.6F);
-    const Picture sharp = taped(picture, 0.0F, 0.0F);
-    const Picture smeared = taped(picture, 0.0F, 1.0F);
+    const FloatImage picture = noise({40, 8}, 0.6F);
+    const FloatImage sharp = taped(picture, 0.0F, 0.0F);
+    const FloatImage smeared = taped(picture, 0.0F, 1.0F);
     QVERIFY(difference(smeared, sharp) > 0.05F);
     for (std::size_t i = 0; i < picture.pixels.size(); ++i)
         QVERIFY(isNear(luma(smeared.pixels[i]), luma(sharp.pixels[i]), 1e-4));
@@ -284,16 +284,16 @@ void TestRewindShaders::smearLeavesLumaAlone()
 void TestRewindShaders::noiseIsAPartOfThePicture()
 {
     const QSize viewport(640, 480);
-    const Picture small = grey({320, 240}, 2.0F);
-    const Picture large = grey({852, 480}, 2.0F);
-    const Picture expected = withNoise(small, viewport, 1.0F, 1.0F, atFrame(33));
+    const FloatImage small = grey({320, 240}, 2.0F);
+    const FloatImage large = grey({852, 480}, 2.0F);
+    const FloatImage expected = withNoise(small, viewport, 1.0F, 1.0F, atFrame(33));
     QVERIFY(difference(expected, grey(viewport, 2.0F)) > 0.3F);
     QCOMPARE(difference(withNoise(large, viewport, 1.0F, 1.0F, atFrame(33)), expected), 0.0F);
 }
 
 void TestRewindShaders::tapeRunsWithTheFrameCounter()
 {
-    const Picture picture = grey({64, 48}, 0.5F);
+    const FloatImage picture = grey({64, 48}, 0.5F);
     const auto frame = [&](std::uint32_t count, int direction, float speed) {
         return withNoise(picture, picture.size, 0.5F, 0.5F, atFrame(count, direction), speed);
     };
@@ -325,7 +325,7 @@ void TestRewindShaders::sameLookAtAnyRate()
     QFETCH(float, frameSeconds);
     QFETCH(std::uint32_t, frameCount);
     const PresetEntry &preset = presetEntry(u"rewind"_s);
-    const Picture picture = noise({80, 60});
+    const FloatImage picture = noise({80, 60});
     PresetDrawing drawing(preset);
     const auto shown = [&](float seconds, std::uint32_t count) {
         return drawing.draw(picture,
@@ -334,7 +334,7 @@ void TestRewindShaders::sameLookAtAnyRate()
                              .frameCount = count,
                              .frameSeconds = seconds});
     };
-    const Picture expected = shown(1.0F / 60.0F, 66);
+    const FloatImage expected = shown(1.0F / 60.0F, 66);
     QVERIFY(difference(expected, shown(1.0F / 60.0F, 67)) > 0.1F);
     QVERIFY2(difference(shown(frameSeconds, frameCount), expected) < 2.0F / 255.0F,
              QByteArray::number(difference(shown(frameSeconds, frameCount), expected)).constData());
