@@ -9,11 +9,11 @@
 #include <memory>
 #include <vector>
 
-// What tests that draw have in common. Functions that fail end the program.
+// Helpers of the tests that draw. A failure ends the program.
 
 using Pixel = std::array<float, 4>; // red, green, blue, alpha
 
-// A float picture whose pixels are easy to get at.
+// A picture of floats, with access to its pixels.
 struct FloatImage
 {
     explicit FloatImage(QSize imageSize = {1, 1}, Pixel fill = {0.0F, 0.0F, 0.0F, 1.0F});

@@ -237,7 +237,7 @@ void TestGraphRenderer::cachedPassIsDrawnWhenAParameterChanges()
     drawing.draw();
     QCOMPARE(drawing.kindOf(tile), Kind::Drawn);
     const FloatImage grille = drawing.output(drawing.indexOf(tile));
-    drawing.state.params.insert(u"mask_strength"_s, 0.5F); // not the tile's
+    drawing.state.params.insert(u"mask_strength"_s, 0.5F); // not a parameter of the tile
     drawing.draw();
     QCOMPARE(drawing.kindOf(tile), Kind::Cached);
     QCOMPARE(drawing.output(drawing.indexOf(tile)).pixels, grille.pixels);
@@ -283,7 +283,7 @@ void TestGraphRenderer::drawnPassesAreTimed()
     drawing.draw();
     double large = std::numeric_limits<double>::max();
     double tiny = large;
-    double share = 0.0; // of the frame's time, by the clock
+    double share = 0.0; // of the passes in the time of the frame
     for (int frame = 0; frame < 8; ++frame) {
         QElapsedTimer clock;
         clock.start();

@@ -148,7 +148,7 @@ void TestPresetOnDisk::filesAreInOrderOfReading()
 void TestPresetOnDisk::errors_data()
 {
     QTest::addColumn<QString>("preset");
-    QTest::addColumn<QString>("file"); // below shaders, replaced
+    QTest::addColumn<QString>("file"); // below shaders; replaced
     QTest::addColumn<QByteArray>("content"); // null: the file is removed
     QTest::addColumn<QString>("expected");
 

@@ -65,7 +65,7 @@ void TestPreviewPictures::textIsDrawnFromTheFace()
              "#...#.#............#....\n"
              "#...#.#####........#....\n");
     QCOMPARE(pixelTextWidth(u"aZ 7"_s, 2), 48);
-    drawPixelText(image, {20, 5}, u"WWW"_s, qRgb(255, 0, 0), 3); // reaches out of the picture
+    drawPixelText(image, {20, 5}, u"WWW"_s, qRgb(255, 0, 0), 3); // partly outside the picture
     QCOMPARE(image.pixel(20, 5), qRgb(255, 0, 0));
 }
 
@@ -83,7 +83,7 @@ void TestPreviewPictures::testPictures_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<bool>("moves");
-    QTest::addColumn<int>("colors"); // at least
+    QTest::addColumn<int>("colors"); // the least number
     for (const QString &name : testPictureNames()) {
         const QStringList sides = name.section(u'-', 1).split(u'x');
         QTest::newRow(qPrintable(name))

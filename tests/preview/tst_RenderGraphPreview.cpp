@@ -10,8 +10,8 @@
 
 using namespace Qt::StringLiterals;
 
-// The commands, called in process, where no program has to start and load a driver, and the real
-// binary.
+// The commands. Most tests call them in process, which is faster than to start the program and load
+// a driver; some run the real binary.
 
 namespace {
 
@@ -172,7 +172,7 @@ void TestRenderGraphPreview::helpAndVersion()
     const Run help = run({u"--help"_s});
     QVERIFY(help.out.contains(
             "\n  picture <preset>\n  graph [<preset>]\n  profile <preset>\n  list\n"));
-    // The text is wrapped, at spaces of the path too.
+    // The text is wrapped, even within the path.
     const QString helpText = QString::fromUtf8(help.out).remove(QRegularExpression(u"\\s"_s));
     QVERIFY(helpText.contains(QString(kShadersDir).remove(u' ')));
     QCOMPARE(help.exitStatus, 0);
@@ -183,7 +183,7 @@ void TestRenderGraphPreview::helpAndVersion()
 
 void TestRenderGraphPreview::listNamesEverything()
 {
-    const Run list = run(words(u"--shaders-dir= list"_s)); // which reads none
+    const Run list = run(words(u"--shaders-dir= list"_s)); // which needs no shaders
     QCOMPARE(list.err, "");
     QVERIFY2(list.out.startsWith("presets:\n  " + declaredPresetNames().join(u"\n  "_s).toUtf8()
                                  + "\ntest pictures:\n  scene-320x240\n"),
@@ -334,7 +334,7 @@ void TestRenderGraphPreview::pictureOfEveryFrame()
     CALL(u"picture gba-lcd --out last.png --frames 3 --size 48x32"_s);
     QVERIFY(readFile(u"a2.png"_s) == readFile(u"last.png"_s));
     QVERIFY(readFile(u"a1.png"_s) != readFile(u"last.png"_s));
-    // By default as many as feedback takes to converge.
+    // The default number is 30 with feedback, and otherwise 1.
     CALL(u"picture gba-lcd --out f%d.png --every --size 4x4"_s);
     QCOMPARE(QDir().entryList({u"f*.png"_s}).size(), 30);
     CALL(u"picture stock --out s%d.png --every --size 4x4"_s);
@@ -385,7 +385,7 @@ void TestRenderGraphPreview::pictureOfAComparison()
     QCOMPARE(sheet.size(), QSize(96 + 8 + 96, 7 + 8 + 64));
     QCOMPARE(sheet.copy(0, 15, 96, 64), QImage(u"left.png"_s));
     QCOMPARE(sheet.copy(104, 15, 96, 64), QImage(u"right.png"_s));
-    // The labels' first letter, an L, and the one that differs.
+    // The first letter of both labels is an L; the values differ.
     QCOMPARE(sheet.pixel(4, 4), qRgb(255, 255, 255));
     QCOMPARE(sheet.pixel(104 + 4, 4), qRgb(255, 255, 255));
     QVERIFY(sheet.copy(0, 0, 96, 15) != sheet.copy(104, 0, 96, 15));
@@ -429,7 +429,7 @@ void TestRenderGraphPreview::graphOfAllPresets()
     }
 }
 
-// Of a preset with passes of all kinds.
+// The preset has passes of all kinds.
 void TestRenderGraphPreview::profileAsJson()
 {
     QVERIFY(QImage(4, 3, QImage::Format_RGB32).save(u"in.png"_s));
@@ -513,7 +513,7 @@ void TestRenderGraphPreview::profileAsTable()
                     "  0  stock                      drawn         64x48 RGBA16F           24576 "),
             lines.at(4).constData());
     QCOMPARE(lines.at(4).size(), lines.at(3).size());
-    // Below the passes' own columns.
+    // The sums are below the columns of the passes.
     QCOMPARE(lines.at(6).size(), lines.at(3).indexOf("p95 ms") + 6);
     QVERIFY(lines.at(6).startsWith("     all passes "));
     QVERIFY(lines.at(7).startsWith("     the frame, by the clock "));

@@ -156,7 +156,7 @@ void TestWindow::savedFileIsReloaded()
     QTRY_VERIFY_WITH_TIMEOUT(waitForImage(*window) != first, kPatience);
     qInfo("shown %lld ms after it was saved", timer.elapsed());
     QCOMPARE(window->session().message(), QString());
-    // And again: a file that was gone is still watched.
+    // A file that was deleted and written again is still watched.
     writeFile(path, content);
     QTRY_COMPARE_WITH_TIMEOUT(waitForImage(*window), first, kPatience);
 }
@@ -175,7 +175,7 @@ void TestWindow::brokenComponentKeepsThePicture()
             u"shaders/vulkan/components/stock.frag:2: 'oops' : undeclared identifier"_s, kPatience);
     QVERIFY(message->isVisible());
     QCOMPARE(waitForImage(*window), first);
-    // What does not depend on the component still works.
+    // Other changes still work.
     window->findChild<QComboBox *>(u"source"_s)->setCurrentText(u"card-160x144"_s);
     QTRY_VERIFY_WITH_TIMEOUT(waitForImage(*window) != first, kPatience);
     QVERIFY(message->isVisible());
@@ -211,7 +211,7 @@ void TestWindow::copiedOverridesAreRows()
     copy->trigger();
     QCOMPARE(QApplication::clipboard()->text(), QString());
 
-    // One step of 0.05 from the tuned 0.55, one by one, a number as typed, and the tuned value.
+    // By a step of the slider, by typing, and to the tuned value, which gives no row.
     QTest::keyClick(window->findChild<QSlider *>(u"lcd_diffuse.slider"_s), Qt::Key_Right);
     auto *const number = window->findChild<QDoubleSpinBox *>(u"ghost_rise.number"_s);
     number->selectAll();
@@ -295,7 +295,7 @@ void TestWindow::passesAreShown()
     QCOMPARE(strip->count(), 6);
     QCOMPARE(strip->item(1)->text().section(u'\n', 0, 1), u"1 dmg-ghost\n160x144 RGBA16F"_s);
     QTRY_VERIFY_WITH_TIMEOUT(!strip->item(5)->icon().isNull(), kPatience);
-    // The last one is chosen, and whole in sight; Qt may scroll a pixel short.
+    // The last pass is selected and fully visible. Qt may scroll one pixel too little.
     QCOMPARE(strip->currentRow(), 5);
     const QRect sight = strip->viewport()->rect().adjusted(0, 0, 1, 0);
     QVERIFY(sight.contains(strip->visualItemRect(strip->item(5))));
@@ -306,7 +306,7 @@ void TestWindow::passesAreShown()
     view->setFocus();
     QTest::keyClick(view, Qt::Key_Right);
     QVERIFY(window->findChild<QLabel *>(u"pixel"_s)->text().startsWith(u"(1, 0): "_s));
-    // Another preset has other passes: its last one is shown.
+    // For another preset, the last pass is shown.
     window->findChild<QComboBox *>(u"preset"_s)->setCurrentText(u"stock"_s);
     QTRY_COMPARE_WITH_TIMEOUT(strip->count(), 2, kPatience);
     waitForImage(*window);
@@ -385,7 +385,7 @@ void TestWindow::lostDeviceIsOpenedAgain()
     QVERIFY(!message->isVisible());
 }
 
-// With the commands' message. Opens a driver that was installed meanwhile.
+// The message is the commands'. A driver that is installed later is found.
 void TestWindow::missingDriverIsReported()
 {
     static constexpr const char *kVariables[] = {"VK_ICD_FILENAMES", "VK_DRIVER_FILES"};
@@ -434,7 +434,7 @@ void TestWindow::droppedPictureBecomesTheSource()
     QCOMPARE(waitForImage(*window).pixel(9, 9), qRgb(0, 0, 255));
     auto *const sources = window->findChild<QComboBox *>(u"source"_s);
     QCOMPARE(sources->currentText(), u"blue.png"_s);
-    // Dropped again it is no second choice.
+    // Dropping it again does not add a second item.
     const int choices = sources->count();
     QDropEvent again({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(window.get(), &again);
@@ -445,7 +445,7 @@ void TestWindow::pictureIsSaved()
 {
     const auto window = open(u"stock"_s);
     QImage shown = waitForImage(*window);
-    // The dialog is modal: what answers it has to wait for it.
+    // The dialog is modal, so a timer answers it.
     const auto saveAs = [&window](const QString &path) {
         window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
@@ -459,11 +459,11 @@ void TestWindow::pictureIsSaved()
     };
     saveAs(QDir().absoluteFilePath(u"saved.png"_s));
     QImage saved(u"saved.png"_s);
-    saved.setColorSpace({}); // what the file says beside the pixels
+    saved.setColorSpace({}); // compare pixels only
     shown.setColorSpace({});
     QCOMPARE(saved.convertToFormat(shown.format()), shown);
 
-    // With HDR it holds the light, and not what the display shows of it.
+    // With HDR the file has the linear light, not the tone-mapped image.
     window->findChild<QDoubleSpinBox *>(u"headroom"_s)->setValue(4.0);
     waitForImage(*window);
     saveAs(QDir().absoluteFilePath(u"hdr.png"_s));
@@ -527,7 +527,7 @@ void TestWindow::tabMovesThroughTheParameters()
     const auto window = open(u"gba-lcd"_s);
     window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    // A value that differs can be reset.
+    // The reset button is enabled for a changed value.
     window->session().setValue(u"LCD_COLOR_PROFILE"_s, 0.0F);
     QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
     QStringList visited;
@@ -541,14 +541,14 @@ void TestWindow::tabMovesThroughTheParameters()
                           u"ghost_rise.number"_s}));
 }
 
-// At 1:1, and also where a display has several pixels to each of Qt's.
+// At 1:1. Another test repeats this at a device pixel ratio of 2.
 void TestWindow::picturePixelsAreScreenPixels()
 {
     const auto window = open(u"gba-lcd"_s);
     auto *const view = window->findChild<PictureView *>();
     window->findChild<QComboBox *>(u"zoom"_s)->setCurrentText(u"1:1"_s);
     const QImage drawn = waitForImage(*window).convertToFormat(QImage::Format_RGB32);
-    window->findChild<QLineEdit *>(u"filter"_s)->setFocus(); // the picture shows no cursor then
+    window->findChild<QLineEdit *>(u"filter"_s)->setFocus(); // hides the cursor in the picture
     QImage shown = view->grab().toImage().convertToFormat(QImage::Format_RGB32);
     shown.setDevicePixelRatio(1.0);
     const QSize margin = (shown.size() - drawn.size()) / 2;
@@ -556,7 +556,7 @@ void TestWindow::picturePixelsAreScreenPixels()
     middle.setColorSpace(drawn.colorSpace());
     QCOMPARE(middle, drawn);
 
-    // As large as the view: its height, in pixels of the display.
+    // As large as the view, in screen pixels.
     window->findChild<QComboBox *>(u"size"_s)->setCurrentIndex(0);
     const auto isAsLarge = [&] {
         const QSize size = waitForImage(*window).size();
