@@ -103,12 +103,12 @@ if [ "$BUILD_DIR" != "$SOURCE_DIR/build/release" ]; then
     rm -rf "$SOURCE_DIR/build/release"
     ln -s "$BUILD_DIR" "$SOURCE_DIR/build/release"
 fi
-PATH="$WORK_DIR/bin:$PATH" "$SOURCE_DIR/scripts/update-golden" >log 2>&1 || fail 'scripts/update-golden'
+PATH="$WORK_DIR/bin:$PATH" "$SOURCE_DIR/scripts/update-golden" >log 2>&1 || fail 'scripts/update-golden failed'
 [ "$(lines '^+inline constexpr PresetEntry kPreset_a_photographic_negative = ')" = 1 ] ||
     fail 'scripts/update-golden does not show the new preset of the manifest'
 [ "$(lines '^+preset a-photographic-negative:$')" = 1 ] ||
     fail 'scripts/update-golden does not show the new declaration'
-[ "$(lines '^-\([^-]\|$\)')" = 0 ] || fail 'scripts/update-golden shows that something is removed'
+[ "$(lines '^-\([^-]\|$\)')" = 0 ] || fail 'scripts/update-golden shows removed lines'
 cmp "$SOURCE_DIR/build/RenderGraphManifest.h" "$SOURCE_DIR/tests/manifest/golden/RenderGraphManifest.h" ||
     fail 'scripts/update-golden does not write the manifest'
 cmp "$SOURCE_DIR/build/presets.txt" "$SOURCE_DIR/tests/presets/golden/presets.txt" ||
