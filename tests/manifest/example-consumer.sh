@@ -45,7 +45,7 @@ rewind 3 5 yes
 stock 2 0 no
 END
 sed '1d; s/^ *//; s/ .*//' log >listed
-cmp names listed || fail 'consumer list: the presets or their order differ'
+cmp names listed || fail 'consumer list: not the presets in their order'
 prints 0 show stock <<'END'
 stock
   resource:            :/shaders/stock.glsl
@@ -79,13 +79,14 @@ Parameters
   lineNoise      0.3      0.3    0    1   0.1  lineNoise
   tapeSpeed        1        1    0    1   0.1  tapeSpeed
 END
-"$consumer" show crt-pvm >log
+# Columns are as wide as other rows need.
+"$consumer" show crt-pvm | tr -s ' ' >log
 for row in \
-    '   0  crt-linearize           RGBA16F  4096 x source  source                  4' \
-    '   1  crt-abl-tiles           RGBA32F  256 x 240      0                       0' \
-    '   5  crt-drive               RGBA16F  pass 0         4, 0                    3' \
-    '   7  crt-persistence         RGBA16F  input          6, history              3' \
-    '  16  crt-phosphor-tile       RGBA16F  256 x 256      -                       3'; do
+    ' 0 crt-linearize RGBA16F 4096 x source source 4' \
+    ' 1 crt-abl-tiles RGBA32F 256 x 240 0 0' \
+    ' 5 crt-drive RGBA16F pass 0 4, 0 3' \
+    ' 7 crt-persistence RGBA16F input 6, history 3' \
+    ' 16 crt-phosphor-tile RGBA16F 256 x 256 - 3'; do
     grep -qFx "$row" log || fail "consumer show crt-pvm: no line '$row'"
 done
 
