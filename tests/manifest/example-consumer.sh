@@ -45,7 +45,7 @@ rewind 3 5 yes
 stock 2 0 no
 END
 sed '1d; s/^ *//; s/ .*//' log >listed
-cmp names listed || fail 'consumer list: not the presets in their order'
+cmp names listed || fail 'consumer list: the presets or their order differ'
 prints 0 show stock <<'END'
 stock
   resource:            :/shaders/stock.glsl
