@@ -3,6 +3,7 @@
 #include "DrawingSupport.h"
 #include "TestSupport.h"
 
+#include <QRegularExpression>
 #include <QScopeGuard>
 
 using namespace Qt::StringLiterals;
@@ -141,13 +142,14 @@ void TestPlayer::missingDevices_data()
 {
     QTest::addColumn<QString>("device");
     QTest::addColumn<QByteArray>("drivers"); // the file that describes the only one
-    QTest::addColumn<QString>("message"); // its beginning
-    QTest::newRow("no driver")
-            << QString() << "/nowhere"_ba
-            << u"no Vulkan device to draw on (Vulkan: vkCreateInstance: ErrorIncompatibleDriver); "
-               "install a driver (Debian: mesa-vulkan-drivers)"_s;
+    QTest::addColumn<QString>("message"); // a pattern
+    // Versions of Vulkan's headers name the function in different ways.
+    QTest::newRow("no driver") << QString() << "/nowhere"_ba
+                               << u"^no Vulkan device to draw on [(]Vulkan: vk\\S*reateInstance: "
+                                  u"ErrorIncompatibleDriver[)]; "
+                                  "install a driver [(]Debian: mesa-vulkan-drivers[)]$"_s;
     QTest::newRow("unknown name") << u"abacus"_s << QByteArray()
-                                  << u"no Vulkan device 'abacus'; there are 0: "_s;
+                                  << u"^no Vulkan device 'abacus'; there are 0: "_s;
 }
 
 void TestPlayer::missingDevices()
@@ -165,7 +167,7 @@ void TestPlayer::missingDevices()
     qunsetenv("VK_ICD_FILENAMES");
     qunsetenv("VK_DRIVER_FILES");
     QVERIFY(!isDrawn);
-    QVERIFY2(error.startsWith(message), qPrintable(error));
+    QVERIFY2(error.contains(QRegularExpression(message)), qPrintable(error));
     QVERIFY(player.renderer() == nullptr);
 }
 

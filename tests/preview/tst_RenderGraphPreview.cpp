@@ -209,9 +209,13 @@ void TestRenderGraphPreview::programWithoutDriver()
 {
     const QStringList environment = {u"VK_ICD_FILENAMES=/nowhere"_s, u"VK_DRIVER_FILES=/nowhere"_s};
     const Run picture = run(words(u"picture stock --out a.png --size 8x8"_s), environment);
-    QCOMPARE(picture.err,
-             "render-graph-preview: no Vulkan device to draw on (Vulkan: vkCreateInstance: "
-             "ErrorIncompatibleDriver); install a driver (Debian: mesa-vulkan-drivers)\n");
+    // Versions of Vulkan's headers name the function in different ways.
+    QVERIFY2(
+            picture.err.startsWith("render-graph-preview: no Vulkan device to draw on (Vulkan: vk"),
+            picture.err.constData());
+    QVERIFY2(picture.err.endsWith("reateInstance: ErrorIncompatibleDriver); install a driver "
+                                  "(Debian: mesa-vulkan-drivers)\n"),
+             picture.err.constData());
     QCOMPARE(picture.exitStatus, 1);
     QCOMPARE(files(), QStringList());
     // The names are printed before the error.

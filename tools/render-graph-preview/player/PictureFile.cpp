@@ -5,7 +5,6 @@
 #include <QBuffer>
 #include <QColorSpace>
 #include <QImageReader>
-#include <QRgbaFloat32>
 #include <QSaveFile>
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QString>
+#include <qrgbafloat.h>
 
 #include <optional>
 

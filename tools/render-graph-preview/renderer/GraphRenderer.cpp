@@ -3,7 +3,6 @@
 #include "VulkanDevice.h"
 
 #include <QFloat16>
-#include <QRgbaFloat32>
 #include <QStringList>
 
 #include <algorithm>

@@ -8,6 +8,7 @@
 #include <QList>
 #include <QSize>
 #include <QString>
+#include <qrgbafloat.h> // in Qt 6.11 <QRgbaFloat32> only declares the type
 
 #include <cstdint>
 #include <memory>

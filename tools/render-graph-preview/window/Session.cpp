@@ -4,7 +4,6 @@
 
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QRgbaFloat32>
 
 #include <algorithm>
 #include <array>

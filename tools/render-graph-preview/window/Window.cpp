@@ -20,7 +20,6 @@
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QRgbaFloat32>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStatusBar>
