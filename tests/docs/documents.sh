@@ -79,14 +79,16 @@ lines_below() {
         !/^line/ { inside = 0 } inside' | cut -f 2-
 }
 
-# paths_in_tree: prints the paths of a block in which indented names are in the directory above them.
+# paths_in_tree: prints the paths of a block in which names indented by 4 more are in the directory above them.
 paths_in_tree() {
     lines_below | awk '{
-        indented = sub(/^ +/, "")
+        match($0, /^ */)
+        depth = RLENGTH / 4
+        $0 = substr($0, RLENGTH + 1)
         sub(/  .*/, "")
-        if (!indented) directory = $0
         count = split($0, names, ", ")
-        for (i = 1; i <= count; i++) print (indented ? directory : "") names[i]
+        for (i = 1; i <= count; i++) print directories[depth] names[i]
+        directories[depth + 1] = directories[depth] $0
     }'
 }
 
