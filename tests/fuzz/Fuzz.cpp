@@ -114,7 +114,7 @@ QByteArray fileContent(const QString &path)
     return file.readAll();
 }
 
-Capture::Capture()
+void startCapture()
 {
     savedOut = stdout;
     savedErr = stderr;
@@ -124,15 +124,8 @@ Capture::Capture()
     stderr = memoryErr().file;
 }
 
-Capture::~Capture()
+Printed endCapture()
 {
-    if (m_isOpen)
-        end();
-}
-
-Printed Capture::end()
-{
-    m_isOpen = false;
     stdout = savedOut;
     stderr = savedErr;
     return {memoryOut().content(), memoryErr().content()};

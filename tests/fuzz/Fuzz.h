@@ -75,25 +75,16 @@ void putFile(const QString &path, const QByteArray &content);
 void removeFile(const QString &path);
 QByteArray fileContent(const QString &path);
 
-// Captures what is printed to stdout and stderr. It replaces only the two FILE pointers, so that a
-// sanitizer's report is still printed.
 struct Printed
 {
     QByteArray out;
     QByteArray err;
 };
-class Capture
-{
-public:
-    Capture();
-    ~Capture();
-    Capture(const Capture &) = delete;
-    Capture &operator=(const Capture &) = delete;
-    Printed end();
 
-private:
-    bool m_isOpen = true;
-};
+// Between these two calls, what is printed to stdout and stderr is captured. They replace only the
+// two FILE pointers, so that a sanitizer's report is still printed.
+void startCapture();
+Printed endCapture();
 
 // Aborts if the results differ, and prints them with the input.
 void expectSame(const char *what, const QByteArray &input, const QByteArray &tool,

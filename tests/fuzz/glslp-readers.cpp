@@ -234,9 +234,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
                 + joined(file.ids).constData() + "}\n";
 
     QList<PresetParamMeta> out(3);
-    Capture capture;
+    startCapture();
     const bool isGood = collectPresetParameters(fuzzDirectory(), decl, out);
-    const Printed printed = capture.end();
+    const Printed printed = endCapture();
     QByteArray result;
     for (const PresetParamMeta &param : std::as_const(out))
         result += row(param.id, param.description, param.initialValue,

@@ -27,92 +27,79 @@ Graph soundGraph(int passCount)
     return graph;
 }
 
+void bindSlots(Graph::Pass &pass, Bytes &bytes)
+{
+    const int count = 13 + bytes.below(4);
+    pass.params.clear();
+    for (int slot = 0; slot < count; ++slot)
+        pass.params.append({idOf(bytes), static_cast<unsigned>(slot)});
+}
+
+// The two special kinds, which single changes hardly reach.
+void makeSpecial(Graph::Pass &pass, Bytes &bytes)
+{
+    pass.sampledInputs.clear();
+    pass.cacheByParameters = bytes.flag();
+    if (pass.cacheByParameters) {
+        pass.scaleSource = Graph::ScaleSource::Absolute;
+    } else {
+        pass.constantBlackWhenZero = idOf(bytes);
+        pass.params = {{pass.constantBlackWhenZero, 0}};
+        pass.shareConstantBlack = bytes.flag();
+        pass.wrapMode = 1;
+    }
+}
+
+using Pass = Graph::Pass;
+using Input = Graph::ResourceRef;
+
+constexpr void (*kChanges[])(Pass &, Bytes &) = {
+        [](Pass &pass, Bytes &bytes) { pass.isFeedbackTarget = bytes.flag(); },
+        [](Pass &pass, Bytes &bytes) { pass.isFeedbackReader = bytes.flag(); },
+        [](Pass &pass, Bytes &bytes) { pass.isFinalPass = bytes.flag(); },
+        [](Pass &pass, Bytes &bytes) {
+            pass.fragmentSpirvResource = bytes.flag() ? QStringLiteral("f") : QString();
+        },
+        [](Pass &pass, Bytes &bytes) {
+            pass.vertexSpirvResource = bytes.flag() ? QStringLiteral("v") : QString();
+        },
+        [](Pass &pass, Bytes &) { pass.sampledInputs.clear(); },
+        [](Pass &pass, Bytes &bytes) { pass.sampledInputs.append(Input{bytes.below(11) - 4}); },
+        [](Pass &pass, Bytes &bytes) {
+            pass.sampledInputs.append(Input{static_cast<int>(bytes.word())});
+        },
+        [](Pass &pass, Bytes &bytes) { pass.sampledInputs = QList<Input>(7 + bytes.below(3)); },
+        [](Pass &pass, Bytes &bytes) {
+            pass.params.append({idOf(bytes), static_cast<unsigned>(bytes.below(18))});
+        },
+        [](Pass &pass, Bytes &bytes) {
+            pass.params.append({idOf(bytes), bytes.word()});
+        },
+        bindSlots,
+        [](Pass &pass, Bytes &bytes) { pass.shareConstantBlack = bytes.flag(); },
+        [](Pass &pass, Bytes &bytes) { pass.wrapMode = bytes.below(5) - 1; },
+        [](Pass &pass, Bytes &bytes) {
+            pass.constantBlackWhenZero = bytes.flag() ? idOf(bytes) : QString();
+        },
+        [](Pass &pass, Bytes &bytes) { pass.constantBlackAlpha = bytes.number(); },
+        [](Pass &pass, Bytes &bytes) { pass.mipmap = bytes.flag(); },
+        [](Pass &pass, Bytes &bytes) { pass.cacheByParameters = bytes.flag(); },
+        [](Pass &pass, Bytes &bytes) {
+            pass.scaleSource = static_cast<Graph::ScaleSource>(bytes.below(4));
+        },
+        [](Pass &pass, Bytes &bytes) { pass.scaleInputPassIndex = bytes.below(10) - 3; },
+        makeSpecial,
+};
+
 void change(Graph &graph, Bytes &bytes)
 {
-    const int field = bytes.below(22);
+    const int field = bytes.below(1 + static_cast<int>(std::size(kChanges)));
     if (field == 0 || graph.passes.isEmpty()) {
         graph.feedbackPassIndex = bytes.below(10) - 3;
         return;
     }
-    Graph::Pass &pass = graph.passes[bytes.below(static_cast<int>(graph.passes.size()))];
-    switch (field) {
-    case 1:
-        pass.isFeedbackTarget = bytes.flag();
-        break;
-    case 2:
-        pass.isFeedbackReader = bytes.flag();
-        break;
-    case 3:
-        pass.isFinalPass = bytes.flag();
-        break;
-    case 4:
-        pass.fragmentSpirvResource = bytes.flag() ? QStringLiteral("f") : QString();
-        break;
-    case 5:
-        pass.vertexSpirvResource = bytes.flag() ? QStringLiteral("v") : QString();
-        break;
-    case 6:
-        pass.sampledInputs.clear();
-        break;
-    case 7:
-        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{bytes.below(11) - 4});
-        break;
-    case 8:
-        pass.sampledInputs.append(VulkanRenderGraph::ResourceRef{static_cast<int>(bytes.word())});
-        break;
-    case 9:
-        pass.sampledInputs = QList<Graph::ResourceRef>(7 + bytes.below(3));
-        break;
-    case 10:
-        pass.params.append({idOf(bytes), static_cast<unsigned>(bytes.below(18))});
-        break;
-    case 11:
-        pass.params.append({idOf(bytes), bytes.word()});
-        break;
-    case 12: {
-        const int count = 13 + bytes.below(4);
-        pass.params.clear();
-        for (int slot = 0; slot < count; ++slot)
-            pass.params.append({idOf(bytes), static_cast<unsigned>(slot)});
-        break;
-    }
-    case 13:
-        pass.shareConstantBlack = bytes.flag();
-        break;
-    case 14:
-        pass.wrapMode = bytes.below(5) - 1;
-        break;
-    case 15:
-        pass.constantBlackWhenZero = bytes.flag() ? idOf(bytes) : QString();
-        break;
-    case 16:
-        pass.constantBlackAlpha = bytes.number();
-        break;
-    case 17:
-        pass.mipmap = bytes.flag();
-        break;
-    case 18:
-        pass.cacheByParameters = bytes.flag();
-        break;
-    case 19:
-        pass.scaleSource = static_cast<Graph::ScaleSource>(bytes.below(4));
-        break;
-    case 20:
-        pass.scaleInputPassIndex = bytes.below(10) - 3;
-        break;
-    default: // the two special kinds, which single changes hardly reach
-        pass.sampledInputs.clear();
-        pass.cacheByParameters = bytes.flag();
-        if (pass.cacheByParameters) {
-            pass.scaleSource = Graph::ScaleSource::Absolute;
-        } else {
-            pass.constantBlackWhenZero = idOf(bytes);
-            pass.params = {{pass.constantBlackWhenZero, 0}};
-            pass.shareConstantBlack = bytes.flag();
-            pass.wrapMode = 1;
-        }
-        break;
-    }
+    Pass &pass = graph.passes[bytes.below(static_cast<int>(graph.passes.size()))];
+    kChanges[field - 1](pass, bytes);
 }
 
 } // namespace

@@ -239,9 +239,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
             + "};\n\n}  // namespace RenderGraphManifestData\n";
 
     static const QString path = fuzzDirectory() + QStringLiteral("/manifest.h");
-    Capture capture;
+    startCapture();
     const bool isWritten = writeManifest(path, presets);
-    const Printed printed = capture.end();
+    const Printed printed = endCapture();
     const QByteArray header = fileContent(path);
     expectSame("the result", header,
                QByteArray::number(isWritten ? 1 : 0) + printed.out + printed.err, "1");

@@ -335,9 +335,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     PlainCompiler rule(input);
     const QByteArray message = rule.message();
     Graph graph;
-    Capture capture;
+    startCapture();
     const bool isCompiled = compilePreset(fuzzDirectory(), input.preset, graph);
-    const Printed printed = capture.end();
+    const Printed printed = endCapture();
     const QByteArray record = graphText(rule.graph) + files;
     expectSame("the result", record,
                QByteArray::number(isCompiled ? 1 : 0) + ' ' + printed.out + printed.err,
