@@ -14,12 +14,6 @@ namespace {
 
 using Graph = VulkanRenderGraph;
 
-// What stands behind the fixed text where there are no presets.
-constexpr auto kNoPresets = "inline constexpr PresetEntry kPresets[] = {\n"
-                            "};\n"
-                            "\n"
-                            "}  // namespace RenderGraphManifestData\n";
-
 // The header for these presets, without the fixed text before the first of them.
 QByteArray written(const QList<EmittedPreset> &presets)
 {
@@ -47,12 +41,11 @@ private Q_SLOTS:
     void floatLiteral_data();
     void floatLiteral();
     void floatLiteralsReadBackBitForBit();
-    void noPresets();
+    void noPresetsReplaceAnEarlierFile();
     void presetsInFull();
     void enumerationNames_data();
     void enumerationNames();
     void textIsWrittenAsUtf8();
-    void earlierFileIsReplacedWhole();
     void outputThatCannotBeOpened_data();
     void outputThatCannotBeOpened();
 };
@@ -141,11 +134,6 @@ void TestManifestWriter::floatLiteralsReadBackBitForBit()
         const float back = std::strtof(text.constData(), nullptr);
         QVERIFY2(std::bit_cast<std::uint32_t>(back) == bits, text.constData());
     }
-}
-
-void TestManifestWriter::noPresets()
-{
-    QCOMPARE(written({}), kNoPresets);
 }
 
 // No two flags of a pass, and none of a preset, have the same values throughout.
@@ -327,10 +315,14 @@ void TestManifestWriter::textIsWrittenAsUtf8()
     QVERIFY(!readFile(u"m.h"_s).contains('\r'));
 }
 
-void TestManifestWriter::earlierFileIsReplacedWhole()
+void TestManifestWriter::noPresetsReplaceAnEarlierFile()
 {
     writeFile(u"m.h"_s, QByteArray(1 << 20, 'x'));
-    QCOMPARE(written({}), kNoPresets);
+    QCOMPARE(written({}), R"(inline constexpr PresetEntry kPresets[] = {
+};
+
+}  // namespace RenderGraphManifestData
+)");
 }
 
 void TestManifestWriter::outputThatCannotBeOpened_data()
