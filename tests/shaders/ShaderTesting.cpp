@@ -8,6 +8,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <numbers>
 
 using namespace Qt::StringLiterals;
 using namespace RenderGraphManifestData;
@@ -219,6 +220,48 @@ double mean(const FloatImage &picture, std::size_t channel)
     return sum / double(picture.pixels.size());
 }
 
+Spot spotOf(const FloatImage &picture, std::size_t channel)
+{
+    const QSize size = picture.size;
+    double sum = 0.0;
+    double x = 0.0;
+    double y = 0.0;
+    double xx = 0.0;
+    double yy = 0.0;
+    for (int row = 0; row < size.height(); ++row) {
+        for (int column = 0; column < size.width(); ++column) {
+            const auto light = double(picture.at(column, row)[channel]);
+            const double atX = (column + 0.5) / size.width();
+            const double atY = (row + 0.5) / size.height();
+            sum += light;
+            x += light * atX;
+            y += light * atY;
+            xx += light * atX * atX;
+            yy += light * atY * atY;
+        }
+    }
+    x /= sum;
+    y /= sum;
+    return {sum / double(picture.pixels.size()), x, y, std::sqrt(xx / sum - x * x),
+            std::sqrt(yy / sum - y * y)};
+}
+
+Wave waveIn(const QList<double> &row, double cycles)
+{
+    constexpr double kTwoPi = 2.0 * std::numbers::pi;
+    const double wavelength = double(row.size()) / cycles;
+    const auto first = int(row.size() / 8);
+    const int count = int(std::floor(0.75 * cycles) * wavelength);
+    double cosine = 0.0;
+    double sine = 0.0;
+    for (int x = first; x < first + count; ++x) {
+        const double at = kTwoPi * (x + 0.5) / wavelength;
+        cosine += 2.0 * row.at(x) * std::cos(at) / count;
+        sine += 2.0 * row.at(x) * std::sin(at) / count;
+    }
+    return {std::hypot(cosine, sine), std::atan2(sine, cosine) / kTwoPi};
+}
+
 double encoded(double light)
 {
     return std::pow(light, 1.0 / 2.2);
@@ -229,11 +272,28 @@ double decoded(double signal)
     return std::pow(signal, 2.2);
 }
 
+FloatImage decoded(FloatImage picture)
+{
+    for (Pixel &pixel : picture.pixels) {
+        for (std::size_t c = 0; c < 3; ++c)
+            pixel[c] = float(decoded(double(pixel[c])));
+    }
+    return picture;
+}
+
 bool isNear(double value, double expected, double within)
 {
     if (std::fabs(value - expected) < within)
         return true;
     qWarning("%.8g is not within %g of %.8g", value, within, expected);
+    return false;
+}
+
+bool isBetween(double value, double least, double most)
+{
+    if (value >= least && value <= most)
+        return true;
+    qWarning("%.8g is not between %g and %g", value, least, most);
     return false;
 }
 
@@ -259,4 +319,9 @@ float difference(const FloatImage &a, const FloatImage &b)
         }
     }
     return largest;
+}
+
+bool areAlike(const FloatImage &a, const FloatImage &b, float within)
+{
+    return isBetween(double(difference(a, b)), 0.0, double(within));
 }

@@ -5,6 +5,7 @@
 #include <RenderGraphManifest.h>
 
 #include <functional>
+#include <type_traits>
 
 // Draws components and presets for the tests of the example shaders, on a software device: it gives
 // the same numbers on every machine. An error ends the program.
@@ -70,14 +71,53 @@ FloatImage grey(QSize size, float value);
 // The same pixels on every run and machine.
 FloatImage noise(QSize size, float most = 1.0F);
 
+// Each pixel as a function of its column and row, which gives a grey level or a Pixel.
+template<typename Colour>
+FloatImage painted(QSize size, Colour colour)
+{
+    FloatImage picture(size);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            if constexpr (std::is_same_v<decltype(colour(x, y)), Pixel>) {
+                picture.at(x, y) = colour(x, y);
+            } else {
+                const auto level = float(colour(x, y));
+                picture.at(x, y) = {level, level, level, 1.0F};
+            }
+        }
+    }
+    return picture;
+}
+
 double mean(const FloatImage &picture, std::size_t channel);
+
+// Where a channel's light is, and how far it spreads: its centre and standard deviation, across in
+// parts of the picture's width and down in parts of its height.
+struct Spot
+{
+    double light = 0.0; // the mean over the picture
+    double x = 0.0, y = 0.0;
+    double sigmaX = 0.0, sigmaY = 0.0;
+};
+Spot spotOf(const FloatImage &picture, std::size_t channel = 1);
+
+// The wave that goes through a row so many times: its amplitude, and its phase in cycles. It is
+// measured over whole waves in the middle of the row.
+struct Wave
+{
+    double amplitude = 0.0;
+    double phase = 0.0;
+};
+Wave waveIn(const QList<double> &row, double cycles);
 
 // Between light and the presets' signal.
 double encoded(double light);
 double decoded(double signal);
+FloatImage decoded(FloatImage picture);
 
-// Whether a measured value is as expected; tells it if not.
+// Whether a measured value is as expected; these print it if not.
 bool isNear(double value, double expected, double within);
+bool isBetween(double value, double least, double most);
 
 // Draws a whole preset as the golden manifest has it, with the modules that the build compiled.
 // Only one at a time draws a preset: a new one resets the histories.
@@ -95,3 +135,6 @@ private:
 
 // The largest difference in red, green and blue; infinite if the sizes differ, NaN if one occurs.
 float difference(const FloatImage &a, const FloatImage &b);
+
+// Whether that is at most `within`; prints it if not.
+bool areAlike(const FloatImage &a, const FloatImage &b, float within);

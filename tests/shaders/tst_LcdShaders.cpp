@@ -35,14 +35,6 @@ double lightAt(const FloatImage &picture, int x, int y, std::size_t channel = 0)
     return decoded(double(picture.at(x, y)[channel]));
 }
 
-double meanLight(const FloatImage &picture, std::size_t channel = 0)
-{
-    double sum = 0.0;
-    for (const Pixel &pixel : picture.pixels)
-        sum += decoded(double(pixel[channel]));
-    return sum / double(picture.pixels.size());
-}
-
 FloatImage grid(const FloatImage &cells, const FloatImage &shadow, QSize size,
                 const Params &changes)
 {
@@ -54,14 +46,10 @@ FloatImage grid(const FloatImage &cells, const FloatImage &shadow, QSize size,
 // Where x > y the picture is bright, columns by turns so and so.
 FloatImage staircase(float even, float odd)
 {
-    FloatImage picture({15, 15});
-    for (int y = 0; y < 15; ++y) {
-        for (int x = y + 1; x < 15; ++x) {
-            const float level = x % 2 == 0 ? even : odd;
-            picture.at(x, y) = {level, level, level, 1.0F};
-        }
-    }
-    return picture;
+    return painted({15, 15}, [=](int x, int y) {
+        const float level = x % 2 == 0 ? even : odd;
+        return x > y ? level : 0.0F;
+    });
 }
 
 // Three times as large, by the preset's scaler at these values.
@@ -159,7 +147,7 @@ void TestLcdShaders::ghosting()
                 state.frameSeconds = seconds;
                 state.hdrOutputActive = isHdr;
             });
-    QVERIFY(difference(cells, grey({2, 2}, expected)) < kRounding);
+    QVERIFY(areAlike(cells, grey({2, 2}, expected), kRounding));
 }
 
 // The part of the way that is left after a time, from the drive's one end to its other.
@@ -258,9 +246,8 @@ void TestLcdShaders::gamutExpansion()
                                        {u"GBC_EXPAND"_s, expand},
                                        {u"GBC_GAMUT"_s, gamut},
                                        {u"LCD_COLOR_PROFILE"_s, 1.0F}});
-    for (std::size_t c = 0; c < 3; ++c) {
+    for (std::size_t c = 0; c < 3; ++c)
         QVERIFY(isNear(lightAt(panel, 0, 0, c), expected[c], 1e-4));
-    }
 }
 
 // The mean light of a white field: 1 - contrast * (1 - aperture / 3), whatever the scale.
@@ -290,13 +277,8 @@ void TestLcdShaders::panelMeanBrightness()
     const FloatImage white = grey({24, 16}, 1.0F);
     const FloatImage shown =
             evaluate(u"gba-subpixel"_s, {{.picture = &white}}, viewport, with(kSubpixel, changes));
-    for (std::size_t c = 0; c < 3; ++c) {
-        double light = 0.0;
-        for (const Pixel &pixel : shown.pixels)
-            light += decoded(double(pixel[c]));
-        light /= double(shown.pixels.size());
-        QVERIFY(isNear(light, expected, 2e-3));
-    }
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY(isNear(mean(decoded(shown), c), expected, 2e-3));
 }
 
 // Green's aperture of a pixel that is 120 wide: a fifth of it, its edges ramps of up to a sixth.
@@ -323,7 +305,7 @@ void TestLcdShaders::spillBlursApertures()
         partly += light > 0.001 && light < 0.999 ? 1 : 0;
         wide += light;
     }
-    QVERIFY2(std::abs(partly - 2 * ramp) <= 1, QByteArray::number(partly).constData());
+    QVERIFY(isNear(partly, 2 * ramp, 1.5));
     QVERIFY(isNear(wide, 24.0, 0.01));
 }
 
@@ -407,15 +389,13 @@ void TestLcdShaders::subpixelsShowAtTheirOwnValues()
             least = std::min(least, lightAt(shown, x, 27, c));
             most = std::max(most, lightAt(shown, x, 27, c));
         }
-        const double contrast = (most - least) / (most + least);
-        QVERIFY2(contrast > 0.085, QByteArray::number(contrast).constData());
+        QVERIFY(isBetween((most - least) / (most + least), 0.085, 1.0));
     }
 }
 
 void TestLcdShaders::crosstalkMovesLightAlongItsColumnOnly()
 {
-    FloatImage cells({5, 81}, {0.0F, 0.0F, 0.0F, 1.0F});
-    cells.at(2, 40) = {1.0F, 1.0F, 1.0F, 1.0F};
+    const FloatImage cells = painted({5, 81}, [](int x, int y) { return x == 2 && y == 40; });
     const FloatImage result =
             evaluate(u"dmg-crosstalk"_s, {{.picture = &cells}}, cells.size,
                      {{u"dmg_crosstalk"_s, 1.0F}, {u"dmg_crosstalk_reach"_s, 1.5F}});
@@ -432,25 +412,16 @@ void TestLcdShaders::crosstalkMovesLightAlongItsColumnOnly()
 
 void TestLcdShaders::shadowMovesByTheGap()
 {
-    // A dark cell on clear glass (grey, so a tint of 0 in alpha).
-    FloatImage cells({21, 21}, {0.665F, 0.665F, 0.665F, 0.0F});
-    cells.at(10, 10) = {0.184F, 0.184F, 0.184F, 0.0F};
+    FloatImage cells({21, 21}, kGlass);
+    cells.at(10, 10) = kInk;
     const FloatImage shadow = evaluate(u"dmg-occlusion"_s, {{.picture = &cells}}, cells.size,
                                        {{u"dmg_shadow_offset"_s, 2.5F}});
-    double sum = 0.0;
-    double momentX = 0.0;
-    double momentY = 0.0;
-    for (int y = 0; y < 21; ++y) {
-        for (int x = 0; x < 21; ++x) {
-            const double missing = decoded(0.665) - decoded(double(shadow.at(x, y)[0]));
-            sum += missing;
-            momentX += missing * (x - 10);
-            momentY += missing * (y - 10);
-        }
-    }
-    QVERIFY(isNear(sum, (decoded(0.665) - decoded(0.184)), 1e-4));
-    QVERIFY(isNear(momentX / sum, 2.5, 1e-2));
-    QVERIFY(isNear(momentY / sum, 2.5, 1e-2));
+    const Spot missing = spotOf(painted(cells.size, [&shadow](int x, int y) {
+        return decoded(0.665) - lightAt(shadow, x, y);
+    }));
+    QVERIFY(isNear(missing.light * 21.0 * 21.0, decoded(0.665) - decoded(0.184), 1e-4));
+    QVERIFY(isNear(21.0 * missing.x, 10.5 + 2.5, 1e-2));
+    QVERIFY(isNear(21.0 * missing.y, 10.5 + 2.5, 1e-2));
 }
 
 // The mean light of dark cells, and that in the middle of a cell and of a gap.
@@ -475,7 +446,7 @@ void TestLcdShaders::gapsBetweenGreyCells()
     const double dark = (1.0 - double(gap)) * (1.0 - double(gap));
     const double expected = dark * ink + (1.0 - dark) * glass;
     // Where a footprint is narrowed to 4 cells it counts some less than others.
-    QVERIFY(isNear(meanLight(shown), expected, 1e-4));
+    QVERIFY(isNear(mean(decoded(shown), 0), expected, 1e-4));
     if (viewport == QSize(80, 60)) {
         QVERIFY(isNear(lightAt(shown, 45, 25), ink, 1e-4));
         const double corner = gap > 0.0F ? glass : ink;
@@ -506,24 +477,16 @@ void TestLcdShaders::greyCellsStandInTheirPlaces()
     FloatImage cells = clear;
     cells.at(3, 1) = kInk;
     const FloatImage shown = grid(cells, clear, viewport, {{u"dmg_panel_margin"_s, margin}});
-    const QSizeF pixel((6.0 + 2.0 * double(margin)) / viewport.width(),
-                       (5.0 + 2.0 * double(margin)) / viewport.height());
-    double sum = 0.0;
-    double momentX = 0.0;
-    double momentY = 0.0;
-    for (int row = 0; row < viewport.height(); ++row) {
-        for (int column = 0; column < viewport.width(); ++column) {
-            const double missing = 0.407575 - lightAt(shown, column, row);
-            sum += missing;
-            momentX += missing * (column + 0.5) * pixel.width();
-            momentY += missing * (row + 0.5) * pixel.height();
-        }
-    }
-    const double shade = sum * pixel.width() * pixel.height();
-    QVERIFY(isNear(shade, 0.383443, 1e-3));
-    const double within = 0.3 * std::max(pixel.width(), 0.02); // of where the pixels happen to lie
-    QVERIFY(isNear(momentX / sum, x, within));
-    QVERIFY(isNear(momentY / sum, y, within));
+    const double wide = 6.0 + 2.0 * double(margin);
+    const double high = 5.0 + 2.0 * double(margin);
+    const Spot missing = spotOf(painted(viewport, [&shown](int column, int row) {
+        return 0.407575 - lightAt(shown, column, row);
+    }));
+    QVERIFY(isNear(missing.light * wide * high, 0.383443, 1e-3));
+    const double within =
+            0.3 * std::max(wide / viewport.width(), 0.02); // of where the pixels happen to lie
+    QVERIFY(isNear(missing.x * wide, x, within));
+    QVERIFY(isNear(missing.y * high, y, within));
 }
 
 // Light of clear cells before a shadow that is dark everywhere: 0.407575 without any.
@@ -593,7 +556,7 @@ void TestLcdShaders::grain()
     QFETCH(QSize, viewport);
     const FloatImage clear({32, 24}, kGlass);
     const FloatImage shown = grid(clear, clear, viewport, {{u"dmg_grain"_s, strength}});
-    const double average = meanLight(shown);
+    const double average = mean(decoded(shown), 0);
     double square = 0.0;
     for (const Pixel &pixel : shown.pixels)
         square += std::pow(decoded(double(pixel[0])) - average, 2.0);
@@ -625,13 +588,7 @@ void TestLcdShaders::scalerKeepsStraightEdges()
 {
     QFETCH(std::function<bool(int, int)>, isWhite);
     QFETCH(Params, changes);
-    FloatImage picture({14, 12});
-    for (int y = 0; y < 12; ++y) {
-        for (int x = 0; x < 14; ++x) {
-            if (isWhite(x, y))
-                picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
-        }
-    }
+    const FloatImage picture = painted({14, 12}, isWhite);
     const FloatImage larger = tripled(picture, changes);
     QCOMPARE(larger.size, QSize(42, 36));
     for (int y = 0; y < 36; ++y) {
@@ -643,11 +600,7 @@ void TestLcdShaders::scalerKeepsStraightEdges()
 // Both sides of it, and so it keeps its width.
 void TestLcdShaders::scalerRoundsABend()
 {
-    FloatImage picture({14, 14});
-    for (int i = 5; i < 14; ++i) {
-        picture.at(5, i) = {1.0F, 1.0F, 1.0F, 1.0F};
-        picture.at(i, 5) = {1.0F, 1.0F, 1.0F, 1.0F};
-    }
+    const FloatImage picture = painted({14, 14}, [](int x, int y) { return std::min(x, y) == 5; });
     const FloatImage bend = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
     QCOMPARE(bend.at(15, 15)[0], 0.0F);
     QCOMPARE(bend.at(16, 16)[0], 1.0F);
@@ -713,14 +666,10 @@ void TestLcdShaders::resamplerAveragesWhenShrinking()
         }
     }
     // Nothing rings: enlarging a step stays within its levels.
-    FloatImage step({8, 4}, {0.2F, 0.2F, 0.2F, 1.0F});
-    for (int y = 0; y < 4; ++y) {
-        for (int x = 4; x < 8; ++x)
-            step.at(x, y) = {0.8F, 0.8F, 0.8F, 1.0F};
-    }
+    const FloatImage step = painted({8, 4}, [](int x, int) { return x < 4 ? 0.2F : 0.8F; });
     const FloatImage large = evaluate(u"smooth-resample"_s, {{.picture = &step}}, {61, 17});
     for (const Pixel &pixel : large.pixels)
-        QVERIFY(decoded(double(pixel[0])) > 0.2 - 1e-4 && decoded(double(pixel[0])) < 0.8 + 1e-4);
+        QVERIFY(isBetween(decoded(double(pixel[0])), 0.2 - 1e-4, 0.8 + 1e-4));
 }
 
 QTEST_GUILESS_MAIN(TestLcdShaders)

@@ -61,44 +61,20 @@ FrameState stateOf(const PresetEntry &preset, bool isHdr)
             .hdrHeadroom = isHdr ? kHeadroom : 1.0F};
 }
 
-// The mean linear light of the middle of the shown picture; `reach` is half its size, relative to
-// the picture's.
-Pixel lightOf(const FloatImage &shown, bool isHdr, double reach = 0.25)
+// The mean linear light of the middle of the shown picture.
+Pixel lightOf(const FloatImage &shown, bool isHdr)
 {
-    std::array<double, 3> sum = {};
-    int count = 0;
-    for (int y = 0; y < shown.size.height(); ++y) {
-        for (int x = 0; x < shown.size.width(); ++x) {
-            if (std::fabs((x + 0.5) / shown.size.width() - 0.5) > reach
-                || std::fabs((y + 0.5) / shown.size.height() - 0.5) > reach)
-                continue;
-            ++count;
-            for (std::size_t c = 0; c < 3; ++c) {
-                const auto value = double(shown.at(x, y)[c]);
-                sum[c] += isHdr ? value : decoded(value);
-            }
-        }
-    }
-    return {float(sum[0] / count), float(sum[1] / count), float(sum[2] / count), 1.0F};
+    const QSize half = shown.size / 2;
+    const FloatImage middle = painted(half, [&](int x, int y) {
+        return shown.at(x + half.width() / 2, y + half.height() / 2);
+    });
+    const FloatImage light = isHdr ? middle : decoded(middle);
+    return {float(mean(light, 0)), float(mean(light, 1)), float(mean(light, 2)), 1.0F};
 }
 
 double luminance(const Pixel &light)
 {
     return 0.2126 * double(light[0]) + 0.7152 * double(light[1]) + 0.0722 * double(light[2]);
-}
-
-// White where it is closer to the middle than this part of the picture's size.
-FloatImage whitePatch(double reach)
-{
-    FloatImage picture(kSource, {0.0F, 0.0F, 0.0F, 1.0F});
-    for (int y = 0; y < kSource.height(); ++y) {
-        for (int x = 0; x < kSource.width(); ++x) {
-            if (std::fabs((x + 0.5) / kSource.width() - 0.5) < reach
-                && std::fabs((y + 0.5) / kSource.height() - 0.5) < reach)
-                picture.at(x, y) = {1.0F, 1.0F, 1.0F, 1.0F};
-        }
-    }
-    return picture;
 }
 
 } // namespace
@@ -112,10 +88,6 @@ private Q_SLOTS:
     void lightIsKept();
     void whiteIsOfItsColour_data();
     void whiteIsOfItsColour();
-    void fullWhiteIsLimited_data();
-    void fullWhiteIsLimited();
-    void limiterTakesItsTime_data();
-    void limiterTakesItsTime();
 };
 
 // Over the middle of the screen, within 3 %.
@@ -183,68 +155,6 @@ void TestPresetLight::whiteIsOfItsColour()
     const double sum = bigX + bigY + bigZ;
     QVERIFY(isNear(bigX / sum, x, 0.003));
     QVERIFY(isNear(bigY / sum, y, 0.003));
-}
-
-// At the presets' own values full white has .79 of the light of a small patch, as long as the
-// display can show either. Halation is off: a patch loses some of its light to what surrounds it.
-void TestPresetLight::fullWhiteIsLimited_data()
-{
-    QTest::addColumn<QString>("preset");
-    for (const char *name :
-         {"crt-pvm", "crt-bvm", "crt-arcade", "crt-pc", "crt-bw", "crt-consumer"})
-        QTest::newRow(name) << QString::fromLatin1(name);
-}
-
-void TestPresetLight::fullWhiteIsLimited()
-{
-    QFETCH(QString, preset);
-    const PresetEntry &entry = presetEntry(preset);
-    PresetDrawing drawing(entry);
-    FrameState state = stateOf(entry, true);
-    state.hdrHeadroom = 40.0F;
-    state.params.insert(u"halation_strength"_s, 0.0F);
-    const auto centre = [&](double reach) {
-        PresetDrawing settled(entry);
-        return luminance(lightOf(settled.draw(whitePatch(reach), state), true, 0.05));
-    };
-    const double share = centre(0.5) / centre(0.15);
-    QVERIFY(isNear(share, 0.794, 0.012));
-}
-
-// White comes up at full screen: after the time t its gain is 0.794 + 0.206 exp(-t / 0.25 s),
-// as nearly as half floats can follow it.
-void TestPresetLight::limiterTakesItsTime_data()
-{
-    QTest::addColumn<int>("rate");
-    for (const int rate : {50, 60, 120})
-        QTest::addRow("%d Hz", rate) << rate;
-}
-
-void TestPresetLight::limiterTakesItsTime()
-{
-    QFETCH(int, rate);
-    const PresetEntry &entry = presetEntry(u"crt-pvm"_s);
-    PresetDrawing drawing(entry);
-    FrameState state = stateOf(entry, true);
-    state.viewport = {32, 24};
-    state.params.insert(u"halation_strength"_s, 0.0F);
-    state.hdrHeadroom = 40.0F;
-    state.frameSeconds = 1.0F / float(rate);
-    const auto next = [&](const FloatImage &picture) {
-        ++state.frameCount;
-        return luminance(lightOf(drawing.draw(picture, state), true));
-    };
-    const FloatImage white = grey({8, 2}, 1.0F);
-    const double settled = next(white);
-    PresetDrawing restarted(entry);
-    next(grey({8, 2}, 0.0F));
-    QList<double> shares;
-    for (int frame = 0; frame < rate; ++frame)
-        shares.append(next(white) / settled * 0.793701);
-    const auto after = [&](double seconds) { return shares.at(qRound(seconds * rate) - 1); };
-    QVERIFY(isNear(after(0.1), 0.932, 0.008));
-    QVERIFY(isNear(after(0.5), 0.8216, 0.008));
-    QVERIFY(isNear(after(1.0), 0.7975, 0.008));
 }
 
 QTEST_GUILESS_MAIN(TestPresetLight)
