@@ -78,28 +78,7 @@ FloatImage stacked(const QList<SampledPicture> &inputs)
     return stack;
 }
 
-} // namespace
-
-Params initialParams(const PresetEntry &preset)
-{
-    Params params;
-    for (int i = 0; i < preset.presetParamCount; ++i) {
-        const PresetParamEntry &param = preset.presetParams[i];
-        params.insert(QString::fromUtf8(param.id), param.initialValue);
-    }
-    return params;
-}
-
-const PresetEntry &presetEntry(QStringView name)
-{
-    const QString stem = QStringLiteral(":/shaders/%1.").arg(name);
-    for (const PresetEntry &preset : kPresets) {
-        if (QString::fromUtf8(preset.presetQrcPath).startsWith(stem))
-            return preset;
-    }
-    qFatal("no preset %s", qUtf8Printable(name.toString()));
-}
-
+// The first pass of any preset that is drawn with this component.
 const PassEntry &passEntry(QStringView component)
 {
     for (const PresetEntry &preset : kPresets) {
@@ -111,7 +90,8 @@ const PassEntry &passEntry(QStringView component)
     qFatal("no pass %s", qUtf8Printable(component.toString()));
 }
 
-// Its inputs are passes of their own, each of which cuts one picture out of the source.
+// Draws the component at the state's viewport. Its inputs are passes of their own, each of which
+// cuts one picture out of the source.
 FloatImage drawComponent(const QString &component, const QList<SampledPicture> &inputs,
                          const FrameState &state)
 {
@@ -164,12 +144,38 @@ FloatImage drawComponent(const QString &component, const QList<SampledPicture> &
     return drawFrame(*kRenderer, stacked(inputs), withCrops, -1);
 }
 
+} // namespace
+
+Params initialParams(const PresetEntry &preset)
+{
+    Params params;
+    for (int i = 0; i < preset.presetParamCount; ++i) {
+        const PresetParamEntry &param = preset.presetParams[i];
+        params.insert(QString::fromUtf8(param.id), param.initialValue);
+    }
+    return params;
+}
+
+const PresetEntry &presetEntry(QStringView name)
+{
+    const QString stem = QStringLiteral(":/shaders/%1.").arg(name);
+    for (const PresetEntry &preset : kPresets) {
+        if (QString::fromUtf8(preset.presetQrcPath).startsWith(stem))
+            return preset;
+    }
+    qFatal("no preset %s", qUtf8Printable(name.toString()));
+}
+
 FloatImage evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
                     const Params &params, const Tweak &tweak)
 {
-    if (passEntry(component).paramCount != params.size())
-        qFatal("%s has %d parameters", qPrintable(component), passEntry(component).paramCount);
-    FrameState state = {.params = params, .viewport = size};
+    FrameState state = {.params = {}, .viewport = size};
+    const PassEntry &entry = passEntry(component);
+    for (int i = 0; i < entry.paramCount; ++i)
+        state.params.insert(QString::fromUtf8(entry.params[i].id), 0.0F);
+    state.params.insert(params);
+    if (state.params.size() != entry.paramCount)
+        qFatal("%s has other parameters", qPrintable(component));
     if (tweak)
         tweak(state);
     return drawComponent(component, inputs, state);

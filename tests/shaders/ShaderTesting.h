@@ -22,25 +22,16 @@ struct SampledPicture
 using Params = QHash<QString, float>;
 using Tweak = std::function<void(FrameState &)>;
 
-// Neutral values of components that several tests draw.
+// Neutral values of components that several tests draw, as far as they are not 0.
 inline const Params kComposite = {{QStringLiteral("composite_strength"), 1.0F},
                                   {QStringLiteral("composite_sharp"), 0.6F},
                                   {QStringLiteral("composite_chroma"), 1.1F},
-                                  {QStringLiteral("composite_chroma_delay"), 0.0F},
-                                  {QStringLiteral("composite_chroma_gain"), 1.0F},
-                                  {QStringLiteral("composite_chroma_vertical"), 0.0F}};
+                                  {QStringLiteral("composite_chroma_gain"), 1.0F}};
 inline const Params kLinearize = {{QStringLiteral("crt_gamma_out"), 2.4F},
-                                  {QStringLiteral("gun_cutoff"), 0.0F},
-                                  {QStringLiteral("color_saturation"), 1.0F},
-                                  {QStringLiteral("desaturate"), 0.0F}};
-inline const Params kScanline = {
-        {QStringLiteral("beam_min"), 0.1F},          {QStringLiteral("beam_max"), 0.1F},
-        {QStringLiteral("rgb_beam"), 1.0F},          {QStringLiteral("raster_lines"), 0.0F},
-        {QStringLiteral("raster_offset"), 0.0F},     {QStringLiteral("raster_interlace"), 0.0F},
-        {QStringLiteral("conv_rx"), 0.0F},           {QStringLiteral("conv_ry"), 0.0F},
-        {QStringLiteral("conv_bx"), 0.0F},           {QStringLiteral("conv_by"), 0.0F},
-        {QStringLiteral("barrel_distortion"), 0.0F}, {QStringLiteral("corner_radius"), 0.0F},
-        {QStringLiteral("overscan"), 0.0F}};
+                                  {QStringLiteral("color_saturation"), 1.0F}};
+inline const Params kScanline = {{QStringLiteral("beam_min"), 0.1F},
+                                 {QStringLiteral("beam_max"), 0.1F},
+                                 {QStringLiteral("rgb_beam"), 1.0F}};
 
 constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
 
@@ -50,14 +41,8 @@ Params initialParams(const RenderGraphManifestData::PresetEntry &preset);
 // The preset of that name.
 const RenderGraphManifestData::PresetEntry &presetEntry(QStringView name);
 
-// The first pass of any preset that is drawn with this component.
-const RenderGraphManifestData::PassEntry &passEntry(QStringView component);
-
-// The component alone, drawn into 32-bit floats at the state's viewport from pictures of such.
-FloatImage drawComponent(const QString &component, const QList<SampledPicture> &inputs,
-                         const FrameState &state);
-
-// The same with just the component's parameters in `params`, the rest of the state by `tweak`.
+// The component alone, drawn into 32-bit floats of this size from pictures of such. Its parameters
+// are 0 if `params` does not name them; `tweak` changes the rest of the state.
 FloatImage evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
                     const Params &params = {}, const Tweak &tweak = {});
 

@@ -110,7 +110,6 @@ private Q_SLOTS:
     void blackLineOnWhite();
     void rowsLieOnLines_data();
     void rowsLieOnLines();
-    void linesWithoutPictureAreDark();
     void fieldsAlternate_data();
     void fieldsAlternate();
     void beamKeepsItsEnergy_data();
@@ -353,20 +352,6 @@ void TestCrtRaster::rowsLieOnLines()
     QVERIFY(isNear(spot.y, middle, 1e-4));
     // A little is lost beyond the picture's sides.
     QVERIFY(isNear(spot.light / light, 1.0, 2e-3));
-}
-
-void TestCrtRaster::linesWithoutPictureAreDark()
-{
-    const Params params =
-            with(kScanline, {{u"raster_lines"_s, 240.0F}, {u"raster_offset"_s, 8.0F}});
-    const FloatImage drawn = beam(grey({32, 224}, 1.0F), {160, 720}, params);
-    // Lines 8 to 231 are lit, three pixels each.
-    for (int y = 0; y < 720; ++y) {
-        const bool isLit = y >= 3 * 8 && y < 3 * 232;
-        const float light = drawn.at(80, y)[1];
-        QCOMPARE(light > 1e-3F, isLit);
-    }
-    QVERIFY(isNear(mean(drawn, 1) / (224.0 / 240.0), 1.0, 2e-3));
 }
 
 void TestCrtRaster::fieldsAlternate_data()

@@ -18,17 +18,15 @@ const Params kSubpixel = {{u"lcd_aperture_x"_s, 0.91F},   {u"lcd_aperture_y"_s, 
                           {u"lcd_diffuse"_s, 0.6F},       {u"LCD_COLOR_PROFILE"_s, 1.0F},
                           {u"lcd_grid_contrast"_s, 0.4F}, {u"lcd_spill"_s, 1.0F}};
 // Neither blurred nor mixed, so that apertures are seen as they are.
-const Params kBareSubpixel = {{u"lcd_aperture_x"_s, 0.6F},    {u"lcd_aperture_y"_s, 1.0F},
-                              {u"lcd_diffuse"_s, 0.0F},       {u"LCD_COLOR_PROFILE"_s, 0.0F},
-                              {u"lcd_grid_contrast"_s, 1.0F}, {u"lcd_spill"_s, 0.0F}};
-const Params kGrid = {{u"dmg_border_fade"_s, 8.0F},    {u"dmg_grain"_s, 0.0F},
-                      {u"dmg_grid_gap"_s, 0.0F},       {u"dmg_margin_gain"_s, 1.0F},
-                      {u"dmg_panel_margin"_s, 0.0F},   {u"dmg_shadow_offset"_s, 0.0F},
-                      {u"dmg_shadow_strength"_s, 0.0F}};
+const Params kBareSubpixel = {
+        {u"lcd_aperture_x"_s, 0.6F}, {u"lcd_aperture_y"_s, 1.0F}, {u"lcd_grid_contrast"_s, 1.0F}};
+const Params kGrid = {{u"dmg_border_fade"_s, 8.0F}, {u"dmg_margin_gain"_s, 1.0F}};
 
 // The grey panel's clear and dark cells: a tint of 0 in alpha.
 constexpr Pixel kGlass = {0.665F, 0.665F, 0.665F, 0.0F};
 constexpr Pixel kInk = {0.184F, 0.184F, 0.184F, 0.0F};
+constexpr double kGlassLight = 0.407575; // 0.665^2.2
+constexpr double kInkLight = 0.024132; // 0.184^2.2
 
 double lightAt(const FloatImage &picture, int x, int y, std::size_t channel = 0)
 {
@@ -83,18 +81,14 @@ private Q_SLOTS:
     void diffusionFillsTheGaps();
     void diffusionReachesTheNeighbours_data();
     void diffusionReachesTheNeighbours();
-    void subpixelsShowAtTheirOwnValues_data();
-    void subpixelsShowAtTheirOwnValues();
     void crosstalkMovesLightAlongItsColumnOnly();
     void shadowMovesByTheGap();
     void gapsBetweenGreyCells_data();
     void gapsBetweenGreyCells();
     void greyCellsStandInTheirPlaces_data();
     void greyCellsStandInTheirPlaces();
-    void shadowHasItsOpacity_data();
-    void shadowHasItsOpacity();
-    void marginFades_data();
-    void marginFades();
+    void lightOfTheGreyPanel_data();
+    void lightOfTheGreyPanel();
     void grain_data();
     void grain();
     void scalerKeepsStraightEdges_data();
@@ -363,36 +357,6 @@ void TestLcdShaders::diffusionReachesTheNeighbours()
     QVERIFY(isNear(all - own, outside, 1e-3));
 }
 
-// How far each colour's light swings between its stripe and the others, on grey and on white.
-void TestLcdShaders::subpixelsShowAtTheirOwnValues_data()
-{
-    QTest::addColumn<QString>("presetName");
-    QTest::addColumn<float>("level");
-    for (const char *preset : {"gba-lcd", "gameboy-lcd"}) {
-        for (const float level : {0.5F, 1.0F})
-            QTest::addRow("%s %g", preset, double(level)) << QString::fromLatin1(preset) << level;
-    }
-}
-
-void TestLcdShaders::subpixelsShowAtTheirOwnValues()
-{
-    QFETCH(QString, presetName);
-    QFETCH(float, level);
-    const PresetEntry &preset = presetEntry(presetName);
-    PresetDrawing drawing(preset);
-    const FloatImage shown = drawing.draw(grey({16, 8}, level),
-                                          {.params = initialParams(preset), .viewport = {96, 48}});
-    for (std::size_t c = 0; c < 3; ++c) {
-        double least = 1.0;
-        double most = 0.0;
-        for (int x = 24; x < 72; ++x) {
-            least = std::min(least, lightAt(shown, x, 27, c));
-            most = std::max(most, lightAt(shown, x, 27, c));
-        }
-        QVERIFY(isBetween((most - least) / (most + least), 0.085, 1.0));
-    }
-}
-
 void TestLcdShaders::crosstalkMovesLightAlongItsColumnOnly()
 {
     const FloatImage cells = painted({5, 81}, [](int x, int y) { return x == 2 && y == 40; });
@@ -416,15 +380,14 @@ void TestLcdShaders::shadowMovesByTheGap()
     cells.at(10, 10) = kInk;
     const FloatImage shadow = evaluate(u"dmg-occlusion"_s, {{.picture = &cells}}, cells.size,
                                        {{u"dmg_shadow_offset"_s, 2.5F}});
-    const Spot missing = spotOf(painted(cells.size, [&shadow](int x, int y) {
-        return decoded(0.665) - lightAt(shadow, x, y);
-    }));
-    QVERIFY(isNear(missing.light * 21.0 * 21.0, decoded(0.665) - decoded(0.184), 1e-4));
+    const Spot missing = spotOf(painted(
+            cells.size, [&shadow](int x, int y) { return kGlassLight - lightAt(shadow, x, y); }));
+    QVERIFY(isNear(missing.light * 21.0 * 21.0, kGlassLight - kInkLight, 1e-4));
     QVERIFY(isNear(21.0 * missing.x, 10.5 + 2.5, 1e-2));
     QVERIFY(isNear(21.0 * missing.y, 10.5 + 2.5, 1e-2));
 }
 
-// The mean light of dark cells, and that in the middle of a cell and of a gap.
+// The mean light of dark cells.
 void TestLcdShaders::gapsBetweenGreyCells_data()
 {
     QTest::addColumn<float>("gap");
@@ -441,17 +404,63 @@ void TestLcdShaders::gapsBetweenGreyCells()
     QFETCH(QSize, viewport);
     const FloatImage cells({8, 6}, kInk);
     const FloatImage shown = grid(cells, cells, viewport, {{u"dmg_grid_gap"_s, gap}});
-    const double glass = 0.407575; // 0.665^2.2
-    const double ink = 0.024132; // 0.184^2.2
     const double dark = (1.0 - double(gap)) * (1.0 - double(gap));
-    const double expected = dark * ink + (1.0 - dark) * glass;
     // Where a footprint is narrowed to 4 cells it counts some less than others.
-    QVERIFY(isNear(mean(decoded(shown), 0), expected, 1e-4));
-    if (viewport == QSize(80, 60)) {
-        QVERIFY(isNear(lightAt(shown, 45, 25), ink, 1e-4));
-        const double corner = gap > 0.0F ? glass : ink;
-        QVERIFY(isNear(lightAt(shown, 40, 20), corner, 1e-4));
-    }
+    QVERIFY(isNear(mean(decoded(shown), 0), dark * kInkLight + (1.0 - dark) * kGlassLight, 1e-4));
+}
+
+// The light at one place of a grey panel of 8x6 cells with a margin of 12 cells.
+void TestLcdShaders::lightOfTheGreyPanel_data()
+{
+    QTest::addColumn<Pixel>("cells");
+    QTest::addColumn<Pixel>("shadow"); // dark everywhere or nowhere
+    QTest::addColumn<Params>("changes");
+    QTest::addColumn<QPoint>("at"); // in tenths of a cell from the panel's corner
+    QTest::addColumn<double>("expected");
+
+    const auto gap = [](const char *name, float size, QPoint at, double expected) {
+        QTest::newRow(name) << kInk << kInk << Params({{u"dmg_grid_gap"_s, size}}) << at
+                            << expected;
+    };
+    gap("no gap, corner", 0.0F, {40, 20}, kInkLight);
+    gap("gap, middle of a cell", 0.2F, {45, 25}, kInkLight);
+    gap("gap, corner", 0.2F, {40, 20}, kGlassLight);
+    gap("wide gap, middle of a cell", 0.4F, {45, 25}, kInkLight);
+    gap("wide gap, corner", 0.4F, {40, 20}, kGlassLight);
+
+    const auto shadow = [](const char *name, float strength, float offset, double expected) {
+        QTest::newRow(name) << kGlass << kInk
+                            << Params({{u"dmg_shadow_strength"_s, strength},
+                                       {u"dmg_shadow_offset"_s, offset}})
+                            << QPoint(31, 22) << expected;
+    };
+    shadow("no shadow", 0.0F, 2.0F, kGlassLight);
+    shadow("half a shadow", 0.5F, 2.0F, 0.215854);
+    shadow("full shadow", 1.0F, 2.0F, kInkLight);
+    shadow("no air gap", 1.0F, 0.0F, kGlassLight);
+
+    const auto margin = [](const char *name, float gain, int x, double expected) {
+        QTest::newRow(name) << kGlass << kGlass << Params({{u"dmg_margin_gain"_s, gain}})
+                            << QPoint(x, 30) << expected;
+    };
+    margin("on the cells", 1.4F, 5, kGlassLight);
+    margin("half a cell beside them", 1.4F, -5, kGlassLight * 1.3775);
+    margin("four cells beside them", 1.4F, -40, kGlassLight * 1.2025);
+    margin("ten cells beside them", 1.4F, -100, kGlassLight);
+    margin("darker, four cells beside them", 0.6F, -40, kGlassLight * 0.7975);
+}
+
+void TestLcdShaders::lightOfTheGreyPanel()
+{
+    QFETCH(Pixel, cells);
+    QFETCH(Pixel, shadow);
+    QFETCH(Params, changes);
+    QFETCH(QPoint, at);
+    QFETCH(double, expected);
+    const FloatImage shown = grid(FloatImage({8, 6}, cells), FloatImage({8, 6}, shadow), {320, 300},
+                                  with(changes, {{u"dmg_panel_margin"_s, 12.0F}}));
+    const QPoint place = at + QPoint(120, 120);
+    QVERIFY(isNear(lightAt(shown, place.x(), place.y()), expected, 1e-4));
 }
 
 // The centroid of a dark cell's shade, in panel pixels.
@@ -480,61 +489,13 @@ void TestLcdShaders::greyCellsStandInTheirPlaces()
     const double wide = 6.0 + 2.0 * double(margin);
     const double high = 5.0 + 2.0 * double(margin);
     const Spot missing = spotOf(painted(viewport, [&shown](int column, int row) {
-        return 0.407575 - lightAt(shown, column, row);
+        return kGlassLight - lightAt(shown, column, row);
     }));
-    QVERIFY(isNear(missing.light * wide * high, 0.383443, 1e-3));
+    QVERIFY(isNear(missing.light * wide * high, kGlassLight - kInkLight, 1e-3));
     const double within =
             0.3 * std::max(wide / viewport.width(), 0.02); // of where the pixels happen to lie
     QVERIFY(isNear(missing.x * wide, x, within));
     QVERIFY(isNear(missing.y * high, y, within));
-}
-
-// Light of clear cells before a shadow that is dark everywhere: 0.407575 without any.
-void TestLcdShaders::shadowHasItsOpacity_data()
-{
-    QTest::addColumn<float>("strength");
-    QTest::addColumn<float>("offset");
-    QTest::addColumn<double>("expected");
-    QTest::newRow("none") << 0.0F << 2.0F << 0.407575;
-    QTest::newRow("half") << 0.5F << 2.0F << 0.215854;
-    QTest::newRow("full") << 1.0F << 2.0F << 0.024132;
-    QTest::newRow("no air gap") << 1.0F << 0.0F << 0.407575;
-}
-
-void TestLcdShaders::shadowHasItsOpacity()
-{
-    QFETCH(float, strength);
-    QFETCH(float, offset);
-    QFETCH(double, expected);
-    const FloatImage shown =
-            grid(FloatImage({6, 5}, kGlass), FloatImage({6, 5}, kInk), {60, 50},
-                 {{u"dmg_shadow_strength"_s, strength}, {u"dmg_shadow_offset"_s, offset}});
-    QVERIFY(isNear(lightAt(shown, 31, 22), expected, 1e-4));
-}
-
-// Light beside the cells, at a distance of so many of them.
-void TestLcdShaders::marginFades_data()
-{
-    QTest::addColumn<float>("gain");
-    QTest::addColumn<double>("beyond");
-    QTest::addColumn<double>("expected");
-    QTest::newRow("on the cells") << 1.4F << -0.5 << 0.407575;
-    QTest::newRow("beside them") << 1.4F << 0.5 << 0.407575 * 1.375;
-    QTest::newRow("half way") << 1.4F << 4.0 << 0.407575 * 1.2;
-    QTest::newRow("far away") << 1.4F << 10.0 << 0.407575;
-    QTest::newRow("darker") << 0.6F << 4.0 << 0.407575 * 0.8;
-}
-
-void TestLcdShaders::marginFades()
-{
-    QFETCH(float, gain);
-    QFETCH(double, beyond);
-    QFETCH(double, expected);
-    const FloatImage clear({6, 6}, kGlass);
-    const FloatImage shown = grid(clear, clear, {300, 30},
-                                  {{u"dmg_panel_margin"_s, 12.0F}, {u"dmg_margin_gain"_s, gain}});
-    const int x = int((12.0 - beyond) * 10.0);
-    QVERIFY(isNear(lightAt(shown, x, 15), expected, 3e-3));
 }
 
 // The standard deviation of the light: of values in -1..1 that are blended from four, 0.385.
@@ -561,7 +522,7 @@ void TestLcdShaders::grain()
     for (const Pixel &pixel : shown.pixels)
         square += std::pow(decoded(double(pixel[0])) - average, 2.0);
     const double deviation = std::sqrt(square / double(shown.pixels.size())) / average;
-    QVERIFY(isNear(average, 0.407575, 0.01 * double(strength) + 1e-4));
+    QVERIFY(isNear(average, kGlassLight, 0.01 * double(strength) + 1e-4));
     QVERIFY(isNear(deviation, 0.385 * double(strength), 0.03 * double(strength) + 1e-4));
 }
 
