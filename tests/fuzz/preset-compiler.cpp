@@ -59,9 +59,11 @@ const char *aliasFrom(Bytes &bytes)
 
 QByteArray sourceFrom(Bytes &bytes)
 {
+    constexpr std::array kTexts = {"pc.hdrOutputActive\n", "/*", "*/", "\n"};
     QByteArray text;
     for (int count = bytes.below(24); count > 0; --count) {
-        switch (bytes.below(10)) {
+        const int kind = bytes.below(10);
+        switch (kind) {
         case 0:
             text += QByteArray("//! input ") + aliasFrom(bytes) + '\n';
             break;
@@ -76,20 +78,11 @@ QByteArray sourceFrom(Bytes &bytes)
         case 4:
             text += "pc.params[" + QByteArray::number(bytes.below(18)) + "]\n";
             break;
-        case 5:
-            text += "pc.hdrOutputActive\n";
-            break;
-        case 6:
-            text += "/*";
-            break;
-        case 7:
-            text += "*/";
-            break;
-        case 8:
-            text += '\n';
+        case 9:
+            text += bytes.take(bytes.below(16));
             break;
         default:
-            text += bytes.take(bytes.below(16));
+            text += kTexts.at(static_cast<std::size_t>(kind - 5));
             break;
         }
     }
