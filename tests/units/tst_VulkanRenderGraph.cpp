@@ -13,10 +13,12 @@ namespace {
 
 using Graph = VulkanRenderGraph;
 using Change = std::function<void(Graph &)>;
+using Pass = Graph::Pass;
+using PassChange = std::function<void(Pass &)>;
 
-Graph::Pass pass(QList<Graph::ResourceRef> inputs)
+Pass pass(QList<Graph::ResourceRef> inputs)
 {
-    Graph::Pass made;
+    Pass made;
     made.fragmentSpirvResource = u"f"_s;
     made.vertexSpirvResource = u"v"_s;
     made.sampledInputs = std::move(inputs);
@@ -33,13 +35,13 @@ Graph chain(int count)
     return graph;
 }
 
-void bind(Graph::Pass &pass, const QList<unsigned int> &offsets)
+void bind(Pass &pass, const QList<unsigned int> &offsets)
 {
     for (const unsigned int offset : offsets)
         pass.params.append({u"p%1"_s.arg(offset), offset});
 }
 
-void makeFeedback(Graph::Pass &pass)
+void makeFeedback(Pass &pass)
 {
     pass.isFeedbackTarget = true;
     pass.isFeedbackReader = true;
@@ -53,11 +55,17 @@ void makeConstantBlack(Graph &graph, int index, int binder)
     graph.passes[binder].params.append({u"strength"_s, 0});
 }
 
-void makeParameterOnly(Graph::Pass &pass)
+void makeParameterOnly(Pass &pass)
 {
     pass.cacheByParameters = true;
     pass.scaleSource = Graph::ScaleSource::Absolute;
     pass.sampledInputs.clear();
+}
+
+void shareBlack(Pass &pass, int wrapMode)
+{
+    pass.shareConstantBlack = true;
+    pass.wrapMode = wrapMode;
 }
 
 } // namespace
@@ -112,6 +120,10 @@ void TestVulkanRenderGraph::isValid_data()
     const auto row = [](const char *name, int passCount, bool expected, const Change &change) {
         QTest::newRow(name) << passCount << change << expected;
     };
+    // Changes the first of two passes.
+    const auto firstPass = [&row](const char *name, bool expected, const PassChange &change) {
+        row(name, 2, expected, [change](Graph &g) { change(g.passes[0]); });
+    };
 
     row("no passes", 1, false, [](Graph &g) { g.passes.clear(); });
 
@@ -126,15 +138,13 @@ void TestVulkanRenderGraph::isValid_data()
         g.feedbackPassIndex = 1;
     });
     row("feedback index names the final pass", 2, false, [](Graph &g) { g.feedbackPassIndex = 1; });
-    row("a feedback pass without an index", 2, true, [](Graph &g) { makeFeedback(g.passes[0]); });
-    row("a reader that is no target", 2, false,
-        [](Graph &g) { g.passes[0].isFeedbackReader = true; });
-    row("a target that is no reader", 2, true,
-        [](Graph &g) { g.passes[0].isFeedbackTarget = true; });
+    firstPass("a feedback pass without an index", true, makeFeedback);
+    firstPass("a reader that is no target", false,
+              [](Pass &pass) { pass.isFeedbackReader = true; });
+    firstPass("a target that is no reader", true, [](Pass &pass) { pass.isFeedbackTarget = true; });
     row("a target that is final", 1, false, [](Graph &g) { g.passes[0].isFeedbackTarget = true; });
 
-    row("no fragment shader", 2, false,
-        [](Graph &g) { g.passes[0].fragmentSpirvResource.clear(); });
+    firstPass("no fragment shader", false, [](Pass &pass) { pass.fragmentSpirvResource.clear(); });
     row("no vertex shader", 2, false, [](Graph &g) { g.passes[1].vertexSpirvResource.clear(); });
 
     row("8 inputs", 1, true,
@@ -144,10 +154,10 @@ void TestVulkanRenderGraph::isValid_data()
     row("no inputs", 1, true, [](Graph &g) { g.passes[0].sampledInputs.clear(); });
     row("the source on a later pass", 3, true,
         [](Graph &g) { g.passes[2].sampledInputs = {{-2}}; });
-    row("history on no reader", 2, false, [](Graph &g) { g.passes[0].sampledInputs = {{-1}}; });
-    row("history on a reader", 2, true, [](Graph &g) {
-        g.passes[0].sampledInputs.clear();
-        makeFeedback(g.passes[0]);
+    firstPass("history on no reader", false, [](Pass &pass) { pass.sampledInputs = {{-1}}; });
+    firstPass("history on a reader", true, [](Pass &pass) {
+        pass.sampledInputs.clear();
+        makeFeedback(pass);
     });
     row("itself", 3, false, [](Graph &g) { g.passes[1].sampledInputs = {{1}}; });
     row("a later pass", 3, false, [](Graph &g) { g.passes[1].sampledInputs = {{2}}; });
@@ -169,9 +179,8 @@ void TestVulkanRenderGraph::isValid_data()
         bind(g.passes[1], {3});
     });
 
-    row("pass 0 scales from pass 0", 2, false,
-        [](Graph &g) { g.passes[0].scaleInputPassIndex = 0; });
-    row("pass 0 scales from -2", 2, false, [](Graph &g) { g.passes[0].scaleInputPassIndex = -2; });
+    firstPass("pass 0 scales from pass 0", false, [](Pass &pass) { pass.scaleInputPassIndex = 0; });
+    firstPass("pass 0 scales from -2", false, [](Pass &pass) { pass.scaleInputPassIndex = -2; });
     row("pass 3 scales from pass 2", 4, true,
         [](Graph &g) { g.passes[3].scaleInputPassIndex = 2; });
     row("pass 3 scales from itself", 4, false,
@@ -185,87 +194,60 @@ void TestVulkanRenderGraph::isValid_data()
         g.passes[1].isFinalPass = false;
     });
 
-    row("constant black on an id of its own", 2, true,
-        [](Graph &g) { makeConstantBlack(g, 0, 0); });
+    // Changes a constant-black pass that binds its id.
+    const auto black = [&row](const char *name, bool expected, const PassChange &change) {
+        row(name, 2, expected, [change](Graph &g) {
+            makeConstantBlack(g, 0, 0);
+            change(g.passes[0]);
+        });
+    };
+    black("constant black on an id of its own", true, [](Pass &) {});
     row("constant black on a later pass's id", 3, true,
         [](Graph &g) { makeConstantBlack(g, 0, 2); });
-    row("constant black on an unbound id", 2, false,
-        [](Graph &g) { g.passes[0].constantBlackWhenZero = u"strength"_s; });
+    firstPass("constant black on an unbound id", false,
+              [](Pass &pass) { pass.constantBlackWhenZero = u"strength"_s; });
     row("constant black and final", 2, false, [](Graph &g) { makeConstantBlack(g, 1, 0); });
-    row("constant black and target", 2, false, [](Graph &g) {
-        makeConstantBlack(g, 0, 0);
-        g.passes[0].isFeedbackTarget = true;
-    });
-    row("constant black and reader", 2, false, [](Graph &g) {
-        makeConstantBlack(g, 0, 0);
-        makeFeedback(g.passes[0]);
-    });
-    row("constant black and mipmapped", 2, false, [](Graph &g) {
-        makeConstantBlack(g, 0, 0);
-        g.passes[0].mipmap = true;
-    });
-    row("constant black and parameter-only", 2, false, [](Graph &g) {
-        makeConstantBlack(g, 0, 0);
-        makeParameterOnly(g.passes[0]);
-    });
-    const auto blackAlpha = [&row](const char *name, float alpha, bool expected) {
-        row(name, 2, expected, [alpha](Graph &g) {
-            makeConstantBlack(g, 0, 0);
-            g.passes[0].constantBlackAlpha = alpha;
+    black("constant black and target", false, [](Pass &pass) { pass.isFeedbackTarget = true; });
+    black("constant black and reader", false, makeFeedback);
+    black("constant black and mipmapped", false, [](Pass &pass) { pass.mipmap = true; });
+    black("constant black and parameter-only", false, makeParameterOnly);
+    black("constant black with alpha 0", true, [](Pass &pass) { pass.constantBlackAlpha = 0.0F; });
+    black("constant black with alpha 1", true, [](Pass &pass) { pass.constantBlackAlpha = 1.0F; });
+    black("constant black with alpha 0.5", false,
+          [](Pass &pass) { pass.constantBlackAlpha = 0.5F; });
+    black("constant black with alpha NaN", false,
+          [](Pass &pass) { pass.constantBlackAlpha = std::numeric_limits<float>::quiet_NaN(); });
+    firstPass("alpha 0.5 without constant black", true,
+              [](Pass &pass) { pass.constantBlackAlpha = 0.5F; });
+    black("constant black sampling itself", false, [](Pass &pass) { pass.sampledInputs = {{0}}; });
+    black("constant black sampling history", false,
+          [](Pass &pass) { pass.sampledInputs = {{-1}}; });
+
+    black("shared black at wrap mode 1", true, [](Pass &pass) { shareBlack(pass, 1); });
+    black("shared black at wrap mode 0", false, [](Pass &pass) { shareBlack(pass, 0); });
+    black("shared black at wrap mode 2", false, [](Pass &pass) { shareBlack(pass, 2); });
+    firstPass("shared black without constant black", false,
+              [](Pass &pass) { shareBlack(pass, 1); });
+
+    const auto parameterOnly = [&row](const char *name, bool expected, const PassChange &change) {
+        row(name, 2, expected, [change](Graph &g) {
+            makeParameterOnly(g.passes[0]);
+            change(g.passes[0]);
         });
     };
-    blackAlpha("constant black with alpha 0", 0.0F, true);
-    blackAlpha("constant black with alpha 1", 1.0F, true);
-    blackAlpha("constant black with alpha 0.5", 0.5F, false);
-    blackAlpha("constant black with alpha NaN", std::numeric_limits<float>::quiet_NaN(), false);
-    row("alpha 0.5 without constant black", 2, true,
-        [](Graph &g) { g.passes[0].constantBlackAlpha = 0.5F; });
-    row("constant black sampling itself", 3, false, [](Graph &g) {
-        makeConstantBlack(g, 1, 0);
-        g.passes[1].sampledInputs = {{1}};
-    });
-    row("constant black sampling history", 3, false, [](Graph &g) {
-        makeConstantBlack(g, 1, 0);
-        g.passes[1].sampledInputs = {{-1}};
-    });
-
-    const auto sharedBlack = [&row](const char *name, int wrapMode, bool expected) {
-        row(name, 2, expected, [wrapMode](Graph &g) {
-            makeConstantBlack(g, 0, 0);
-            g.passes[0].shareConstantBlack = true;
-            g.passes[0].wrapMode = wrapMode;
-        });
-    };
-    sharedBlack("shared black at wrap mode 1", 1, true);
-    sharedBlack("shared black at wrap mode 0", 0, false);
-    sharedBlack("shared black at wrap mode 2", 2, false);
-    row("shared black without constant black", 2, false, [](Graph &g) {
-        g.passes[0].shareConstantBlack = true;
-        g.passes[0].wrapMode = 1;
-    });
-
-    row("parameter-only", 2, true, [](Graph &g) { makeParameterOnly(g.passes[0]); });
-    row("parameter-only at viewport size", 2, false, [](Graph &g) {
-        makeParameterOnly(g.passes[0]);
-        g.passes[0].scaleSource = Graph::ScaleSource::Viewport;
-    });
-    row("parameter-only at source size", 2, false, [](Graph &g) {
-        makeParameterOnly(g.passes[0]);
-        g.passes[0].scaleSource = Graph::ScaleSource::Source;
-    });
-    row("parameter-only with an input", 2, false, [](Graph &g) {
-        makeParameterOnly(g.passes[0]);
-        g.passes[0].sampledInputs = {{-2}};
-    });
+    parameterOnly("parameter-only", true, [](Pass &) {});
+    parameterOnly("parameter-only at viewport size", false,
+                  [](Pass &pass) { pass.scaleSource = Graph::ScaleSource::Viewport; });
+    parameterOnly("parameter-only at source size", false,
+                  [](Pass &pass) { pass.scaleSource = Graph::ScaleSource::Source; });
+    parameterOnly("parameter-only with an input", false,
+                  [](Pass &pass) { pass.sampledInputs = {{-2}}; });
     row("parameter-only and final", 2, false, [](Graph &g) { makeParameterOnly(g.passes[1]); });
-    row("parameter-only and target", 2, false, [](Graph &g) {
-        makeParameterOnly(g.passes[0]);
-        g.passes[0].isFeedbackTarget = true;
-    });
-    row("parameter-only and reader", 2, false, [](Graph &g) {
-        makeParameterOnly(g.passes[0]);
-        g.passes[0].isFeedbackTarget = true;
-        g.passes[0].isFeedbackReader = true;
+    parameterOnly("parameter-only and target", false,
+                  [](Pass &pass) { pass.isFeedbackTarget = true; });
+    parameterOnly("parameter-only and reader", false, [](Pass &pass) {
+        pass.isFeedbackTarget = true;
+        pass.isFeedbackReader = true;
     });
 }
 
