@@ -4,37 +4,30 @@
 
 #include <algorithm>
 #include <ctime>
-#include <functional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-// Every scan over one file.
+// What every scan finds in one file.
 struct Scans
 {
-    explicit Scans(const QString &path)
-        : codeLines(strippedCodeLines(path)),
-          usesFrameCount(sourceUsesFrameCount(path)),
-          slotIndices(usedParamSlotIndices(path)),
-          aliases(declaredAliasInputs(path)),
-          ids(declaredParameterIds(path)),
-          readsHdr(sourceReadsHdrOutputActive(path))
-    {
-    }
-    bool foundNothing() const
-    {
-        return codeLines.isEmpty() && !usesFrameCount && slotIndices.isEmpty() && aliases.isEmpty()
-                && ids.isEmpty() && !readsHdr;
-    }
-
     QStringList codeLines;
-    bool usesFrameCount;
+    bool usesFrameCount = false;
     QSet<int> slotIndices;
     QStringList aliases;
     QStringList ids;
-    bool readsHdr;
+    bool readsHdr = false;
+
+    friend bool operator==(const Scans &, const Scans &) = default;
 };
+
+Scans scansOf(const QString &path)
+{
+    return {strippedCodeLines(path),    sourceUsesFrameCount(path),
+            usedParamSlotIndices(path), declaredAliasInputs(path),
+            declaredParameterIds(path), sourceReadsHdrOutputActive(path)};
+}
 
 // Longer than any line that someone might think of.
 constexpr int kLong = 1 << 20;
@@ -44,7 +37,7 @@ double secondsToScan(const QString &path, const QByteArray &source)
 {
     writeFile(path, source);
     const std::clock_t start = std::clock();
-    const Scans scans(path);
+    scansOf(path);
     return double(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
@@ -296,7 +289,7 @@ void TestComponentSource::fileThatCannotBeReadYieldsNothing()
     bool foundNothing = true;
     const QByteArray error = captured(stderr, [&] {
         for (const QString &path : {u"missing"_s, u"directory"_s, u"link"_s})
-            foundNothing = foundNothing && Scans(path).foundNothing();
+            foundNothing = foundNothing && scansOf(path) == Scans();
     });
     QVERIFY(foundNothing);
     QCOMPARE(error, "");
@@ -312,15 +305,14 @@ void TestComponentSource::scansOfOneSource()
                                "    y = pc.hdrOutputActive; // pc.params[6]\n"
                                "}\n"
                                "//! param strength\n");
-    const Scans scans(path);
-    QCOMPARE(scans.codeLines,
-             QStringList({u"void main() {"_s, u" x = pc.params[0] + pc.frameCount;"_s,
-                          u"    y = pc.hdrOutputActive; "_s, u"}"_s}));
-    QVERIFY(scans.usesFrameCount);
-    QCOMPARE(scans.slotIndices, QSet<int>({0}));
-    QCOMPARE(scans.aliases, QStringList({u"BEAM"_s}));
-    QCOMPARE(scans.ids, QStringList({u"strength"_s}));
-    QVERIFY(scans.readsHdr);
+    const Scans expected = {{u"void main() {"_s, u" x = pc.params[0] + pc.frameCount;"_s,
+                             u"    y = pc.hdrOutputActive; "_s, u"}"_s},
+                            true,
+                            {0},
+                            {u"BEAM"_s},
+                            {u"strength"_s},
+                            true};
+    QVERIFY(scansOf(path) == expected);
 
     QCOMPARE(aliasInputLine(path, u"BEAM"_s), 1);
     QCOMPARE(aliasInputLine(path, u"strength"_s), 0);
@@ -342,47 +334,43 @@ void TestComponentSource::eachCallReadsAnew()
 // these takes 256 times as long.
 void TestComponentSource::hugeInputTakesLinearTime_data()
 {
-    using Source = std::function<QByteArray(int)>;
-    QTest::addColumn<Source>("sourceOfSize");
+    QTest::addColumn<QByteArray>("start");
+    QTest::addColumn<QByteArray>("unit"); // repeated; NUMBER counts
+    QTest::addColumn<QByteArray>("end");
 
-    const auto row = [](const char *name, const QByteArray &unit) {
-        QTest::newRow(name) << Source(
-                [unit](int size) { return unit.repeated(size / int(unit.size())); });
-    };
-    row("one line of spaces", " ");
-    row("one line of slashes and spaces", "/ ");
-    row("one line of comment openings", "/*");
-    row("one line of closed comments", "/**/");
-    row("one line of objects", "pc ");
-    row("one line of near tokens", "pc . frame ");
-    row("one line of slot reads", "pc.params[1] ");
-    row("one line of unclosed slot reads", "pc . params [ 1 ");
-    row("one line of markers", "//!");
-    const auto endless = [](const char *name, const QByteArray &start, char c,
-                            const QByteArray &end) {
-        QTest::newRow(name) << Source(
-                [start, c, end](int size) { return start + QByteArray(size, c) + end; });
-    };
-    endless("a directive with endless spaces before the name", "//! param", ' ', "a b\n");
-    endless("a directive with endless spaces after the name", "//! param a", ' ', "b\n");
-    endless("a directive with an endless name", "//! input ", 'a', "");
-    endless("a slot with endless digits", "pc.params[", '9', "]");
-    row("empty lines", "\n");
-    row("short lines", "x;\n");
-    QTest::newRow("distinct directives") << Source([](int size) {
-        QByteArray directives;
-        for (int i = 0; directives.size() < size; ++i) {
-            const QByteArray number = QByteArray::number(i);
-            directives += "//! input a" + number + "\n//! param p" + number + '\n';
-        }
-        return directives;
-    });
+    const auto row = [](const char *name, const QByteArray &start, const QByteArray &unit,
+                        const QByteArray &end) { QTest::newRow(name) << start << unit << end; };
+    row("one line of spaces", "", " ", "");
+    row("one line of slashes and spaces", "", "/ ", "");
+    row("one line of comment openings", "", "/*", "");
+    row("one line of closed comments", "", "/**/", "");
+    row("one line of objects", "", "pc ", "");
+    row("one line of near tokens", "", "pc . frame ", "");
+    row("one line of slot reads", "", "pc.params[1] ", "");
+    row("one line of unclosed slot reads", "", "pc . params [ 1 ", "");
+    row("one line of markers", "", "//!", "");
+    row("a directive with endless spaces before the name", "//! param", " ", "a b\n");
+    row("a directive with endless spaces after the name", "//! param a", " ", "b\n");
+    row("a directive with an endless name", "//! input ", "a", "");
+    row("a slot with endless digits", "pc.params[", "9", "]");
+    row("empty lines", "", "\n", "");
+    row("short lines", "", "x;\n", "");
+    row("distinct directives", "", "//! input aNUMBER\n//! param pNUMBER\n", "");
 }
 
 void TestComponentSource::hugeInputTakesLinearTime()
 {
-    using Source = std::function<QByteArray(int)>;
-    QFETCH(Source, sourceOfSize);
+    QFETCH(QByteArray, start);
+    QFETCH(QByteArray, unit);
+    QFETCH(QByteArray, end);
+    const auto sourceOfSize = [&](int size) {
+        QByteArray text = start;
+        for (int i = 0; text.size() < size; ++i)
+            text += unit.contains("NUMBER")
+                    ? QByteArray(unit).replace("NUMBER", QByteArray::number(i))
+                    : unit.repeated(4096);
+        return text + end;
+    };
     const QString path = u"c.slang"_s;
     const QByteArray source = sourceOfSize(kLong / 16);
     double fewer = secondsToScan(path, source);
