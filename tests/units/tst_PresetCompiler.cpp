@@ -104,8 +104,7 @@ private Q_SLOTS:
     void format();
     void scaleSource_data();
     void scaleSource();
-    void resourcePathsTakeNamesAsTheyAre();
-    void declarationsAreLatin1();
+    void declarationsAreLatin1AndTakenAsTheyAre();
     void presetWithoutPasses_data();
     void presetWithoutPasses();
     void sampledInputs_data();
@@ -113,7 +112,6 @@ private Q_SLOTS:
     void cachedFeedbackPassSamplesItsHistoryAlone();
     void feedback_data();
     void feedback();
-    void extentAliasGivesThePassIndex();
     void pushConstantSlots_data();
     void pushConstantSlots();
     void finalRealPassRespondsToHdr_data();
@@ -144,12 +142,13 @@ void TestPresetCompiler::graphInFull()
                             .constantBlackAlpha = 0.0F,
                             .shareConstantBlack = true},
                            {.component = "two",
+                            .extentAlias = "TWO",
                             .scaleType = kScaleAbsolute,
                             .absoluteWidth = 1,
                             .wrapMode = 2,
                             .mipmap = true,
                             .cacheByParameters = true},
-                           {.component = "two", .mipmap = true}};
+                           {.component = "two", .mipmap = true, .scaleInputAlias = "TWO"}};
     const Outcome outcome =
             compiled(passes, {{"one.slang", "//! param strength\n"}, {"two.slang", ""}});
     QCOMPARE(outcome.err, "");
@@ -168,7 +167,7 @@ void TestPresetCompiler::graphInFull()
   inputs
   params
 'two' ':/shaders/vulkan/spirv/two.frag.spv' ':/shaders/vulkan/spirv/fullscreen.vert.spv'
-  format 1 scale source 0 scale 1 1 size 0 0 scale input -1 wrap mode 0
+  format 1 scale source 0 scale 1 1 size 0 0 scale input 1 wrap mode 0
   black when '' alpha 1
   flags mipmap
   inputs 1
@@ -226,40 +225,28 @@ void TestPresetCompiler::scaleSource()
     QCOMPARE(outcome.graph.passes.at(0).scaleSource, expected);
 }
 
-void TestPresetCompiler::resourcePathsTakeNamesAsTheyAre()
-{
-    const PassDecl pass = {.component = "a%2"};
-    const Outcome outcome =
-            compiled({.name = "%2%1", .passes = &pass, .passCount = 1, .presetExtension = "glsl"},
-                     {{"a%2.slang", ""}});
-    QVERIFY(outcome.succeeded);
-    QCOMPARE(outcome.graph.presetQrcPath, u":/shaders/%2%1.glsl"_s);
-    QCOMPARE(outcome.graph.passes.at(0).fragmentSpirvResource,
-             u":/shaders/vulkan/spirv/a%2.frag.spv"_s);
-}
-
-void TestPresetCompiler::declarationsAreLatin1()
+void TestPresetCompiler::declarationsAreLatin1AndTakenAsTheyAre()
 {
     static constexpr ParamDecl kId[] = {param("\xE9")};
     // Read as anything else, the two aliases would be the same.
-    const Passes passes = {{.component = "\xE9",
+    const Passes passes = {{.component = "\xE9%2",
                             .extentAlias = "\xE9",
                             .params = kId,
                             .paramCount = 1,
                             .constantBlackWhenZero = "\xE9"},
                            {.component = "b", .extentAlias = "\xEA"},
                            {.component = "b", .scaleInputAlias = "\xE9"}};
-    const Outcome outcome = compiled({.name = "\xEB",
+    const Outcome outcome = compiled({.name = "\xEB%2%1",
                                       .passes = passes.constData(),
                                       .passCount = int(passes.size()),
                                       .presetExtension = "\xEC"},
-                                     {{"\xE9.frag", ""}, {"b.slang", ""}});
+                                     {{"\xE9%2.frag", ""}, {"b.slang", ""}});
     QCOMPARE(outcome.err, "");
     QVERIFY(outcome.succeeded);
-    QCOMPARE(outcome.graph.presetQrcPath, u":/shaders/\u00eb.\u00ec"_s);
+    QCOMPARE(outcome.graph.presetQrcPath, u":/shaders/\u00eb%2%1.\u00ec"_s);
     const Graph::Pass &pass = outcome.graph.passes.at(0);
-    QCOMPARE(pass.fragmentSpirvResource, u":/shaders/vulkan/spirv/\u00e9.frag.spv"_s);
-    QCOMPARE(pass.debugName, u"\u00e9"_s);
+    QCOMPARE(pass.fragmentSpirvResource, u":/shaders/vulkan/spirv/\u00e9%2.frag.spv"_s);
+    QCOMPARE(pass.debugName, u"\u00e9%2"_s);
     QCOMPARE(pass.constantBlackWhenZero, u"\u00e9"_s);
     QCOMPARE(slotIds(outcome.graph, 0), QStringList({u"0:\u00e9"_s}));
     QCOMPARE(outcome.graph.passes.at(2).scaleInputPassIndex, 0);
@@ -400,18 +387,6 @@ void TestPresetCompiler::feedback()
         QCOMPARE(outcome.graph.passes.at(i).isFeedbackReader, expectedPasses.at(i));
         QCOMPARE(inputs(outcome.graph, i).contains(-1), expectedPasses.at(i));
     }
-}
-
-void TestPresetCompiler::extentAliasGivesThePassIndex()
-{
-    const Passes passes = {{.component = "a"},
-                           {.component = "a", .extentAlias = "SIZE"},
-                           {.component = "a"},
-                           {.component = "a", .scaleInputAlias = "SIZE"}};
-    const Outcome outcome = compiled(passes, {{"a.slang", ""}});
-    QVERIFY(outcome.succeeded);
-    QCOMPARE(outcome.graph.passes.at(2).scaleInputPassIndex, -1);
-    QCOMPARE(outcome.graph.passes.at(3).scaleInputPassIndex, 1);
 }
 
 void TestPresetCompiler::pushConstantSlots_data()
