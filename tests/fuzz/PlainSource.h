@@ -72,16 +72,6 @@ inline bool readsField(const QByteArray &bytes, const QStringList &names)
     return found;
 }
 
-inline bool usesFrameCount(const QByteArray &bytes)
-{
-    return readsField(bytes, {QStringLiteral("frameCount"), QStringLiteral("frameDirection")});
-}
-
-inline bool readsHdrOutputActive(const QByteArray &bytes)
-{
-    return readsField(bytes, {QStringLiteral("hdrOutputActive")});
-}
-
 inline std::set<int> usedSlots(const QByteArray &bytes)
 {
     std::set<int> used;

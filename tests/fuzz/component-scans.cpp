@@ -46,9 +46,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     expectSame("declaredParameterIds", bytes, texts(declaredParameterIds(path)),
                texts(PlainSource::directives(bytes, "param")));
     expectSame("sourceUsesFrameCount", bytes, numbers(QList<int>{sourceUsesFrameCount(path)}),
-               numbers(QList<int>{PlainSource::usesFrameCount(bytes)}));
+               numbers(QList<int>{PlainSource::readsField(
+                       bytes, {QStringLiteral("frameCount"), QStringLiteral("frameDirection")})}));
     expectSame("sourceReadsHdrOutputActive", bytes,
                numbers(QList<int>{sourceReadsHdrOutputActive(path)}),
-               numbers(QList<int>{PlainSource::readsHdrOutputActive(bytes)}));
+               numbers(QList<int>{
+                       PlainSource::readsField(bytes, {QStringLiteral("hdrOutputActive")})}));
     return 0;
 }

@@ -269,8 +269,8 @@ private:
         if (pass.sampledInputs.size() > 8)
             return named + "exceeds MaxSampledInputsPerPass";
         if (i == m_input.preset.passCount - 1)
-            graph.finalRealPassRespondsToHdr =
-                    component.isSlang && PlainSource::readsHdrOutputActive(component.text);
+            graph.finalRealPassRespondsToHdr = component.isSlang
+                    && PlainSource::readsField(component.text, {QStringLiteral("hdrOutputActive")});
 
         std::sort(ids.begin(), ids.end());
         for (const QString &id : std::as_const(ids)) {
