@@ -181,11 +181,11 @@ FloatImage evaluate(const QString &component, const QList<SampledPicture> &input
     return drawComponent(component, inputs, state);
 }
 
-Tweak hdr(float headroom)
+Tweak display(float headroom)
 {
     return [headroom](FrameState &state) {
-        state.hdrOutputActive = true;
-        state.hdrHeadroom = headroom;
+        state.hdrOutputActive = headroom > 0.0F;
+        state.hdrHeadroom = headroom > 0.0F ? headroom : 1.0F;
     };
 }
 

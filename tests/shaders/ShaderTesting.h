@@ -46,8 +46,8 @@ const RenderGraphManifestData::PresetEntry &presetEntry(QStringView name);
 FloatImage evaluate(const QString &component, const QList<SampledPicture> &inputs, QSize size,
                     const Params &params = {}, const Tweak &tweak = {});
 
-// The state of an HDR display.
-Tweak hdr(float headroom);
+// The state of an HDR display; of an SDR one if the headroom is 0.
+Tweak display(float headroom);
 
 Params with(Params params, const Params &changes);
 

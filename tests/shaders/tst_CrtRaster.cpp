@@ -118,7 +118,6 @@ private Q_SLOTS:
     void spotIsRoundAndGrowsWithTheLight_data();
     void spotIsRoundAndGrowsWithTheLight();
     void gunsHaveSpotsOfTheirOwn();
-    void spotIsGaussian_data();
     void spotIsGaussian();
     void convergenceMovesOneGun_data();
     void convergenceMovesOneGun();
@@ -507,32 +506,26 @@ void TestCrtRaster::gunsHaveSpotsOfTheirOwn()
         QVERIFY(isNear(sigma(same, channel) / 0.4, 1.0, 0.03));
 }
 
-void TestCrtRaster::spotIsGaussian_data()
-{
-    QTest::addColumn<bool>("isVertical");
-    QTest::newRow("along the line") << false;
-    QTest::newRow("down the picture") << true;
-}
-
 // The light at the edge of a white half, against the normal distribution function. Lines so close
 // that they merge make the vertical edge.
 void TestCrtRaster::spotIsGaussian()
 {
-    QFETCH(bool, isVertical);
     constexpr double kSigma = 0.5;
-    const FloatImage picture =
-            painted({40, 1200}, [=](int x, int y) { return isVertical ? y >= 600 : x >= 20; });
     const Params params = with(kScanline, {{u"beam_max"_s, float(kSigma)}});
-    const FloatImage drawn = beam(picture, {80, 480}, params);
-    for (int i = -4; i < 4; ++i) {
-        const float light = isVertical ? drawn.at(60, 240 + i)[1] : drawn.at(40 + i, 100)[1];
-        // A pixel is half a 240th of the height, and shows its mean.
-        double expected = 0.0;
-        for (int sub = 0; sub < 16; ++sub) {
-            const double from = 0.5 * (i + (sub + 0.5) / 16.0) / kSigma;
-            expected += 0.5 * (1.0 + std::erf(from / std::sqrt(2.0))) / 16.0;
+    for (const bool isVertical : {false, true}) {
+        const FloatImage picture =
+                painted({40, 1200}, [=](int x, int y) { return isVertical ? y >= 600 : x >= 20; });
+        const FloatImage drawn = beam(picture, {80, 480}, params);
+        for (int i = -4; i < 4; ++i) {
+            const float light = isVertical ? drawn.at(60, 240 + i)[1] : drawn.at(40 + i, 100)[1];
+            // A pixel is half a 240th of the height, and shows its mean.
+            double expected = 0.0;
+            for (int sub = 0; sub < 16; ++sub) {
+                const double from = 0.5 * (i + (sub + 0.5) / 16.0) / kSigma;
+                expected += 0.5 * (1.0 + std::erf(from / std::sqrt(2.0))) / 16.0;
+            }
+            QVERIFY(isNear(double(light), expected, 0.006));
         }
-        QVERIFY(isNear(double(light), expected, 0.006));
     }
 }
 

@@ -443,8 +443,7 @@ void TestCrtScreen::whiteKeepsItsMask()
     QFETCH(double, deepest);
     const Params params =
             with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, strength}});
-    const FloatImage shown = decoded(
-            screen(grey({800, 96}, 1.0F), params, headroom > 0.0F ? hdr(headroom) : Tweak()));
+    const FloatImage shown = decoded(screen(grey({800, 96}, 1.0F), params, display(headroom)));
     QVERIFY(isNear(mean(shown, 1) / light, 1.0, 0.005));
     const QList<double> greens = row(shown, 48);
     const double darkest = *std::ranges::min_element(greens) / mean(shown, 1);
@@ -495,9 +494,8 @@ void TestCrtScreen::screenHighlights()
     QFETCH(float, headroom);
     QFETCH(float, light);
     QFETCH(double, expected);
-    const FloatImage field = grey({40, 30}, light);
     const FloatImage shown =
-            screen(field, with(kScreen, changes), headroom > 0.0F ? hdr(headroom) : Tweak());
+            screen(grey({40, 30}, light), with(kScreen, changes), display(headroom));
     QVERIFY(areAlike(shown, grey(shown.size, float(encoded(expected))), 1e-4F));
 }
 
@@ -582,28 +580,27 @@ void TestCrtScreen::curvatureOfTheFace()
     QVERIFY(shown.at(399, 200)[1] > 0.49F);
 }
 
-// A line of the picture, at `line` of its width or height, is drawn at `expected` of the screen's:
-// overscan is in heights, and the curved face has its middle rows and columns straight.
+// A line of the picture, at a quarter of its width or height, is drawn at `expected` of the
+// screen's: overscan is in heights, and the curved face has its middle rows and columns straight.
 void TestCrtScreen::pictureOnTheFace_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<float>("overscan");
     QTest::addColumn<float>("barrel");
     QTest::addColumn<bool>("isColumn");
-    QTest::addColumn<double>("line");
     QTest::addColumn<double>("expected");
     const QSize usual(320, 240);
     const QSize wide(480, 270);
-    // 0.5 + (line - 0.5) / (1 - 2 overscan), across with overscan / aspect.
-    QTest::newRow("column") << usual << 0.0F << 0.0F << true << 0.25 << 0.25;
-    QTest::newRow("row") << usual << 0.0F << 0.0F << false << 0.25 << 0.25;
-    QTest::newRow("column, overscan") << usual << 0.1F << 0.0F << true << 0.25 << 0.205882;
-    QTest::newRow("row, overscan") << usual << 0.1F << 0.0F << false << 0.25 << 0.1875;
-    QTest::newRow("column, overscan, 16:9") << wide << 0.1F << 0.0F << true << 0.25 << 0.218310;
-    QTest::newRow("row, overscan, 16:9") << wide << 0.1F << 0.0F << false << 0.25 << 0.1875;
+    // 0.5 + (0.25 - 0.5) / (1 - 2 overscan), across with overscan / aspect.
+    QTest::newRow("column") << usual << 0.0F << 0.0F << true << 0.25;
+    QTest::newRow("row") << usual << 0.0F << 0.0F << false << 0.25;
+    QTest::newRow("column, overscan") << usual << 0.1F << 0.0F << true << 0.205882;
+    QTest::newRow("row, overscan") << usual << 0.1F << 0.0F << false << 0.1875;
+    QTest::newRow("column, overscan, 16:9") << wide << 0.1F << 0.0F << true << 0.218310;
+    QTest::newRow("row, overscan, 16:9") << wide << 0.1F << 0.0F << false << 0.1875;
     // s (1 + 4 b s^2) / (1 + b) = 0.25 for s from the middle.
-    QTest::newRow("column, curved") << usual << 0.0F << 0.15F << true << 0.25 << 0.224981;
-    QTest::newRow("row, curved") << usual << 0.0F << 0.15F << false << 0.25 << 0.224981;
+    QTest::newRow("column, curved") << usual << 0.0F << 0.15F << true << 0.224981;
+    QTest::newRow("row, curved") << usual << 0.0F << 0.15F << false << 0.224981;
 }
 
 void TestCrtScreen::pictureOnTheFace()
@@ -612,9 +609,8 @@ void TestCrtScreen::pictureOnTheFace()
     QFETCH(float, overscan);
     QFETCH(float, barrel);
     QFETCH(bool, isColumn);
-    QFETCH(double, line);
     QFETCH(double, expected);
-    const int at = int(line * (isColumn ? 320 : 240));
+    const int at = isColumn ? 80 : 60;
     // Two texels, on either side of the place.
     const FloatImage picture = painted({320, 240}, [=](int x, int y) {
         const int here = isColumn ? x : y;

@@ -76,7 +76,7 @@ class TestVulkanRenderGraph : public QObject
 
 private Q_SLOTS:
     void defaults();
-    void enumeratorsKeepTheirIntegers();
+    void enumerationsAreBytes();
     void isValid_data();
     void isValid();
 };
@@ -97,18 +97,11 @@ void TestVulkanRenderGraph::defaults()
 )");
 }
 
-void TestVulkanRenderGraph::enumeratorsKeepTheirIntegers()
+void TestVulkanRenderGraph::enumerationsAreBytes()
 {
-    QCOMPARE(static_cast<int>(Graph::Format::R11G11B10F), 0);
-    QCOMPARE(static_cast<int>(Graph::Format::RGBA16F), 1);
-    QCOMPARE(static_cast<int>(Graph::Format::RGBA8), 2);
-    QCOMPARE(static_cast<int>(Graph::Format::RGBA32F), 3);
-    QCOMPARE(static_cast<int>(Graph::ScaleSource::Source), 0);
-    QCOMPARE(static_cast<int>(Graph::ScaleSource::Viewport), 1);
-    QCOMPARE(static_cast<int>(Graph::ScaleSource::Absolute), 2);
-    QCOMPARE(Graph::formatName(static_cast<Graph::Format>(4)), ""_L1);
     QCOMPARE(sizeof(Graph::Format), std::size_t(1));
     QCOMPARE(sizeof(Graph::ScaleSource), std::size_t(1));
+    QCOMPARE(Graph::formatName(static_cast<Graph::Format>(4)), ""_L1);
 }
 
 void TestVulkanRenderGraph::isValid_data()
