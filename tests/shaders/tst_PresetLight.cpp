@@ -7,7 +7,7 @@
 using namespace Qt::StringLiterals;
 using namespace RenderGraphManifestData;
 
-// How much light whole presets keep at their own values, on flat fields and over time.
+// How much light whole presets keep at their own values, on flat fields.
 
 namespace {
 
@@ -51,14 +51,6 @@ constexpr Stated kStated[] = {
 };
 
 // clang-format on
-
-FrameState stateOf(const PresetEntry &preset, bool isHdr)
-{
-    return {.params = initialParams(preset),
-            .viewport = kViewport,
-            .hdrOutputActive = isHdr,
-            .hdrHeadroom = isHdr ? kHeadroom : 1.0F};
-}
 
 // The mean luminance of the middle of the shown picture.
 double luminance(const FloatImage &shown, bool isHdr)
@@ -107,8 +99,11 @@ void TestPresetLight::lightIsKept()
     QFETCH(double, level);
     QFETCH(double, stated);
     PresetDrawing drawing(*preset);
-    const FloatImage shown =
-            drawing.draw(grey(kSource, float(encoded(level))), stateOf(*preset, isHdr));
+    const FloatImage shown = drawing.draw(grey(kSource, float(encoded(level))),
+                                          {.params = initialParams(*preset),
+                                           .viewport = kViewport,
+                                           .hdrOutputActive = isHdr,
+                                           .hdrHeadroom = isHdr ? kHeadroom : 1.0F});
     const double kept = luminance(shown, isHdr) / level;
     QVERIFY(isNear(kept / stated, 1.0, 0.03));
 }
