@@ -63,6 +63,9 @@ QByteArray real(float value)
     return (std::signbit(value) ? "-" : "") + result + 'f';
 }
 
+constexpr const char *kFormats[] = {"R11G11B10F", "RGBA16F", "RGBA8", "RGBA32F"};
+constexpr const char *kScaleSources[] = {"Source", "Viewport", "Absolute"};
+
 QByteArray passText(const QByteArray &suffix, const VulkanRenderGraph::Pass &pass)
 {
     QByteArray inputs;
@@ -84,17 +87,8 @@ QByteArray passText(const QByteArray &suffix, const VulkanRenderGraph::Pass &pas
     text += "  " + quoted(pass.fragmentSpirvResource) + ",\n";
     text += "  " + quoted(pass.vertexSpirvResource) + ",\n";
     text += "  " + quoted(pass.debugName) + ",\n";
-    text += "  " + integer(format) + ", // "
-            + (format == 1           ? "RGBA16F"
-                       : format == 2 ? "RGBA8"
-                       : format == 3 ? "RGBA32F"
-                                     : "R11G11B10F")
-            + "\n";
-    text += "  " + integer(scale) + ", // "
-            + (scale == 1           ? "Viewport"
-                       : scale == 2 ? "Absolute"
-                                    : "Source")
-            + "\n";
+    text += "  " + integer(format) + ", // " + kFormats[format < 4 ? format : 0] + "\n";
+    text += "  " + integer(scale) + ", // " + kScaleSources[scale < 3 ? scale : 0] + "\n";
     text += "  " + real(pass.scaleX) + ", " + real(pass.scaleY) + ",\n";
     text += "  " + integer(pass.absoluteWidth) + ", " + integer(pass.absoluteHeight) + ",\n";
     text += "  " + integer(pass.scaleInputPassIndex) + ",\n";

@@ -319,26 +319,20 @@ void TestManifestWriter::noPresetsReplaceAnEarlierFile()
 void TestManifestWriter::outputThatCannotBeOpened_data()
 {
     QTest::addColumn<QString>("path");
-    QTest::addColumn<QByteArray>("message");
-    QTest::newRow("directory") << u"."_s
-                               << QByteArray(
-                                          "render-graph-compile: failed to open '.' for writing\n");
-    QTest::newRow("missing directory")
-            << u"none/m.h"_s
-            << QByteArray("render-graph-compile: failed to open 'none/m.h' for writing\n");
-    QTest::newRow("beyond ASCII")
-            << u"n\u00e9/m.h"_s
-            << QByteArray("render-graph-compile: failed to open 'n\xc3\xa9/m.h' for writing\n");
+    QTest::addColumn<QByteArray>("shown");
+    QTest::newRow("directory") << u"."_s << QByteArray(".");
+    QTest::newRow("missing directory") << u"none/m.h"_s << QByteArray("none/m.h");
+    QTest::newRow("beyond ASCII") << u"n\u00e9/m.h"_s << QByteArray("n\xc3\xa9/m.h");
 }
 
 void TestManifestWriter::outputThatCannotBeOpened()
 {
     QFETCH(QString, path);
-    QFETCH(QByteArray, message);
+    QFETCH(QByteArray, shown);
     bool succeeded = true;
     const QByteArray err = captured(stderr, [&] { succeeded = writeManifest(path, {}); });
     QVERIFY(!succeeded);
-    QCOMPARE(err, message);
+    QCOMPARE(err, "render-graph-compile: failed to open '" + shown + "' for writing\n");
     QVERIFY(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
 }
 
