@@ -26,7 +26,7 @@ row() {
     [ "$(cat log) $status" = "$1" ] || { cat log >&2; echo "FAILED: '$3': status $status" >&2; exit 1; }
 }
 
-nothing='lint: git lists no sources here; this takes a clone. 1'
+nothing='lint: git lists no sources here; run this in a clone. 1'
 row "$nothing" 128 ''
 row "$nothing" 0 ''
 row "$nothing" 0 'tests/manifest/golden/RenderGraphManifest.h\n'
