@@ -29,8 +29,8 @@ QImage FloatImage::toImage() const
 QString softwareDevice()
 {
     QString error;
-    QList<GraphRenderer::DeviceInfo> devices;
-    GraphRenderer::devices(devices, error);
+    QList<PhysicalDeviceInfo> devices;
+    VulkanDevice::list(devices, error);
     for (int number = 0; number < devices.size(); ++number) {
         if (devices.at(number).isSoftware)
             return QString::number(number);
@@ -38,12 +38,12 @@ QString softwareDevice()
     qFatal("no software device %s", qPrintable(error));
 }
 
-std::unique_ptr<GraphRenderer> softwareRenderer()
+std::unique_ptr<OffscreenRenderer> softwareRenderer()
 {
     static const QString kDevice = softwareDevice();
     QString error;
-    std::unique_ptr<GraphRenderer> renderer;
-    if (!GraphRenderer::create(kDevice, renderer, error))
+    std::unique_ptr<OffscreenRenderer> renderer;
+    if (!OffscreenRenderer::create(kDevice, OffscreenRenderer::Outputs::All, renderer, error))
         qFatal("%s", qPrintable(error));
     return renderer;
 }
@@ -57,7 +57,7 @@ PresetOnDisk examplePreset(const QString &name)
     return preset;
 }
 
-FloatImage outputOf(const GraphRenderer &renderer, int pass)
+FloatImage outputOf(const OffscreenRenderer &renderer, int pass)
 {
     QString error;
     QImage picture;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GraphRenderer.h>
+#include <OffscreenRenderer.h>
 #include <PresetOnDisk.h>
 
 #include <QImage>
@@ -35,11 +35,11 @@ struct FloatImage
 
 // On the first software device: every machine that tests has one, and it draws the same pixels
 // everywhere.
-std::unique_ptr<GraphRenderer> softwareRenderer();
+std::unique_ptr<OffscreenRenderer> softwareRenderer();
 
 // Its number, as --device takes it.
 QString softwareDevice();
 
 PresetOnDisk examplePreset(const QString &name);
 
-FloatImage outputOf(const GraphRenderer &renderer, int pass);
+FloatImage outputOf(const OffscreenRenderer &renderer, int pass);

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 using Format = VulkanRenderGraph::Format;
-using Kind = PassResult::Kind;
+using Kind = PassKind;
 using ScaleSource = VulkanRenderGraph::ScaleSource;
 
 // One pass of each kind.
@@ -142,7 +142,7 @@ void TestGraphDot::boxesHaveTheLastFrame()
             u"small"_s, smallGraph(),
             {.values = {},
              .passes = {result(Kind::Drawn, {640, 240}), result(Kind::Drawn, {640, 241}),
-                        result(Kind::Cached, {64, 242}), result(Kind::ConstantBlack, {1, 1}),
+                        result(Kind::Unchanged, {64, 242}), result(Kind::ConstantBlack, {1, 1}),
                         result(Kind::Drawn, {800, 600})},
              .thumbnails = {{-2, "png"}, {1, "png"}}});
     QCOMPARE(boxesOf(dot),

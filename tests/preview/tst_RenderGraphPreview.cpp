@@ -472,7 +472,7 @@ void TestRenderGraphPreview::profileAsJson()
     QCOMPARE(passes[8][u"format"_s].toString(), u"RGBA16F"_s);
     QCOMPARE(passes[8][u"bytesWritten"_s].toInt(), 64 * 48 * 8);
     QCOMPARE(passes[13][u"kind"_s].toString(), u"black"_s);
-    QCOMPARE(passes[16][u"kind"_s].toString(), u"cached"_s); // drawn in the first frame only
+    QCOMPARE(passes[16][u"kind"_s].toString(), u"unchanged"_s); // drawn in the first frame only
 }
 
 void TestRenderGraphPreview::profileComparesTwo_data()

@@ -95,8 +95,10 @@ void TestValidation::presetsAreClean()
     const PresetOnDisk loaded = examplePreset(preset);
     QString error;
     {
-        std::unique_ptr<GraphRenderer> renderer;
-        QVERIFY2(GraphRenderer::create(QString(), renderer, error), qPrintable(error));
+        std::unique_ptr<OffscreenRenderer> renderer;
+        QVERIFY2(OffscreenRenderer::create(QString(), OffscreenRenderer::Outputs::All, renderer,
+                                           error),
+                 qPrintable(error));
         QVERIFY2(renderer->setGraph(loaded.graph, loaded.modules, error), qPrintable(error));
         QVERIFY2(renderer->setSource(FloatImage({24, 10}, {0.5F, 0.25F, 0.75F, 1.0F}).toImage(),
                                      error),

@@ -24,7 +24,7 @@ QByteArray builtModule(const QString &resource)
     return readFile(QStringLiteral(SPIRV_DIR "/") + resource.mid(kResources.size()));
 }
 
-void setGraph(GraphRenderer &renderer, const VulkanRenderGraph &graph, ShaderModules modules)
+void setGraph(OffscreenRenderer &renderer, const VulkanRenderGraph &graph, ShaderModules modules)
 {
     for (const VulkanRenderGraph::Pass &pass : graph.passes) {
         for (const QString &resource : {pass.vertexSpirvResource, pass.fragmentSpirvResource}) {
@@ -37,7 +37,7 @@ void setGraph(GraphRenderer &renderer, const VulkanRenderGraph &graph, ShaderMod
         qFatal("%s", qPrintable(error));
 }
 
-FloatImage drawFrame(GraphRenderer &renderer, const FloatImage &source, const FrameState &state,
+FloatImage drawFrame(OffscreenRenderer &renderer, const FloatImage &source, const FrameState &state,
                      int pass)
 {
     QString error;
@@ -47,12 +47,12 @@ FloatImage drawFrame(GraphRenderer &renderer, const FloatImage &source, const Fr
 }
 
 // A renderer for each preset, since setting a graph compiles its pipelines.
-GraphRenderer &rendererOf(const PresetEntry &preset)
+OffscreenRenderer &rendererOf(const PresetEntry &preset)
 {
-    static std::map<QString, std::unique_ptr<GraphRenderer>> renderers;
+    static std::map<QString, std::unique_ptr<OffscreenRenderer>> renderers;
     const QString name =
             QString::fromUtf8(preset.presetQrcPath).section(u'/', -1).section(u'.', 0, 0);
-    std::unique_ptr<GraphRenderer> &renderer = renderers[name];
+    std::unique_ptr<OffscreenRenderer> &renderer = renderers[name];
     if (!renderer) {
         renderer = softwareRenderer();
         setGraph(*renderer, VulkanRenderGraphCatalog::preset(name)->graph, {});
@@ -104,7 +104,7 @@ FloatImage drawComponent(const QString &component, const QList<SampledPicture> &
             qFatal("%s", qPrintable(error));
         return spirv;
     }();
-    static const std::unique_ptr<GraphRenderer> kRenderer = softwareRenderer();
+    static const std::unique_ptr<OffscreenRenderer> kRenderer = softwareRenderer();
 
     VulkanRenderGraph graph;
     VulkanRenderGraph::Pass drawn;

@@ -115,7 +115,7 @@ public:
     FloatImage draw(const FloatImage &source, const FrameState &state, int pass = -1);
 
 private:
-    GraphRenderer &m_renderer;
+    OffscreenRenderer &m_renderer;
 };
 
 // The largest difference in red, green and blue; infinite if the sizes differ, NaN if one occurs.

@@ -98,12 +98,13 @@ bool DrawingOptions::parse(const QCommandLineParser &parser, DrawingOptions &opt
 }
 
 bool DrawingOptions::loadPlayer(const QString &shadersDir, const QString &preset,
-                                std::optional<Player> &player, QString &error) const
+                                OffscreenRenderer::Outputs outputs, std::optional<Player> &player,
+                                QString &error) const
 {
     PresetOnDisk loaded;
     if (!loadPreset(shadersDir, preset, loaded, error))
         return false;
-    player.emplace(device);
+    player.emplace(device, outputs);
     player->setPreset(loaded);
     player->setViewport(size);
     player->setHeadroom(headroom);

@@ -18,7 +18,8 @@ struct DrawingOptions
     static bool parse(const QCommandLineParser &parser, DrawingOptions &options, QString &error);
 
     // Makes a player of the preset with these options. Its source is still to be opened.
-    bool loadPlayer(const QString &shadersDir, const QString &preset, std::optional<Player> &player,
+    bool loadPlayer(const QString &shadersDir, const QString &preset,
+                    OffscreenRenderer::Outputs outputs, std::optional<Player> &player,
                     QString &error) const;
     bool openSource(Player &player, QString &error) const;
 

@@ -69,7 +69,8 @@ bool writeGraph(const CommandLine &line, const QString &preset, const QString &o
     DrawingOptions options;
     std::optional<Player> player;
     if (!DrawingOptions::parse(line.parser, options, error)
-        || !options.loadPlayer(line.shadersDir, preset, player, error))
+        || !options.loadPlayer(line.shadersDir, preset, OffscreenRenderer::Outputs::All, player,
+                               error))
         return false;
     GraphDotExtras extras = {.values = player->values(), .passes = {}, .thumbnails = {}};
     if ((withThumbnails || line.parser.isSet(u"size"_s))

@@ -78,8 +78,7 @@ QString box(int index, const Pass &pass, const GraphDotExtras &extras)
     }
     if (!pass.constantBlackWhenZero.isEmpty()) {
         color = kBlackable;
-        const bool isBlack =
-                isDrawn && extras.passes.at(index).kind == PassResult::Kind::ConstantBlack;
+        const bool isBlack = isDrawn && extras.passes.at(index).kind == PassKind::ConstantBlack;
         rows += row(u"<I>black while %1 is 0%2%3</I>"_s.arg(
                 pass.constantBlackWhenZero.toHtmlEscaped(),
                 pass.shareConstantBlack ? u", shared"_s : QString(),

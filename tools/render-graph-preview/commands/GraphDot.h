@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GraphRenderer.h>
+#include <OffscreenRenderer.h>
 #include <VulkanRenderGraph.h>
 
 #include <QByteArray>

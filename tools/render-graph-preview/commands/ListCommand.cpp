@@ -1,6 +1,6 @@
 #include "Command.h"
 
-#include <GraphRenderer.h>
+#include <OffscreenRenderer.h>
 #include <PresetOnDisk.h>
 #include <TestPictures.h>
 
@@ -22,11 +22,11 @@ bool list(const CommandLine & /*line*/, QString &error)
     print("presets", presetNames());
     print("test pictures", testPictureNames());
     std::fflush(stdout); // before an error about the devices
-    QList<GraphRenderer::DeviceInfo> devices;
-    if (!GraphRenderer::devices(devices, error))
+    QList<PhysicalDeviceInfo> devices;
+    if (!VulkanDevice::list(devices, error))
         return false;
     QStringList lines;
-    for (const GraphRenderer::DeviceInfo &device : devices)
+    for (const PhysicalDeviceInfo &device : devices)
         lines.append(u"%1 %2%3"_s.arg(lines.size())
                              .arg(device.name, device.isSoftware ? u" (software)"_s : QString()));
     print("devices", lines);

@@ -61,9 +61,7 @@ struct PassProfile
 
     qint64 bytesWritten() const
     {
-        return result.kind == PassResult::Kind::Drawn
-                ? qint64(result.size.width()) * result.size.height() * texelBytes(result.format)
-                : 0;
+        return result.kind == PassKind::Drawn ? result.bytes : 0;
     }
 };
 
@@ -209,7 +207,7 @@ bool profile(const CommandLine &line, QString &error)
     std::vector<Measurement> measurements;
     for (const auto &[name, shadersDir] : runs) {
         std::optional<Player> player;
-        if (!options.loadPlayer(shadersDir, name, player, error)
+        if (!options.loadPlayer(shadersDir, name, OffscreenRenderer::Outputs::Last, player, error)
             || !options.openSource(*player, error))
             return false;
         SourcePicture still = player->source();

@@ -2,7 +2,11 @@
 
 #include <utility>
 
-Player::Player(QString device) : m_device(std::move(device)) { }
+Player::Player(QString device, OffscreenRenderer::Outputs outputs)
+    : m_device(std::move(device)),
+      m_outputs(outputs)
+{
+}
 
 void Player::setPreset(const PresetOnDisk &preset)
 {
@@ -57,7 +61,7 @@ bool Player::drawFrame(int number, QString &error)
 
 bool Player::tryDrawFrame(int number, QString &error)
 {
-    if (!m_renderer && !GraphRenderer::create(m_device, m_renderer, error))
+    if (!m_renderer && !OffscreenRenderer::create(m_device, m_outputs, m_renderer, error))
         return false;
     if (!m_hasGraph && !m_renderer->setGraph(m_preset.graph, m_preset.modules, error))
         return false;

@@ -3,7 +3,7 @@
 #include "PictureFile.h"
 #include "PresetOnDisk.h"
 
-#include <GraphRenderer.h>
+#include <OffscreenRenderer.h>
 
 #include <QHash>
 #include <QImage>
@@ -19,8 +19,9 @@
 class Player
 {
 public:
-    // `device` is a number, a part of a name, or empty for the first device.
-    explicit Player(QString device);
+    // `device` as for VulkanDevice::open().
+    explicit Player(QString device,
+                    OffscreenRenderer::Outputs outputs = OffscreenRenderer::Outputs::All);
 
     // A preset that loadPreset() returned. Its parameters get their initial values.
     void setPreset(const PresetOnDisk &preset);
@@ -53,7 +54,7 @@ public:
     bool drawFrame(int number, QString &error);
 
     // The renderer of the last frame; null if that failed.
-    const GraphRenderer *renderer() const
+    const OffscreenRenderer *renderer() const
     {
         return m_renderer.get();
     }
@@ -62,10 +63,11 @@ private:
     bool tryDrawFrame(int number, QString &error);
 
     QString m_device;
+    OffscreenRenderer::Outputs m_outputs;
     PresetOnDisk m_preset;
     SourcePicture m_source;
     FrameState m_state;
-    std::unique_ptr<GraphRenderer> m_renderer;
+    std::unique_ptr<OffscreenRenderer> m_renderer;
     bool m_hasGraph = false; // the renderer has m_preset's
     bool m_hasSource = false; // the renderer has m_source's first frame, if nothing else
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GraphRenderer.h>
+#include <OffscreenRenderer.h>
 #include <PresetParameters.h>
 #include <VulkanRenderGraph.h>
 

@@ -1,104 +1,79 @@
 #pragma once
 
+#include <VulkanGraphRenderer.h>
+
+#include <QByteArray>
+#include <QList>
 #include <QSize>
 #include <QString>
 
-#include <cstddef>
-#include <cstdint>
 #include <functional>
-#include <vector>
+#include <memory>
 
-#include <vulkan/vulkan_raii.hpp>
-
-// An image on the device, in layout eShaderReadOnlyOptimal except while it is written or copied.
-struct DeviceImage
+struct PhysicalDeviceInfo
 {
-    vk::Extent3D extent() const
-    {
-        return {std::uint32_t(size.width()), std::uint32_t(size.height()), 1};
-    }
-
-    QSize size;
-    vk::Format format = vk::Format::eUndefined;
-    std::uint32_t levels = 1;
-    std::uint64_t bytes = 0;
-    vk::raii::DeviceMemory memory = nullptr;
-    vk::raii::Image image = nullptr;
-    vk::raii::ImageView sampled = nullptr; // all levels
-    vk::raii::ImageView target = nullptr; // the first level
+    QString name;
+    bool isSoftware = false;
 };
 
-struct DeviceBuffer
+// An image on the device with one level.
+class DeviceImage
 {
-    vk::raii::DeviceMemory memory = nullptr;
-    vk::raii::Buffer buffer = nullptr;
-    void *mapped = nullptr;
+public:
+    ~DeviceImage();
+    Q_DISABLE_COPY_MOVE(DeviceImage)
+
+    QSize size() const;
+    VkImage image() const;
+    VkImageView view() const;
+    qint64 bytes() const; // of device memory
+
+private:
+    friend class VulkanDevice;
+    struct Data;
+    explicit DeviceImage(std::unique_ptr<Data> data);
+
+    std::unique_ptr<Data> m_data;
 };
 
-// A Vulkan device with one queue and one command buffer, for one thread. Failures of Vulkan are
-// thrown as exceptions of its C++ binding; the owner catches them.
+// A Vulkan device with one queue and one command buffer, for one thread.
+//
+// Functions that can fail return false and set `error` to one line.
 class VulkanDevice
 {
 public:
-    // A physical device that can draw.
-    struct Choice
-    {
-        vk::raii::PhysicalDevice physical;
-        std::uint32_t queueFamily;
-        QString name;
-        bool isSoftware;
-    };
-    static vk::raii::Instance createInstance(const vk::raii::Context &context);
-    static std::vector<Choice> choices(const vk::raii::Instance &instance);
+    // The devices that can draw, numbered in Vulkan's order. Fails where there is no Vulkan or no
+    // such device.
+    static bool list(QList<PhysicalDeviceInfo> &devices, QString &error);
 
-    VulkanDevice(vk::raii::Context context, vk::raii::Instance instance, Choice choice);
+    // `device` is a number, a part of a name (in any case), or empty for the first device that is
+    // no software, or else the first.
+    static bool open(const QString &device, std::unique_ptr<VulkanDevice> &opened, QString &error);
 
-    const Choice &choice() const
-    {
-        return m_choice;
-    }
-    const vk::PhysicalDeviceLimits &limits() const
-    {
-        return m_limits;
-    }
-    const vk::raii::Device &device() const
-    {
-        return m_device;
-    }
-    bool supports(vk::Format format, vk::FormatFeatureFlags features) const;
+    ~VulkanDevice();
+    Q_DISABLE_COPY_MOVE(VulkanDevice)
 
-    // Its content and layout are undefined. `hasMipmaps` adds levels down to one pixel.
-    DeviceImage createImage(QSize size, vk::Format format, vk::ImageUsageFlags usage,
-                            bool hasMipmaps = false) const;
-    DeviceBuffer createBuffer(std::size_t size, vk::BufferUsageFlags usage) const;
+    PhysicalDeviceInfo info() const;
+    VulkanGraphRenderer::Device handles() const;
 
-    // Records, submits, and waits until all is done.
-    void run(const std::function<void(const vk::raii::CommandBuffer &)> &record) const;
+    // Its content and layout are undefined.
+    bool createImage(QSize size, VkFormat format, VkImageUsageFlags usage,
+                     std::unique_ptr<DeviceImage> &image, QString &error) const;
 
-    bool hasTimestamps() const
-    {
-        return m_timestampMask != 0;
-    }
-    double millisecondsBetween(std::uint64_t timestamp, std::uint64_t laterTimestamp) const;
+    // Fills an image from tightly packed texels. Leaves it in the layout for sampling.
+    bool upload(const DeviceImage &image, const void *texels, std::size_t size, QString &error);
 
-    // Records a layout transition. Layouts: eUndefined, eShaderReadOnlyOptimal (read in fragment
-    // shaders), eTransferSrcOptimal and eTransferDstOptimal.
-    static void transition(const vk::raii::CommandBuffer &commands, const DeviceImage &image,
-                           vk::ImageLayout from, vk::ImageLayout to, std::uint32_t firstLevel = 0,
-                           std::uint32_t levels = VK_REMAINING_MIP_LEVELS);
+    // Reads an image, whose layout is `layout` before and after, into `texels` of `size` bytes.
+    bool download(VkImage image, VkImageLayout layout, QSize extent, void *texels, std::size_t size,
+                  QString &error);
+
+    // Records, submits, and waits until all is done. `record` returns false, with an error, if it
+    // recorded nothing.
+    bool submitAndWait(const std::function<bool(VkCommandBuffer)> &record, QString &error);
 
 private:
-    vk::raii::DeviceMemory allocate(const vk::MemoryRequirements &needed,
-                                    vk::MemoryPropertyFlags flags) const;
+    struct State;
+    explicit VulkanDevice(std::unique_ptr<State> state);
 
-    vk::raii::Context m_context;
-    vk::raii::Instance m_instance;
-    Choice m_choice;
-    vk::PhysicalDeviceLimits m_limits;
-    std::uint64_t m_timestampMask;
-    vk::raii::Device m_device;
-    vk::raii::Queue m_queue;
-    vk::raii::CommandPool m_commandPool;
-    vk::raii::CommandBuffer m_commands;
-    vk::raii::Fence m_done;
+    std::unique_ptr<State> m_state;
 };

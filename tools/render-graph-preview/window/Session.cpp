@@ -209,7 +209,7 @@ private:
         if (!drawBy(m_player, request, error))
             return false;
         frame.milliseconds = double(timer.nsecsElapsed()) * 1e-6;
-        const GraphRenderer &renderer = *m_player.renderer();
+        const OffscreenRenderer &renderer = *m_player.renderer();
         frame.number = request.frame;
         frame.passes = renderer.passes();
         for (const VulkanRenderGraph::Pass &pass : m_player.preset().graph.passes)
@@ -240,7 +240,7 @@ private:
     // All of them, or one per frame if the next request is waiting already.
     void drawThumbnails(std::optional<float> headroom)
     {
-        const GraphRenderer &renderer = *m_player.renderer();
+        const OffscreenRenderer &renderer = *m_player.renderer();
         const int count = int(renderer.passes().size());
         for (int drawn = 0; drawn < count && (drawn == 0 || !isInterrupted()); ++drawn) {
             m_thumbnail = (m_thumbnail + 1) % count;

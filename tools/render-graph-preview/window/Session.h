@@ -1,6 +1,6 @@
 #pragma once
 
-#include <GraphRenderer.h>
+#include <OffscreenRenderer.h>
 #include <PresetOnDisk.h>
 
 #include <QFileSystemWatcher>

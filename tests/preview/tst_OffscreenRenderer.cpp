@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Kind = PassResult::Kind;
+using Kind = PassKind;
 
 // A renderer with a preset and a source.
 class PresetRenderer
@@ -52,7 +52,7 @@ public:
         return renderer->passes().at(indexOf(component)).kind;
     }
 
-    std::unique_ptr<GraphRenderer> renderer = softwareRenderer();
+    std::unique_ptr<OffscreenRenderer> renderer = softwareRenderer();
     FrameState state;
 
 private:
@@ -71,7 +71,7 @@ const FloatImage kBlack({4, 3});
 
 } // namespace
 
-class TestGraphRenderer : public QObject
+class TestOffscreenRenderer : public QObject
 {
     Q_OBJECT
 
@@ -89,29 +89,32 @@ private Q_SLOTS:
     void memoryGrowsWithTheViewport();
 };
 
-void TestGraphRenderer::devices()
+void TestOffscreenRenderer::devices()
 {
     QString error;
-    QList<GraphRenderer::DeviceInfo> devices;
-    QVERIFY2(GraphRenderer::devices(devices, error), qPrintable(error));
+    QList<PhysicalDeviceInfo> devices;
+    QVERIFY2(VulkanDevice::list(devices, error), qPrintable(error));
     const QString name = devices.first().name;
     for (const QString &choice : {QString(), u"0"_s, name.toUpper(), name.left(4).toLower()}) {
-        std::unique_ptr<GraphRenderer> renderer;
-        QVERIFY2(GraphRenderer::create(choice, renderer, error), qPrintable(error));
+        std::unique_ptr<OffscreenRenderer> renderer;
+        QVERIFY2(
+                OffscreenRenderer::create(choice, OffscreenRenderer::Outputs::All, renderer, error),
+                qPrintable(error));
         QCOMPARE(renderer->device().name, name);
     }
 
     QStringList listed;
-    for (const GraphRenderer::DeviceInfo &device : std::as_const(devices))
+    for (const PhysicalDeviceInfo &device : std::as_const(devices))
         listed.append(u"%1: %2"_s.arg(QString::number(listed.size()), device.name));
     for (const QString &choice : {u"abacus"_s, u"-1"_s, QString::number(devices.size())}) {
-        std::unique_ptr<GraphRenderer> renderer;
-        QVERIFY(!GraphRenderer::create(choice, renderer, error));
+        std::unique_ptr<OffscreenRenderer> renderer;
+        QVERIFY(!OffscreenRenderer::create(choice, OffscreenRenderer::Outputs::All, renderer,
+                                           error));
         QCOMPARE(error, u"no Vulkan device '%1'; there are %2"_s.arg(choice, listed.join(u", "_s)));
     }
 }
 
-void TestGraphRenderer::frameErrors()
+void TestOffscreenRenderer::frameErrors()
 {
     const PresetOnDisk preset = examplePreset(u"dmg-lcd"_s);
     const auto renderer = softwareRenderer();
@@ -140,7 +143,7 @@ void TestGraphRenderer::frameErrors()
     QCOMPARE(error, u"the viewport is empty"_s);
     state.viewport = {10, 200000};
     QVERIFY(!renderer->drawFrame(state, error));
-    QVERIFY2(error.startsWith(u"pass 4 ('crt-dmg-grid') has 10x200000 pixels, "_s),
+    QVERIFY2(error.startsWith(u"the picture has 10x200000 pixels, "_s),
              qPrintable(error));
     QImage picture;
     QVERIFY(!renderer->output(0, picture, error));
@@ -151,7 +154,7 @@ void TestGraphRenderer::frameErrors()
     QCOMPARE(error, u"no pass 6 in the last frame"_s);
 }
 
-void TestGraphRenderer::brokenGraphLeavesTheLastOne()
+void TestOffscreenRenderer::brokenGraphLeavesTheLastOne()
 {
     PresetRenderer drawing(u"stock"_s, kWhite);
     drawing.draw();
@@ -168,7 +171,7 @@ void TestGraphRenderer::brokenGraphLeavesTheLastOne()
     QCOMPARE(drawing.renderer->passes().size(), 2);
 }
 
-void TestGraphRenderer::outputsHaveTheirSizes_data()
+void TestOffscreenRenderer::outputsHaveTheirSizes_data()
 {
     QTest::addColumn<QString>("component");
     QTest::addColumn<QSize>("expected");
@@ -178,7 +181,7 @@ void TestGraphRenderer::outputsHaveTheirSizes_data()
     QTest::newRow("input, a constant black one") << u"crt-halation-blur-v"_s << QSize(320, 240);
 }
 
-void TestGraphRenderer::outputsHaveTheirSizes()
+void TestOffscreenRenderer::outputsHaveTheirSizes()
 {
     QFETCH(QString, component);
     QFETCH(QSize, expected);
@@ -192,7 +195,7 @@ void TestGraphRenderer::outputsHaveTheirSizes()
 }
 
 // Feedback has converged in the first frame, and again after a reset or a change of size.
-void TestGraphRenderer::historyStartsAsThePicture()
+void TestOffscreenRenderer::historyStartsAsThePicture()
 {
     PresetRenderer drawing(u"dmg-lcd"_s, kWhite);
     const int ghost = drawing.indexOf(u"dmg-ghost"_s);
@@ -210,7 +213,7 @@ void TestGraphRenderer::historyStartsAsThePicture()
     QCOMPARE(drawing.output(ghost).pixels, drawing.output(ghost - 1).pixels);
 }
 
-void TestGraphRenderer::historyIsOfTheLastFrame()
+void TestOffscreenRenderer::historyIsOfTheLastFrame()
 {
     PresetRenderer drawing(u"dmg-lcd"_s, kWhite);
     drawing.state.params.insert(u"ghost_fall"_s, 0.5F);
@@ -229,7 +232,7 @@ void TestGraphRenderer::historyIsOfTheLastFrame()
     }
 }
 
-void TestGraphRenderer::cachedPassIsDrawnWhenAParameterChanges()
+void TestOffscreenRenderer::cachedPassIsDrawnWhenAParameterChanges()
 {
     PresetRenderer drawing(u"crt-bw"_s, kWhite);
     const QString tile = u"crt-phosphor-tile"_s;
@@ -239,7 +242,7 @@ void TestGraphRenderer::cachedPassIsDrawnWhenAParameterChanges()
     const FloatImage grille = drawing.output(drawing.indexOf(tile));
     drawing.state.params.insert(u"mask_strength"_s, 0.5F); // not a parameter of the tile
     drawing.draw();
-    QCOMPARE(drawing.kindOf(tile), Kind::Cached);
+    QCOMPARE(drawing.kindOf(tile), Kind::Unchanged);
     QCOMPARE(drawing.output(drawing.indexOf(tile)).pixels, grille.pixels);
     drawing.state.params.insert(u"mask_type"_s, 2.0F);
     drawing.draw();
@@ -251,7 +254,7 @@ void TestGraphRenderer::cachedPassIsDrawnWhenAParameterChanges()
 }
 
 // Strength 0 looks like a tiny strength, and drawing continues when it is raised.
-void TestGraphRenderer::constantBlackIsNotDrawn()
+void TestOffscreenRenderer::constantBlackIsNotDrawn()
 {
     PresetRenderer drawing(u"crt-arcade"_s, kWhite);
     const auto shownAt = [&drawing](float strength) {
@@ -275,7 +278,7 @@ void TestGraphRenderer::constantBlackIsNotDrawn()
 }
 
 // The shortest times of several frames, since other programs use the processor too.
-void TestGraphRenderer::drawnPassesAreTimed()
+void TestOffscreenRenderer::drawnPassesAreTimed()
 {
     PresetRenderer drawing(u"crt-bw"_s, kWhite);
     drawing.state.viewport = {400, 300};
@@ -308,7 +311,7 @@ void TestGraphRenderer::drawnPassesAreTimed()
     QVERIFY2(share > 0.2, QByteArray::number(share).constData());
 }
 
-void TestGraphRenderer::memoryGrowsWithTheViewport()
+void TestOffscreenRenderer::memoryGrowsWithTheViewport()
 {
     PresetRenderer drawing(u"stock"_s, kWhite);
     drawing.state.viewport = {100, 100};
@@ -323,5 +326,5 @@ void TestGraphRenderer::memoryGrowsWithTheViewport()
     QCOMPARE(drawing.renderer->memoryHeld(), small);
 }
 
-QTEST_GUILESS_MAIN(TestGraphRenderer)
-#include "tst_GraphRenderer.moc"
+QTEST_GUILESS_MAIN(TestOffscreenRenderer)
+#include "tst_OffscreenRenderer.moc"

@@ -1,6 +1,8 @@
 #pragma once
 
-#include <VulkanRenderGraph.h>
+#include "VulkanDevice.h"
+
+#include <VulkanGraphRenderer.h>
 
 #include <QByteArray>
 #include <QHash>
@@ -15,7 +17,7 @@
 #include <optional>
 
 // SPIR-V modules by the names that a graph's passes refer to.
-using ShaderModules = QHash<QString, QByteArray>;
+using ShaderModules = VulkanGraphRenderer::Modules;
 
 // Per-frame inputs.
 struct FrameState
@@ -29,57 +31,42 @@ struct FrameState
     float frameSeconds = 1.0F / 60.0F; // since the previous frame; 0: unknown
 };
 
-int texelBytes(VulkanRenderGraph::Format format);
+using PassKind = VulkanGraphRenderer::PassKind;
 
 // What one pass did in the last frame.
 struct PassResult
 {
-    enum class Kind : std::uint8_t {
-        Drawn,
-        Cached, // not drawn: its parameters have not changed since it was
-        ConstantBlack // not drawn: the parameter that scales it is 0
-    };
-    Kind kind = Kind::Drawn;
+    PassKind kind = PassKind::Drawn;
     QSize size;
     VulkanRenderGraph::Format format = VulkanRenderGraph::Format::RGBA16F;
+    qint64 bytes = 0; // of its output
     std::optional<double> milliseconds; // if it was drawn and the device has timestamps
 };
-QLatin1StringView nameOf(PassResult::Kind kind); // "drawn", "cached" or "black"
+QLatin1StringView nameOf(PassKind kind); // "drawn", "unchanged", "black" or "left out"
 
-// Draws a graph on a Vulkan 1.1 device. All images stay on the device. A frame is one submission
-// without waits on the host. Not thread-safe.
+// Draws a graph on a device of its own, and reads the outputs back. Not thread-safe.
 //
 // Pictures are images of QImage::Format_RGBA32FPx4. Whether their colours are gamma-encoded or
 // linear depends on the pass that drew them; 1.0 is reference white in both.
 //
-// The history of a feedback pass starts as a copy of the image that the pass samples at binding 0,
-// scaled to the pass's size: as if the display had been showing this picture for a long time. It
-// starts anew with a graph's first frame, after resetHistories() and after a change of size.
-//
 // Functions that can fail return false and set `error` to one line or more, without the program's
 // name. On success they leave `error` alone. Invalid arguments change nothing. After a failure of
 // the device the device may be lost: create a new renderer.
-class GraphRenderer
+class OffscreenRenderer
 {
 public:
-    struct DeviceInfo
-    {
-        QString name;
-        bool isSoftware = false;
-    };
+    // Whether output() can read every pass or the last one only, which takes less memory and time,
+    // as in an application.
+    enum class Outputs : std::uint8_t { All, Last };
 
-    // The devices that can draw, numbered in Vulkan's order. Fails where there is no Vulkan or no
-    // such device.
-    static bool devices(QList<DeviceInfo> &devices, QString &error);
+    // `device` as for VulkanDevice::open().
+    static bool create(const QString &device, Outputs outputs,
+                       std::unique_ptr<OffscreenRenderer> &renderer, QString &error);
 
-    // `device` is a number, a part of a name (in any case), or empty for the first device.
-    static bool create(const QString &device, std::unique_ptr<GraphRenderer> &renderer,
-                       QString &error);
+    ~OffscreenRenderer();
+    Q_DISABLE_COPY_MOVE(OffscreenRenderer)
 
-    ~GraphRenderer();
-    Q_DISABLE_COPY_MOVE(GraphRenderer)
-
-    DeviceInfo device() const;
+    PhysicalDeviceInfo device() const;
 
     // Replaces the graph, which has to be valid, and the histories. On failure the previous graph
     // stays.
@@ -104,7 +91,7 @@ public:
 
 private:
     class State;
-    explicit GraphRenderer(std::unique_ptr<State> state);
+    explicit OffscreenRenderer(std::unique_ptr<State> state);
 
     std::unique_ptr<State> m_state;
 };
