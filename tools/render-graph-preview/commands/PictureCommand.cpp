@@ -106,10 +106,6 @@ bool picture(const CommandLine &line, QString &error)
         return false;
     }
 
-    const QString choice = line.parser.value(u"pass"_s);
-    const auto outputs =
-            choice.isEmpty() ? OffscreenRenderer::Outputs::Last : OffscreenRenderer::Outputs::All;
-
     // One player for each value to compare.
     std::vector<Player> players;
     QStringList labels;
@@ -117,7 +113,8 @@ bool picture(const CommandLine &line, QString &error)
     const QStringList values = comparison.section(u'=', 1).split(u',');
     for (const QString &value : values) {
         std::optional<Player> player;
-        if (!options.loadPlayer(line.shadersDir, line.arguments.first(), outputs, player, error))
+        if (!options.loadPlayer(line.shadersDir, line.arguments.first(),
+                                OffscreenRenderer::Outputs::All, player, error))
             return false;
         if (!comparison.isEmpty()) {
             const QString id = comparison.section(u'=', 0, 0);
@@ -128,6 +125,7 @@ bool picture(const CommandLine &line, QString &error)
         players.push_back(std::move(*player));
     }
     const VulkanRenderGraph &graph = players.front().preset().graph;
+    const QString choice = line.parser.value(u"pass"_s);
     QList<int> passes;
     if (!choosePasses(graph, choice, passes, error))
         return false;
