@@ -86,8 +86,8 @@ private Q_SLOTS:
     void smearLeavesLumaAlone();
     void noiseIsAPartOfThePicture();
     void tapeRunsWithTheFrameCounter();
-    void sameLookAtAnyRate_data();
-    void sameLookAtAnyRate();
+    void displayDoesNotMoveTheClock_data();
+    void displayDoesNotMoveTheClock();
 };
 
 void TestRewindShaders::linesWiggle()
@@ -286,23 +286,19 @@ void TestRewindShaders::tapeRunsWithTheFrameCounter()
     QVERIFY(isNear(sum / 20.0, 0.5, 0.01));
 }
 
-// After 1.1 s.
-void TestRewindShaders::sameLookAtAnyRate_data()
+void TestRewindShaders::displayDoesNotMoveTheClock_data()
 {
     QTest::addColumn<float>("frameSeconds");
-    QTest::addColumn<std::uint32_t>("frameCount");
-    QTest::newRow("50 Hz") << 1.0F / 50.0F << 55U;
-    QTest::newRow("60 Hz, a little late") << 1.08F / 60.0F << 66U;
-    QTest::newRow("60 Hz, a little early") << 0.9F / 60.0F << 66U;
-    QTest::newRow("unknown") << 0.0F << 66U;
-    QTest::newRow("120 Hz") << 1.0F / 120.0F << 132U;
-    QTest::newRow("240 Hz") << 1.0F / 240.0F << 264U;
+    QTest::newRow("24 Hz") << 1.0F / 24.0F;
+    QTest::newRow("50 Hz") << 1.0F / 50.0F;
+    QTest::newRow("240 Hz") << 1.0F / 240.0F;
+    QTest::newRow("a pause") << 1.0F;
+    QTest::newRow("unknown") << 0.0F;
 }
 
-void TestRewindShaders::sameLookAtAnyRate()
+void TestRewindShaders::displayDoesNotMoveTheClock()
 {
     QFETCH(float, frameSeconds);
-    QFETCH(std::uint32_t, frameCount);
     const PresetEntry &preset = presetEntry(u"rewind"_s);
     const FloatImage picture = noise({80, 60});
     PresetDrawing drawing(preset);
@@ -315,7 +311,7 @@ void TestRewindShaders::sameLookAtAnyRate()
     };
     const FloatImage expected = shown(1.0F / 60.0F, 66);
     QVERIFY(difference(expected, shown(1.0F / 60.0F, 67)) > 0.1F);
-    QVERIFY(areAlike(shown(frameSeconds, frameCount), expected, 2.0F / 255.0F));
+    QCOMPARE(shown(frameSeconds, 66).pixels, expected.pixels);
 }
 
 QTEST_GUILESS_MAIN(TestRewindShaders)

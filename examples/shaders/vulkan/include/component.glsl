@@ -10,6 +10,9 @@
 layout(location = 0) in vec2 texCoord;
 layout(location = 0) out vec4 fragColor;
 
+// How many emulated frames there are in a second. The renderer knows.
+layout(constant_id = 0) const float framesPerSecond = 60.0;
+
 // 128 bytes, the least that every Vulkan device offers: 3 * 16 for the sizes and 5 * 4 for the
 // scalars leave 60, which is 15 parameters.
 layout(push_constant) uniform PushConstants
@@ -17,10 +20,10 @@ layout(push_constant) uniform PushConstants
     vec4 sourceSize; // of binding 0: width, height in pixels, then their reciprocals
     vec4 outputSize; // of this pass
     vec4 originalSize; // of the picture that entered the preset
-    uint frameCount; // emulated frames shown so far
+    uint frameCount; // emulated frames shown so far, framesPerSecond in a second
     int frameDirection; // 1 forwards, -1 while rewinding
     uint hdrOutputActive; // 1 when the swapchain is HDR
-    float frameSeconds; // time since the previous frame
+    float frameSeconds; // since the display's previous frame; 0: unknown
     float hdrHeadroom; // the display's peak over its reference white; 1 in SDR
     float params[15]; // by the rank of the parameter's id among the component's sorted ids
 } pc;
