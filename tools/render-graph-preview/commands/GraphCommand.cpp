@@ -10,7 +10,7 @@ namespace {
 
 constexpr QSize kThumbnailSize = {160, 120};
 
-QList<QCommandLineOption> options()
+QList<QCommandLineOption> graphOptions()
 {
     return DrawingOptions::declared()
             + QList<QCommandLineOption>{
@@ -115,5 +115,5 @@ const Command kGraphCommand = {
         .out = "A file that ends in .svg, drawn by Graphviz, or in .dot; with --all a directory.",
         .fewestArguments = 0,
         .mostArguments = 1,
-        .options = options,
+        .options = graphOptions,
         .run = graph};

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kGap = 8;
 
-QList<QCommandLineOption> options()
+QList<QCommandLineOption> pictureOptions()
 {
     return DrawingOptions::declared()
             + QList<QCommandLineOption>{
@@ -173,5 +173,5 @@ const Command kPictureCommand = {
         .out = "The PNG file to write.",
         .fewestArguments = 1,
         .mostArguments = 1,
-        .options = options,
+        .options = pictureOptions,
         .run = picture};

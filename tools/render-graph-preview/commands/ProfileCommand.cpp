@@ -17,7 +17,7 @@ namespace {
 constexpr int kFrames = 60;
 constexpr int kWarmUpFrames = 3; // not measured
 
-QList<QCommandLineOption> options()
+QList<QCommandLineOption> profileOptions()
 {
     return DrawingOptions::declared()
             + QList<QCommandLineOption>{
@@ -261,5 +261,5 @@ const Command kProfileCommand = {
         .out = "",
         .fewestArguments = 1,
         .mostArguments = 1,
-        .options = options,
+        .options = profileOptions,
         .run = profile};
