@@ -36,7 +36,6 @@ class TestPresetOnDisk : public TestInEmptyDirectory
     Q_OBJECT
 
 private Q_SLOTS:
-    void namesFollowTheManifest();
     void presetsAreTheManifests();
     void modulesAreTheBuilds();
     void initialValuesAreTheTunedOnes();
@@ -45,11 +44,6 @@ private Q_SLOTS:
     void errors_data();
     void errors();
 };
-
-void TestPresetOnDisk::namesFollowTheManifest()
-{
-    QCOMPARE(presetNames(), VulkanRenderGraphCatalog::presetNames());
-}
 
 // Written by the tool's writer, all presets give the golden manifest. The fields that a
 // PresetOnDisk does not have are the catalog's.

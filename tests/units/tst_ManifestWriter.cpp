@@ -41,12 +41,9 @@ private Q_SLOTS:
     void floatLiteral_data();
     void floatLiteral();
     void floatLiteralsReadBackBitForBit();
-    void noPresetsReplaceAnEarlierFile();
     void presetsInFull();
     void enumerationNames_data();
     void enumerationNames();
-    void outputThatCannotBeOpened_data();
-    void outputThatCannotBeOpened();
 };
 
 void TestManifestWriter::freshRecordHasItsDefaults()
@@ -304,36 +301,6 @@ void TestManifestWriter::enumerationNames()
     preset.graph.passes[0].format = static_cast<Graph::Format>(format);
     preset.graph.passes[0].scaleSource = static_cast<Graph::ScaleSource>(scaleSource);
     QVERIFY(written({preset}).contains(lines));
-}
-
-void TestManifestWriter::noPresetsReplaceAnEarlierFile()
-{
-    writeFile(u"m.h"_s, QByteArray(1 << 20, 'x'));
-    QCOMPARE(written({}), R"(inline constexpr PresetEntry kPresets[] = {
-};
-
-}  // namespace RenderGraphManifestData
-)");
-}
-
-void TestManifestWriter::outputThatCannotBeOpened_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QByteArray>("shown");
-    QTest::newRow("directory") << u"."_s << QByteArray(".");
-    QTest::newRow("missing directory") << u"none/m.h"_s << QByteArray("none/m.h");
-    QTest::newRow("beyond ASCII") << u"n\u00e9/m.h"_s << QByteArray("n\xc3\xa9/m.h");
-}
-
-void TestManifestWriter::outputThatCannotBeOpened()
-{
-    QFETCH(QString, path);
-    QFETCH(QByteArray, shown);
-    bool succeeded = true;
-    const QByteArray err = captured(stderr, [&] { succeeded = writeManifest(path, {}); });
-    QVERIFY(!succeeded);
-    QCOMPARE(err, "render-graph-compile: failed to open '" + shown + "' for writing\n");
-    QVERIFY(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
 }
 
 QTEST_APPLESS_MAIN(TestManifestWriter)

@@ -119,7 +119,6 @@ private Q_SLOTS:
     void limitsAreInclusive();
     void diagnostics_data();
     void diagnostics();
-    void unreadableSourceIsNoError();
     void danglingSlangLinkFallsBackToFrag();
     void failureKeepsTheAcceptedPasses();
 };
@@ -576,17 +575,6 @@ void TestPresetCompiler::diagnostics()
     const Outcome outcome = compiled(passes, sources);
     QCOMPARE(outcome.err, message);
     QVERIFY(!outcome.succeeded);
-}
-
-void TestPresetCompiler::unreadableSourceIsNoError()
-{
-    QDir().mkpath(u"shaders/vulkan/components/a.slang"_s);
-    const Outcome outcome = compiled({binding("a", kLetters)}, {});
-    QCOMPARE(outcome.err, "");
-    QVERIFY(outcome.succeeded);
-    QCOMPARE(inputs(outcome.graph, 0), QList<int>({-2}));
-    QVERIFY(outcome.graph.passes.at(0).params.isEmpty());
-    QCOMPARE(outcome.graph.finalRealPassRespondsToHdr, false);
 }
 
 void TestPresetCompiler::danglingSlangLinkFallsBackToFrag()

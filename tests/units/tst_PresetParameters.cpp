@@ -99,8 +99,6 @@ private Q_SLOTS:
     void driftCheck_data();
     void driftCheck();
     void driftMessageIsInCodeUnitOrder();
-    void parametersLineMayBeAnywhere_data();
-    void parametersLineMayBeAnywhere();
     void presetWithoutParameters_data();
     void presetWithoutParameters();
     void fileThatExistsButCannotBeReadIsDrift();
@@ -269,6 +267,11 @@ void TestPresetParameters::driftCheck_data()
     QTest::newRow("empty parts") << QByteArray("parameters = \";c;;a;b;\"\n") << QByteArray();
     QTest::newRow("text behind the quote")
             << QByteArray("parameters=\"c;a;b\" # d\n") << QByteArray();
+    const QByteArray line = "  parameters\t=  \"a;b;c\"";
+    QTest::newRow("last, without a newline") << "shaders = \"1\"\n" + line << QByteArray();
+    QTest::newRow("behind a line without quotes") << "parameters = a\n" + line << QByteArray();
+    QTest::newRow("behind a list in a comment") << "# parameters = \"a\"\n" + line << QByteArray();
+    QTest::newRow("UTF-16 with a mark") << utf16WithMark("x\n" + line) << QByteArray();
     row("empty list", "parameters = \"\"\n", "");
     row("empty file", "", "");
     row("no parameters line", "a = \"1.0\"\n", "");
@@ -305,24 +308,6 @@ void TestPresetParameters::driftMessageIsInCodeUnitOrder()
     QCOMPARE(collected(kMixedCasePreset).err,
              "render-graph-compile: preset 'p' ownParams union {B;_;a;b} does not match its .glslp "
              "parameters= list {Z;_;a;b}\n");
-}
-
-void TestPresetParameters::parametersLineMayBeAnywhere_data()
-{
-    QTest::addColumn<QByteArray>("file");
-    const QByteArray line = "  parameters\t=  \"a;b;c\"";
-    QTest::newRow("last, without a newline") << "shaders = \"1\"\n" + line;
-    QTest::newRow("behind a line without quotes") << "parameters = a\n" + line;
-    QTest::newRow("behind a list in a comment") << "# parameters = \"a\"\n" + line;
-}
-
-void TestPresetParameters::parametersLineMayBeAnywhere()
-{
-    QFETCH(QByteArray, file);
-    writeFile(u"shaders/p.glslp"_s, file);
-    const Outcome outcome = collected(kPreset);
-    QCOMPARE(outcome.err, "");
-    QVERIFY(outcome.succeeded);
 }
 
 void TestPresetParameters::presetWithoutParameters_data()
