@@ -211,15 +211,23 @@ bool TestApplication::draw(const VulkanGraphRenderer::PreparedGraph &graph,
     return true;
 }
 
-bool TestApplication::record(const VulkanGraphRenderer::PreparedGraph &graph,
-                             const VulkanGraphRenderer::Frame &frame, QString &error)
+void TestApplication::withCommands(const std::function<void(VkCommandBuffer)> &record)
 {
-    const VkCommandBuffer commands = m_frames.at(std::size_t(frame.frameInFlight)).commands;
+    const VkCommandBuffer commands = m_frames.front().commands;
     const VkCommandBufferBeginInfo begin = {VK_STRUCTURE_TYPE_COMMAND_BUFFER_BEGIN_INFO, nullptr, 0,
                                             nullptr};
     check(m_vk->beginCommandBuffer(commands, &begin));
-    const bool isRecorded = m_renderer->record(commands, graph, frame, error);
+    record(commands);
     check(m_vk->endCommandBuffer(commands));
+}
+
+bool TestApplication::record(const VulkanGraphRenderer::PreparedGraph &graph,
+                             const VulkanGraphRenderer::Frame &frame, QString &error)
+{
+    bool isRecorded = false;
+    withCommands([&](VkCommandBuffer commands) {
+        isRecorded = m_renderer->record(commands, graph, frame, error);
+    });
     return isRecorded;
 }
 

@@ -4,6 +4,7 @@
 #include <VulkanDevice.h>
 #include <VulkanGraphRenderer.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <vector>
@@ -54,6 +55,9 @@ public:
               const VulkanGraphRenderer::Frame &frame, QString &error,
               VulkanGraphRenderer *renderer = nullptr);
     void waitForAll();
+
+    // Calls `record` with commands that are not submitted.
+    void withCommands(const std::function<void(VkCommandBuffer)> &record);
 
     // Records without submitting.
     bool record(const VulkanGraphRenderer::PreparedGraph &graph,
