@@ -1,6 +1,7 @@
 # shellcheck shell=sh disable=SC2034,SC2164 # the tests set -e and use these variables
 # Functions of the tests of the installed CMake package. CTest sets CMAKE, CXX, BUILD_DIR (the build to install),
-# CONFIG, SOURCE_DIR, SMALL_TOOL (a tool with few presets), SMALL_SHADERS_DIR (their sources) and WORK_DIR.
+# CONFIG, SOURCE_DIR, SMALL_TOOL and SMALL_CHECK (programs with few presets), SMALL_SHADERS_DIR (their sources) and
+# WORK_DIR.
 export LC_ALL=C.UTF-8
 
 fail() {
@@ -23,12 +24,14 @@ fresh_real_install() {
     "$CMAKE" --install "$BUILD_DIR" --config "$CONFIG" --prefix "$WORK_DIR/first" >log
     mv first "$prefix"
     tool="$prefix/bin/render-graph-compile"
+    check="$prefix/bin/render-graph-check"
 }
 
-# The same, with the small tool.
+# The same, with the small programs.
 fresh_install() {
     fresh_real_install
     cp "$SMALL_TOOL" "$tool"
+    cp "$SMALL_CHECK" "$check"
 }
 
 # small_shaders <directory>: the sources of the small tool's presets.
@@ -59,8 +62,8 @@ lines() {
     grep -c "$1" log || true
 }
 
-# quick_sources <directory> <code>: copies the project's sources, but with a tool that only starts "$tool", which is
-# quick to build. Its main.cpp begins with <code>.
+# quick_sources <directory> <code>: copies the project's sources, but with programs that only start "$tool" and
+# "$check", which is quick to build. Each main.cpp begins with <code>.
 quick_sources() {
     mkdir -p "$1"
     for part in CMakeLists.txt cmake docs examples packaging src tools; do
@@ -74,9 +77,11 @@ quick_sources() {
         echo 'set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)'
         cat "$SOURCE_DIR/CMakeLists.txt"
     } >"$1/CMakeLists.txt"
-    cat >"$1/tools/render-graph-compile/main.cpp" <<END
+    for program in "$tool" "$check"; do
+        cat >"$1/tools/$(basename "$program")/main.cpp" <<END
 #include <unistd.h>
 ${2-}
-int main(int, char *argv[]) { return ::execv("$tool", argv); }
+int main(int, char *argv[]) { return ::execv("$program", argv); }
 END
+    done
 }

@@ -28,7 +28,7 @@ echo built | tee "$sources/.git/config" >"$sources/build/dev/built.txt"
 configure "$sources" "$sources/out" -G Ninja -DBUILD_TESTING=OFF -DCMAKE_BUILD_TYPE=Release \
     "-DQt6_DIR=$WORK_DIR/qt/lib/cmake/Qt6" "-DCMAKE_INSTALL_PREFIX=$WORK_DIR/installed" \
     "-DCMAKE_INSTALL_DATADIR=$WORK_DIR/shared data" || fail 'configuring'
-build "$sources/out" --target render-graph-compile || fail 'building'
+build "$sources/out" --target render-graph-compile render-graph-check || fail 'building'
 "$CMAKE" --install "$sources/out" >log 2>&1 || fail 'installing'
 installed/bin/render-graph-compile --shaders-dir "$SMALL_SHADERS_DIR" --out m.h >log 2>&1 ||
     fail 'the installed tool does not find its Qt'
@@ -72,6 +72,7 @@ examples/share/render-graph-compile/examples/shaders/*
 examples/share/render-graph-compile/examples/shaders/vulkan/*
 examples/share/render-graph-compile/examples/shaders/vulkan/components/*
 examples/share/render-graph-compile/examples/shaders/vulkan/include/*
+tool/bin/render-graph-check
 tool/bin/render-graph-compile
 tool/share/man/man1/render-graph-compile.1
 END
@@ -90,12 +91,12 @@ if build "$sources/out" --target uninstall; then fail 'uninstalling twice succee
 # The tool in the .deb uses the system's Qt.
 if command -v dpkg-deb >/dev/null; then
     configure "$sources" "$sources/out" -DCMAKE_INSTALL_DATADIR=share || fail 'configuring for cpack'
-    "$CMAKE" --build "$sources/out" --target render-graph-compile >log 2>&1
+    build "$sources/out" --target render-graph-compile render-graph-check || fail 'building for cpack'
     (cd "$sources/out" && cpack -G DEB -D CPACK_DEBIAN_PACKAGE_SHLIBDEPS=OFF -B "$WORK_DIR/deb") \
         >log 2>&1 || fail 'packing a .deb'
     dpkg-deb --extract deb/*.deb unpacked
-    readelf -d unpacked/usr/bin/render-graph-compile >log
-    [ "$(lines 'NEEDED.*libOwnCore')" = 1 ] || fail 'no tool in the .deb'
+    readelf -d unpacked/usr/bin/render-graph-compile unpacked/usr/bin/render-graph-check >log
+    [ "$(lines 'NEEDED.*libOwnCore')" = 2 ] || fail 'the .deb lacks a program'
     [ "$(lines 'RPATH\|RUNPATH')" = 0 ] || fail 'the .deb looks for Qt in a directory of this machine'
 fi
 

@@ -51,8 +51,22 @@ build build || fail 'building with changed presets'
 build build || fail 'building again'
 [ "$(lines 'no work to do')" = 1 ] || fail 'the next build runs something'
 
+# The check has the same presets.
+build build --target render-graph-check || fail 'building the check'
+mkdir no-modules
+built=build/third_party/render-graph-compile/tools
+if $built/render-graph-check/render-graph-check --shaders-dir project/shaders --modules no-modules >log 2>&1; then
+    fail 'the check accepts modules that do not exist'
+fi
+diff - log <<'END' || fail "the check has other presets than the project's"
+tint.frag.spv: cannot be read
+fullscreen.vert.spv: cannot be read
+hdr-color-boost.frag.spv: cannot be read
+END
+
 # With FetchContent, and without what the preview needs, which is no error.
-tool="$WORK_DIR/build/third_party/render-graph-compile/tools/render-graph-compile/render-graph-compile"
+tool="$WORK_DIR/$built/render-graph-compile/render-graph-compile"
+check="$WORK_DIR/$built/render-graph-check/render-graph-check"
 quick_sources render-graph-compile '#include <FirstPartyPresets.h>
 #include <string_view>
 static_assert(FirstPartyPresetSource::kPresets[0].name == std::string_view("dyed"));'
@@ -70,14 +84,14 @@ build fetched || fail 'building with FetchContent'
 [ "$(fetched/my_app)" = ':/shaders/dyed.glslp 2' ] ||
     fail "FetchContent: the program has other presets than the project's"
 
-# Only the tool, from the sources.
+# Only the programs, from the sources.
 cp "$SOURCE_DIR/CMakePresets.json" render-graph-compile
 (
     cd render-graph-compile
     unset CI # CI would require tools that this build does not need
     "$CMAKE" --preset release "-DRenderGraphCompile_PRESETS=$WORK_DIR/project/MyPresets.h" "-DQt6_DIR=$qt_dir"
-    "$CMAKE" --build --preset release --target render-graph-compile
-) >log 2>&1 || fail 'building a tool alone'
+    "$CMAKE" --build --preset release --target render-graph-compile render-graph-check
+) >log 2>&1 || fail 'building the programs alone'
 
 # While cross-compiling, CMake would find the target system's libraries. So nothing searches for what the preview needs.
 configure project foreign -G Ninja "-DQt6_DIR=$qt_dir" -DCMAKE_CROSSCOMPILING_EMULATOR=emulator \

@@ -22,6 +22,7 @@ function(expect_hardened program)
 endfunction()
 
 expect_hardened("${WORK_DIR}/deb/usr/bin/render-graph-compile" "Fortify Source functions")
+expect_hardened("${WORK_DIR}/deb/usr/bin/render-graph-check" "Fortify Source functions")
 if(EXISTS "${WORK_DIR}/preview")
     expect_hardened("${WORK_DIR}/preview/usr/bin/render-graph-preview")
 endif()

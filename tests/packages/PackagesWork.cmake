@@ -76,7 +76,7 @@ run("${CMAKE_COMMAND}" -S "${SOURCE_DIR}" -B "${build}" -G "${GENERATOR}" -DCMAK
     -DBUILD_TESTING=OFF -DCMAKE_EXPORT_COMPILE_COMMANDS=ON "-DCMAKE_MAKE_PROGRAM=${NINJA}"
     -DCMAKE_UNITY_BUILD=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON # halves the time
     "-DCMAKE_CXX_COMPILER=${CXX}" "-DQt6_DIR=${Qt6_DIR}")
-run("${CMAKE_COMMAND}" --build "${build}" --target render-graph-compile)
+run("${CMAKE_COMMAND}" --build "${build}" --target render-graph-compile render-graph-check)
 
 # The packages have the same bytes under any umask and at any time, so there is a second between the two runs.
 set(ENV{SOURCE_DATE_EPOCH} 1700000000)
@@ -128,6 +128,7 @@ foreach(expected IN ITEMS
 endforeach()
 run(dpkg-deb --extract "${deb}" "${WORK_DIR}/deb")
 expect_tree("${WORK_DIR}/deb" usr/
+    usr/bin/render-graph-check
     usr/bin/render-graph-compile
     usr/share/doc/render-graph-compile/changelog.gz
     usr/share/doc/render-graph-compile/copyright
@@ -163,6 +164,7 @@ file(ARCHIVE_EXTRACT INPUT "${tar}" DESTINATION "${WORK_DIR}/tar")
 get_filename_component(top "${tar}" NAME)
 string(REGEX REPLACE "[.]tar[.]gz$" "" top "${top}")
 expect_tree("${WORK_DIR}/tar" "${top}/"
+    "${top}/bin/render-graph-check"
     "${top}/bin/render-graph-compile"
     "${top}/share/man/man1/render-graph-compile.1"
     "${top}/share/pkgconfig/render-graph-compile.pc"
