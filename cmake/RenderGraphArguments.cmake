@@ -100,3 +100,15 @@ function(_render_graph_settings code_variable)
     endforeach()
     set(${code_variable} "${code}" PARENT_SCOPE)
 endfunction()
+
+# Sets what `cmake -E env` changes for a program that uses Qt. From 6.5 on, Qt warns at every start where the locale is
+# not UTF-8.
+function(_render_graph_utf8_environment variable)
+    set(utf8 LC_ALL=C.UTF-8)
+    if(CMAKE_HOST_APPLE)
+        set(utf8 --unset=LC_ALL --unset=LC_CTYPE --unset=LANG)
+    elseif(CMAKE_HOST_WIN32)
+        set(utf8 "")
+    endif()
+    set(${variable} "${utf8}" PARENT_SCOPE)
+endfunction()

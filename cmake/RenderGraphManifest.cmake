@@ -82,27 +82,35 @@ function(_render_graph_compile_command command_variable dependency_variable)
             "render_graph_manifest: there is no target ${target} here. "
             "Call find_package(RenderGraphCompile REQUIRED) in this directory or in one above it.")
     else()
-        get_target_property(is_imported ${target} IMPORTED)
-        if(is_imported)
-            get_target_property(command ${target} LOCATION)
-            set(dependency "${command}")
-        else()
-            set(command "$<TARGET_FILE:${target}>")
-            set(dependency render-graph-compile)
-            if(CMAKE_CROSSCOMPILING)
-                get_target_property(emulator ${target} CROSSCOMPILING_EMULATOR)
-                if(NOT emulator)
-                    message(FATAL_ERROR
-                        "render_graph_manifest: render-graph-compile is built for "
-                        "${CMAKE_SYSTEM_NAME} here and cannot run on this machine. "
-                        "Set RenderGraphCompile_EXECUTABLE to the full path of one that can, "
-                        "or set CMAKE_CROSSCOMPILING_EMULATOR.")
-                endif()
-                list(PREPEND command ${emulator})
-            endif()
-        endif()
+        _render_graph_target_command(command dependency render-graph-compile)
     endif()
 
+    set(${command_variable} "${command}" PARENT_SCOPE)
+    set(${dependency_variable} "${dependency}" PARENT_SCOPE)
+endfunction()
+
+# Sets the command that runs a program of the package or the sources, and its file or target.
+function(_render_graph_target_command command_variable dependency_variable name)
+    set(target RenderGraphCompile::${name})
+    get_target_property(is_imported ${target} IMPORTED)
+    if(is_imported)
+        get_target_property(command ${target} LOCATION)
+        set(dependency "${command}")
+    else()
+        set(command "$<TARGET_FILE:${target}>")
+        set(dependency ${name})
+        if(CMAKE_CROSSCOMPILING)
+            get_target_property(emulator ${target} CROSSCOMPILING_EMULATOR)
+            if(NOT emulator)
+                message(FATAL_ERROR
+                    "render_graph_manifest: ${name} is built for "
+                    "${CMAKE_SYSTEM_NAME} here and cannot run on this machine. "
+                    "Set RenderGraphCompile_EXECUTABLE to the full path of one that can, "
+                    "or set CMAKE_CROSSCOMPILING_EMULATOR.")
+            endif()
+            list(PREPEND command ${emulator})
+        endif()
+    endif()
     set(${command_variable} "${command}" PARENT_SCOPE)
     set(${dependency_variable} "${dependency}" PARENT_SCOPE)
 endfunction()
@@ -171,14 +179,7 @@ function(_render_graph_manifest_steps header_target_variable)
         file(REMOVE_RECURSE "${work_dir}/include")
     endif()
 
-    # From 6.5 on, Qt warns at every start where the locale is not UTF-8.
-    set(utf8 LC_ALL=C.UTF-8)
-    if(CMAKE_HOST_APPLE)
-        set(utf8 --unset=LC_ALL --unset=LC_CTYPE --unset=LANG)
-    elseif(CMAKE_HOST_WIN32)
-        set(utf8 "")
-    endif()
-
+    _render_graph_utf8_environment(utf8)
     set(step "${CMAKE_COMMAND}" "-DHEADER=${header}" "-DLATEST=${latest}" "-DLOCK=${work_dir}/lock")
     set(script -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/GenerateManifest.cmake")
     set(update ${step} ${script})

@@ -190,7 +190,8 @@ function(_render_graph_check_modules)
         VERBATIM
     )
 
-    add_custom_target(${target}_modules DEPENDS "${built}" ${modules} SOURCES ${sources})
+    _render_graph_check_passes(checked)
+    add_custom_target(${target}_modules DEPENDS "${built}" ${modules} ${checked} SOURCES ${sources})
     add_dependencies(${target}_modules ${manifest})
     add_dependencies(${target} ${target}_modules)
     set_source_files_properties(${sources} PROPERTIES GENERATED ON)
@@ -206,6 +207,45 @@ function(_render_graph_check_modules)
         add_dependencies(${target}_stale_modules ${manifest})
         add_dependencies(${target}_modules ${target}_stale_modules)
     endif()
+endfunction()
+
+# Adds the rule that holds the modules against the passes, and sets the file that it writes. A named tool may come
+# without the program that does it.
+function(_render_graph_check_passes checked_variable)
+    set(check "")
+    if(RenderGraphCompile_EXECUTABLE)
+        cmake_path(GET RenderGraphCompile_EXECUTABLE EXTENSION LAST_ONLY extension)
+        cmake_path(GET RenderGraphCompile_EXECUTABLE PARENT_PATH directory)
+        set(path "${directory}/render-graph-check")
+        if(extension STREQUAL ".exe")
+            string(APPEND path "${extension}")
+        endif()
+        if(EXISTS "${path}")
+            set(check "${path}")
+            set(dependency "${path}")
+        endif()
+    elseif(TARGET RenderGraphCompile::render-graph-check)
+        _render_graph_target_command(check dependency render-graph-check)
+    endif()
+    if(NOT check)
+        set(${checked_variable} "" PARENT_SCOPE)
+        return()
+    endif()
+
+    set(checked "${config_dir}/checked")
+    set(settings "${config_dir}/passes.cmake")
+    _render_graph_settings(code check checked shaders_dir spirv_dir)
+    file(GENERATE OUTPUT "${settings}" CONTENT "${code}")
+    _render_graph_utf8_environment(utf8)
+    add_custom_command(
+        OUTPUT "${checked}"
+        COMMAND "${CMAKE_COMMAND}" -E env ${utf8}
+            "${CMAKE_COMMAND}" "-DSETTINGS=${settings}" -P "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/CheckPasses.cmake"
+        DEPENDS "${settings}" "${built}" "${header}" ${modules} "${dependency}"
+        COMMENT "Checking the modules of ${target} against the passes of ${manifest}"
+        VERBATIM
+    )
+    set(${checked_variable} "${checked}" PARENT_SCOPE)
 endfunction()
 
 function(_render_graph_embed_modules)

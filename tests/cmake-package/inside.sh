@@ -23,6 +23,7 @@ inside() {
 
 inside native -G 'Ninja Multi-Config' || fail 'configuring'
 build native || fail 'building'
+[ "$(lines 'Checking the modules of consumer')" = 1 ] || fail 'the modules are not checked'
 native/consumer/Debug/consumer list >log
 [ "$(lines '^  stock  *2  *0  no$')" = 1 ] || fail 'the consumer does not list its presets'
 build native
@@ -45,11 +46,14 @@ CMAKE_CROSSCOMPILING_EMULATOR. Call Stack" message || fail 'the error does not s
 inside foreign -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake" \
     "-DRenderGraphCompile_EXECUTABLE=$tool" || fail 'configuring for another system'
 build foreign || fail 'building for another system'
+[ "$(lines 'Checking the modules of consumer')" = 1 ] || fail 'the check beside the named tool is not run'
 [ -x foreign/consumer/consumer ] || fail 'no consumer for another system'
-[ "$(lines 'render-graph-compile$')" = 0 ] || fail 'the tool is built though another is named'
+[ "$(lines 'render-graph-compile$\|render-graph-check$')" = 0 ] || fail 'a program is built though another is named'
 
 inside emulated -G Ninja "-DCMAKE_TOOLCHAIN_FILE=$tests/foreign.cmake" \
     '-DCMAKE_CROSSCOMPILING_EMULATOR=emulator;--flag' || fail 'configuring with an emulator'
 ninja -C emulated -t commands >log
 [ "$(lines "DTOOL=emulator;--flag;$WORK_DIR/emulated/.*/render-graph-compile\"")" = 1 ] ||
     fail 'the emulator does not run the tool'
+find emulated -name passes.cmake -exec cat {} + >log
+[ "$(lines '^set(check .*emulator;--flag;/.*/render-graph-check]')" = 1 ] || fail 'the emulator does not run the check'

@@ -32,7 +32,7 @@ built() {
 row() {
     built "$@"
     build 'the build' || fail "$name: the next build failed"
-    [ "$(lines 'Generating\|Building\|Linking\|Configuring')" = 0 ] ||
+    [ "$(lines 'Generating\|Building\|Linking\|Configuring\|Checking')" = 0 ] ||
         fail "$name: the next build runs something"
 }
 
@@ -109,6 +109,20 @@ edits() {
     cmp "$modules/tint.frag.spv" kept.spv || fail "$name: the old module is not kept"
     cp intact.slang "$components/tint.slang"
     row 'it compiles again' 1 0 1
+
+    sed 's/^void main/layout(binding = 1) uniform sampler2D Grain;\n&/; s/fragColor = /&texture(Grain, texCoord) * /' \
+        intact.slang >"$components/tint.slang"
+    name="$generator: a component that samples an image too many"
+    for compiled in 1 0; do
+        if build 'the build'; then fail "$name: the build succeeded"; fi
+        [ "$(lines 'Compiling .*[.]spv for app')" = $compiled ] || fail "$name: not exactly $compiled modules are compiled"
+        grep -qFx "$WORK_DIR/$components/tint.slang: binding 1 ('Grain') is sampled, but pass 0 of 'tint' has 1 image: \
+is an //! input line or feedback missing?" log || fail "$name: the line of the check is not shown"
+        grep -qFx "   The modules in $WORK_DIR/$modules do not fit the passes: '$check' says why above." log ||
+            fail "$name: the directory is not named"
+    done
+    cp intact.slang "$components/tint.slang"
+    row 'it fits again' 1 0 1
 
     rm "$header"
     row 'delete the header' 0 1 0 # restored from the tool's last output

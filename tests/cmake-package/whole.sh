@@ -76,7 +76,7 @@ compiled "$modules"
 build 'Unix Makefiles' || fail 'building the rest with Make'
 runs 'Unix Makefiles/whole'
 build 'Unix Makefiles' || fail 'building again with Make'
-[ "$(lines 'Generating\|Compiling\|Building\|Linking')" = 0 ] || fail 'the next build runs something'
+[ "$(lines 'Generating\|Compiling\|Building\|Linking\|Checking')" = 0 ] || fail 'the next build runs something'
 [ "$(find 'Unix Makefiles/spirv' -type f | wc -l)" = "$modules" ] ||
     fail 'the directory does not contain exactly one file for each module'
 made 'Unix Makefiles/spirv/tint.frag.spv' glslangValidator -V --quiet -S frag -g --target-env vulkan1.1
@@ -111,12 +111,31 @@ build 'Ninja Multi-Config' --config Release || fail 'glslc: building'
 compiled "$modules"
 runs 'Ninja Multi-Config/Release/whole'
 build 'Ninja Multi-Config' --config Release || fail 'glslc: building again'
-[ "$(lines 'Generating\|Compiling\|Building\|Linking')" = 0 ] || fail 'glslc: the next build runs something'
+[ "$(lines 'Generating\|Compiling\|Building\|Linking\|Checking')" = 0 ] || fail 'glslc: the next build runs something'
 made 'Ninja Multi-Config/spirv/Debug/tint.frag.spv' glslc -fshader-stage=frag -g --target-env=vulkan1.1
 (cd "$shaders" && glslc -fshader-stage=frag -O --target-env=vulkan1.1 -DFACTOR=2.0 -I./more \
     -o "$WORK_DIR/expected.spv" vulkan/components/tint.slang)
 cmp expected.spv 'Ninja Multi-Config/spirv/tint.frag.spv' || fail 'glslc: the module is not optimized'
 edited 'Ninja Multi-Config' --config Release
+
+# A component of the examples that has lost its input lines.
+prefix="$WORK_DIR/examples"
+"$CMAKE" --install "$BUILD_DIR" --config "$CONFIG" --prefix "$prefix" >log
+mkdir lost
+cp -R "$SOURCE_DIR/examples/shaders" lost
+printf '%s\n' 'cmake_minimum_required(VERSION 3.21)' 'project(lost LANGUAGES NONE)' \
+    'find_package(RenderGraphCompile 1 REQUIRED)' 'render_graph_manifest(presets SHADERS_DIR shaders HEADER m.h)' \
+    'add_custom_target(app ALL)' 'render_graph_modules(app MANIFEST presets OUTPUT_DIRECTORY spirv)' >lost/CMakeLists.txt
+component="$WORK_DIR/lost/shaders/vulkan/components/crt-screen.slang"
+cp "$component" crt-screen.slang
+sed '/^\/\/! input/d' crt-screen.slang >"$component"
+configure lost lost/build -G Ninja || fail 'configuring the example shaders'
+if build lost/build; then fail 'a component may lose its input lines'; fi
+grep -qFx "$component: binding 1 ('Scanline') is sampled, but pass 17 of 'crt-pvm' has 1 image: \
+is an //! input line or feedback missing?" log || fail 'the line about the lost input lines is missing'
+cp crt-screen.slang "$component"
+build lost/build || fail 'the input lines do not repair the build'
+prefix="$WORK_DIR/moved here"
 
 # CMake 3.31 and later has a target that builds all generated files.
 case $("$CMAKE" --version | head -n 1) in *' 3.'[12]?.* | *' 3.30.'*) exit 0 ;; esac
