@@ -2,7 +2,12 @@
 
 #include <vulkan/vulkan_core.h>
 
+#include <QtGlobal>
+
+#include <cstdint>
 #include <cstring>
+#include <map>
+#include <type_traits>
 
 // Stands between a renderer and Vulkan: counts what the renderer creates, destroys and writes, and
 // makes calls fail. For one renderer at a time. In 64-bit programs each function has a type of its
@@ -20,6 +25,39 @@ struct Calls
 inline Calls calls;
 inline thread_local bool isInVulkan = false;
 inline thread_local bool isRecording = false; // set by TestApplication
+
+// Descriptor pools as strict as a driver may be; the software driver takes any number.
+struct PoolSpace
+{
+    std::uint32_t sets;
+    std::uint32_t descriptors;
+};
+inline std::map<VkDescriptorPool, PoolSpace> poolSpaces;
+inline std::map<VkDescriptorSetLayout, std::uint32_t> bindingCounts;
+
+inline void observe(VkDevice, const VkDescriptorSetLayoutCreateInfo *info,
+                    const VkAllocationCallbacks *, const VkDescriptorSetLayout *layout)
+{
+    bindingCounts[*layout] = info->bindingCount;
+}
+inline void observe(VkDevice, const VkDescriptorPoolCreateInfo *info, const VkAllocationCallbacks *,
+                    const VkDescriptorPool *pool)
+{
+    poolSpaces[*pool] = {info->maxSets, info->pPoolSizes->descriptorCount};
+}
+inline void observe(VkDevice, const VkDescriptorSetAllocateInfo *info, const VkDescriptorSet *)
+{
+    PoolSpace &space = poolSpaces.at(info->descriptorPool);
+    const std::uint32_t bindings = bindingCounts.at(*info->pSetLayouts);
+    if (space.sets == 0 || space.descriptors < bindings)
+        qFatal("the descriptor pool is too small");
+    --space.sets;
+    space.descriptors -= bindings;
+}
+template<typename... Arguments>
+void observe(const Arguments &...)
+{
+}
 
 template<typename Function>
 struct Hook;
@@ -49,6 +87,7 @@ struct Hook<Result(VKAPI_PTR *)(Arguments...)>
         } else {
             const Result result = real(arguments...);
             isInVulkan = false;
+            observe(arguments...);
             return result;
         }
     }

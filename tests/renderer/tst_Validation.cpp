@@ -23,6 +23,7 @@ private Q_SLOTS:
     void presetsAreClean();
     void graphsChangeWhileFramesAreInFlight_data();
     void graphsChangeWhileFramesAreInFlight();
+    void clearedImagesAreClean();
     void offscreenRendererIsClean();
 
 private:
@@ -153,8 +154,11 @@ void TestValidation::presetsAreClean()
             frame.target = application.addTarget(size);
             QVERIFY2(draw(false), qPrintable(error));
             QVERIFY2(draw(true), qPrintable(error));
+            application.renderer().removeTarget(frame.target); // while it is drawn into
             application.renderer().resetHistories();
         }
+        frame.target = application.addTarget({97, 65});
+        QVERIFY2(draw(false), qPrintable(error));
         for (int pass = 0; keepsOutputs && pass < loaded.graph.passes.size() - 1; ++pass) {
             const VulkanGraphRenderer::Output output = application.renderer().output(pass);
             if (output.image != VK_NULL_HANDLE)
@@ -218,6 +222,37 @@ void TestValidation::graphsChangeWhileFramesAreInFlight()
             frame.rectangle = {0, 0, 30 + number % 3, 20};
             QVERIFY2(application.draw(choice.graph, frame, error, choice.renderer),
                      qPrintable(error));
+        }
+        application.waitForAll();
+    }
+    QCOMPARE(messages(), "");
+}
+
+// Images that are cleared and were sampled before: a history that starts black, and a constant
+// black of its own. No example preset has either.
+void TestValidation::clearedImagesAreClean()
+{
+    PresetOnDisk preset = examplePreset(u"dmg-lcd"_s);
+    VulkanRenderGraph::Pass &ghost = preset.graph.passes[1];
+    std::swap(ghost.sampledInputs[0], ghost.sampledInputs[1]);
+    preset.graph.passes[2].constantBlackWhenZero = u"dmg_crosstalk"_s;
+    QVERIFY(preset.graph.isValid());
+    QString error;
+    {
+        TestApplication application({.device = {}, .options = {2, false}, .hasHooks = false});
+        const VulkanGraphRenderer::PreparedGraph graph = application.prepare(preset);
+        std::vector<float> values = parameterValues(graph, preset);
+        VulkanGraphRenderer::Frame frame;
+        frame.source = application.addSource(FloatImage({24, 10}));
+        frame.target = application.addTarget({40, 30});
+        frame.parameters = values.data();
+        for (int number = 0; number < 8; ++number) {
+            frame.frameInFlight = number % 2;
+            values.at(std::size_t(graph.parameterIndex(u"dmg_crosstalk"))) =
+                    number / 2 % 2 == 0 ? 0.5F : 0.0F;
+            if (number % 3 == 2)
+                application.renderer().resetHistories();
+            QVERIFY2(application.draw(graph, frame, error), qPrintable(error));
         }
         application.waitForAll();
     }

@@ -133,6 +133,7 @@ private Q_SLOTS:
     void frameErrors_data();
     void frameErrors();
     void passesHaveALimit();
+    void sourcesMayDifferInSize();
     void bothModesDrawTheSame_data();
     void bothModesDrawTheSame();
     void steadyStateCreatesNothing_data();
@@ -261,6 +262,18 @@ void TestVulkanGraphRenderer::prepareErrors_data()
         [](PresetOnDisk &preset) { preset.graph.passes.clear(); });
     row("missing module", kFormat, "pass 0 ('stock') has no module '%1'"_L1.arg(module),
         [&](PresetOnDisk &preset) { preset.modules.remove(module); });
+    row("no SPIR-V", kFormat, u"stock: the module is not SPIR-V, or is damaged"_s,
+        [&](PresetOnDisk &preset) { preset.modules.insert(module, "no SPIR-V at all."); });
+    row("sampler without an input", kFormat,
+        u"stock: binding 0 ('Source') is sampled, but pass 0 of 'stock' has no images: is an //! "
+        "input line or feedback missing?"_s,
+        [](PresetOnDisk &preset) { preset.graph.passes.first().sampledInputs.clear(); });
+    row("vertex shader", kFormat,
+        u"the vertex shader of pass 0 ('stock'): the module has no main() of a vertex shader"_s,
+        [&](PresetOnDisk &preset) {
+            preset.modules.insert(u":/shaders/vulkan/spirv/fullscreen.vert.spv"_s,
+                                  preset.modules.value(module));
+        });
     row("_SRGB target", VK_FORMAT_B8G8R8A8_SRGB,
         u"the target's format (VkFormat 50) is an _SRGB one: take the UNORM one, since the values "
         "are gamma-encoded already"_s,
@@ -341,6 +354,20 @@ void TestVulkanGraphRenderer::passesHaveALimit()
     QCOMPARE(drawing.error,
              u"pass 5 ('scalefx-pass4') has 24000x3 pixels, and this device takes no more than "
              "16384 either way"_s);
+}
+
+void TestVulkanGraphRenderer::sourcesMayDifferInSize()
+{
+    const FloatImage small({7, 5}, {0.25F, 0.5F, 0.75F, 1.0F});
+    Drawing expected(u"crt-pvm"_s);
+    expected.frame.source = expected.application.addSource(small);
+    Drawing drawing(u"crt-pvm"_s);
+    const QByteArray before = drawing.drawn();
+    const VulkanGraphRenderer::SourceId first = drawing.frame.source;
+    drawing.frame.source = drawing.application.addSource(small);
+    QCOMPARE(drawing.drawn(), expected.drawn());
+    drawing.frame.source = first;
+    QCOMPARE(drawing.drawn(), before);
 }
 
 void TestVulkanGraphRenderer::bothModesDrawTheSame_data()
