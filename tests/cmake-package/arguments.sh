@@ -179,6 +179,16 @@ more_rejected 'render_graph_catalog(files MANIFEST a)' "render_graph_catalog(fil
 'files' already. The catalogue is a library of its own."
 more_rejected 'render_graph_catalog(catalog MANIFEST a)' \
     'render_graph_catalog(catalog): the catalogue needs find_package(Qt6 COMPONENTS Core) first.'
+more_rejected 'render_graph_renderer()' \
+    'render_graph_renderer: the first argument is the name of the target. Write render_graph_renderer(<library>)'
+more_rejected 'render_graph_renderer(renderer MANIFEST a)' "render_graph_renderer(renderer): unknown argument \
+'MANIFEST', 'a'. Write render_graph_renderer(<library>)"
+more_rejected 'render_graph_renderer(files)' "render_graph_renderer(files): there is a target 'files' already. The \
+renderer is a library of its own."
+more_rejected 'render_graph_renderer(renderer)' \
+    'render_graph_renderer(renderer): the renderer needs find_package(Qt6 COMPONENTS Core) first.'
+more_rejected 'add_library(Qt6::Core INTERFACE IMPORTED)
+render_graph_renderer(renderer)' 'render_graph_renderer(renderer): the renderer needs find_package(Vulkan) first.'
 
 for version in 0.9 2 1.999; do
     configured "find_package(RenderGraphCompile $version REQUIRED)"

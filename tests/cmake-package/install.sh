@@ -38,12 +38,14 @@ cat >project/CMakeLists.txt <<'END'
 cmake_minimum_required(VERSION 3.21)
 project(user LANGUAGES CXX)
 find_package(RenderGraphCompile 1 REQUIRED)
-get_target_property(sources RenderGraphCompile::VulkanRenderGraphCatalog INTERFACE_SOURCES)
-get_target_property(directories RenderGraphCompile::VulkanRenderGraphCatalog INTERFACE_INCLUDE_DIRECTORIES)
-foreach(path IN LISTS sources directories)
-    if(NOT EXISTS "${path}")
-        message(FATAL_ERROR "There is no ${path}")
-    endif()
+foreach(library IN ITEMS VulkanRenderGraphCatalog VulkanGraphRenderer)
+    get_target_property(sources RenderGraphCompile::${library} INTERFACE_SOURCES)
+    get_target_property(directories RenderGraphCompile::${library} INTERFACE_INCLUDE_DIRECTORIES)
+    foreach(path IN LISTS sources directories)
+        if(NOT EXISTS "${path}")
+            message(FATAL_ERROR "There is no ${path}")
+        endif()
+    endforeach()
 endforeach()
 END
 prefix=none # so that the other install is not found
@@ -56,14 +58,17 @@ for component in tool development examples doc; do
     "$CMAKE" --install "$sources/out" --component $component --prefix "$WORK_DIR/$parts/$component" >log 2>&1 ||
         fail "installing the component $component"
 done
-(cd $parts && find . -type f | sed 's|^[.]/||; /cmake\|examples\|doc/s|/[^/]*$|/*|' | sort -u) >found
+(cd $parts && find . -type f | sed 's|^[.]/||; /cmake\|examples\|doc\|\/renderer\//s|/[^/]*$|/*|' | sort -u) >found
 diff - found <<'END' || fail 'the components contain other files'
 development/share/cmake/RenderGraphCompile/*
 development/share/pkgconfig/render-graph-compile.pc
-development/share/render-graph-compile/catalog/VulkanRenderGraph.cpp
-development/share/render-graph-compile/catalog/VulkanRenderGraph.h
-development/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
-development/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h
+development/share/render-graph-compile/sources/VulkanGraphRenderer.cpp
+development/share/render-graph-compile/sources/VulkanGraphRenderer.h
+development/share/render-graph-compile/sources/VulkanRenderGraph.cpp
+development/share/render-graph-compile/sources/VulkanRenderGraph.h
+development/share/render-graph-compile/sources/VulkanRenderGraphCatalog.cpp
+development/share/render-graph-compile/sources/VulkanRenderGraphCatalog.h
+development/share/render-graph-compile/sources/renderer/*
 doc/share/doc/render-graph-compile/*
 doc/share/doc/render-graph-compile/docs/*
 doc/share/doc/render-graph-compile/docs/presets/*

@@ -23,7 +23,7 @@ endfunction()
 # CMake package and of the examples.
 function(expect_files root)
     file(GLOB_RECURSE found LIST_DIRECTORIES FALSE RELATIVE "${root}" "${root}/*")
-    list(FILTER found EXCLUDE REGEX "/(cmake|examples)/")
+    list(FILTER found EXCLUDE REGEX "/(cmake|examples|sources/renderer)/")
     set(missing ${ARGN})
     list(REMOVE_ITEM missing ${found})
     list(REMOVE_ITEM found ${ARGN})
@@ -134,10 +134,12 @@ expect_tree("${WORK_DIR}/deb" usr/
     usr/share/doc/render-graph-compile/copyright
     usr/share/man/man1/render-graph-compile.1.gz
     usr/share/pkgconfig/render-graph-compile.pc
-    usr/share/render-graph-compile/catalog/VulkanRenderGraph.cpp
-    usr/share/render-graph-compile/catalog/VulkanRenderGraph.h
-    usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp
-    usr/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h)
+    usr/share/render-graph-compile/sources/VulkanGraphRenderer.cpp
+    usr/share/render-graph-compile/sources/VulkanGraphRenderer.h
+    usr/share/render-graph-compile/sources/VulkanRenderGraph.cpp
+    usr/share/render-graph-compile/sources/VulkanRenderGraph.h
+    usr/share/render-graph-compile/sources/VulkanRenderGraphCatalog.cpp
+    usr/share/render-graph-compile/sources/VulkanRenderGraphCatalog.h)
 expect_modes("${deb}" dpkg-deb --contents)
 file(READ "${SOURCE_DIR}/packaging/debian/changelog" changelog)
 if(NOT changelog MATCHES "^render-graph-compile [(]${VERSION}[)] ")
@@ -168,10 +170,12 @@ expect_tree("${WORK_DIR}/tar" "${top}/"
     "${top}/bin/render-graph-compile"
     "${top}/share/man/man1/render-graph-compile.1"
     "${top}/share/pkgconfig/render-graph-compile.pc"
-    "${top}/share/render-graph-compile/catalog/VulkanRenderGraph.cpp"
-    "${top}/share/render-graph-compile/catalog/VulkanRenderGraph.h"
-    "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.cpp"
-    "${top}/share/render-graph-compile/catalog/VulkanRenderGraphCatalog.h")
+    "${top}/share/render-graph-compile/sources/VulkanGraphRenderer.cpp"
+    "${top}/share/render-graph-compile/sources/VulkanGraphRenderer.h"
+    "${top}/share/render-graph-compile/sources/VulkanRenderGraph.cpp"
+    "${top}/share/render-graph-compile/sources/VulkanRenderGraph.h"
+    "${top}/share/render-graph-compile/sources/VulkanRenderGraphCatalog.cpp"
+    "${top}/share/render-graph-compile/sources/VulkanRenderGraphCatalog.h")
 expect_modes("${tar}" "${CMAKE_COMMAND}" -E tar tvf)
 
 # If the build has the preview, it is in packages of its own and in no other package.

@@ -26,7 +26,7 @@ row() {
 preview='glslang-dev graphviz libvulkan-dev mesa-vulkan-drivers netpbm'
 row "$preview" preview
 row 'clang-format clang-tidy git shellcheck' lint
-row "clang dpkg-dev file glslang-dev glslc groff-base libclang-rt-dev libvulkan-dev make \
-mesa-vulkan-drivers meson pkgconf spirv-cross vulkan-validationlayers" test
-row "clang dpkg-dev file glslang-dev glslc graphviz groff-base libclang-rt-dev libvulkan-dev make \
-mesa-vulkan-drivers meson netpbm pkgconf spirv-cross vulkan-validationlayers" preview test
+row "clang dpkg-dev file glslang-dev glslc groff-base libclang-rt-dev libvulkan-dev \
+libvulkan-volk-dev make mesa-vulkan-drivers meson pkgconf spirv-cross vulkan-validationlayers xauth xvfb" test
+row "clang dpkg-dev file glslang-dev glslc graphviz groff-base libclang-rt-dev libvulkan-dev \
+libvulkan-volk-dev make mesa-vulkan-drivers meson netpbm pkgconf spirv-cross vulkan-validationlayers xauth xvfb" preview test

@@ -1,8 +1,9 @@
 #include <cstdio>
 
 int nameCount();
+int canDraw(); // without a device
 
 int main()
 {
-    std::printf("%d\n", nameCount());
+    std::printf("%d %d\n", nameCount(), canDraw());
 }
