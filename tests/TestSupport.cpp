@@ -98,6 +98,26 @@ bool isTested(const QString &preset)
     return only.isEmpty() || only == preset;
 }
 
+void enableValidation(const QString &layerFile, const QString &directory)
+{
+    // Newer layers warn of the older name, and the older ones do not know the newer.
+    const bool isNewer = readFile(layerFile).contains("\"validate_sync\"");
+    const QDir settings(directory);
+    writeFile(settings.filePath(QStringLiteral("vk_layer_settings.txt")),
+              "khronos_validation.debug_action = VK_DBG_LAYER_ACTION_LOG_MSG\n"
+              "khronos_validation.report_flags = error,warn,perf\n"
+              "khronos_validation.log_filename = "
+                      + settings.filePath(QStringLiteral("messages")).toUtf8() + '\n'
+                      + (isNewer ? "khronos_validation.validate_sync = true\n"
+                                   "khronos_validation.syncval_submit_time_validation = true\n"
+                                 : "khronos_validation.enables = "
+                                   "VK_VALIDATION_FEATURE_ENABLE_SYNCHRONIZATION_VALIDATION_EXT,"
+                                   "VALIDATION_CHECK_ENABLE_SYNCHRONIZATION_VALIDATION_QUEUE_"
+                                   "SUBMIT\n"));
+    qputenv("VK_LAYER_SETTINGS_PATH", directory.toUtf8());
+    qputenv("VK_INSTANCE_LAYERS", "VK_LAYER_KHRONOS_validation");
+}
+
 QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian)
 {
     QByteArray bytes = isBigEndian ? "\xFE\xFF" : "\xFF\xFE";

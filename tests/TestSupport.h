@@ -84,6 +84,11 @@ QStringList declaredPresetNames();
 // can limit such tests to one preset.
 bool isTested(const QString &preset);
 
+// Turns on Vulkan's validation layer, whose file is given, with synchronization validation, for the
+// instances of this process and its children. The layer writes to the file "messages" in the
+// directory.
+void enableValidation(const QString &layerFile, const QString &directory);
+
 // The text in UTF-16, after a byte-order mark.
 QByteArray utf16WithMark(const QByteArray &latin1, bool isBigEndian = false);
 

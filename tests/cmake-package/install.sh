@@ -73,6 +73,7 @@ doc/share/doc/render-graph-compile/*
 doc/share/doc/render-graph-compile/docs/*
 doc/share/doc/render-graph-compile/docs/presets/*
 examples/share/render-graph-compile/examples/consumer/*
+examples/share/render-graph-compile/examples/player/*
 examples/share/render-graph-compile/examples/shaders/*
 examples/share/render-graph-compile/examples/shaders/vulkan/*
 examples/share/render-graph-compile/examples/shaders/vulkan/components/*

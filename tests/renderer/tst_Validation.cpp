@@ -37,21 +37,7 @@ private:
 
 void TestValidation::initTestCase()
 {
-    // Newer layers warn of the older name, and the older ones do not know the newer.
-    const bool isNewer = readFile(QStringLiteral(VALIDATION_LAYER)).contains("\"validate_sync\"");
-    writeFile(m_directory.filePath(u"vk_layer_settings.txt"_s),
-              "khronos_validation.debug_action = VK_DBG_LAYER_ACTION_LOG_MSG\n"
-              "khronos_validation.report_flags = error,warn,perf\n"
-              "khronos_validation.log_filename = "
-                      + m_directory.filePath(u"messages"_s).toUtf8() + '\n'
-                      + (isNewer ? "khronos_validation.validate_sync = true\n"
-                                   "khronos_validation.syncval_submit_time_validation = true\n"
-                                 : "khronos_validation.enables = "
-                                   "VK_VALIDATION_FEATURE_ENABLE_SYNCHRONIZATION_VALIDATION_EXT,"
-                                   "VALIDATION_CHECK_ENABLE_SYNCHRONIZATION_VALIDATION_QUEUE_"
-                                   "SUBMIT\n"));
-    qputenv("VK_LAYER_SETTINGS_PATH", m_directory.path().toUtf8());
-    qputenv("VK_INSTANCE_LAYERS", "VK_LAYER_KHRONOS_validation");
+    enableValidation(QStringLiteral(VALIDATION_LAYER), m_directory.path());
 }
 
 void TestValidation::cleanup()
