@@ -36,16 +36,16 @@ inline std::map<VkDescriptorPool, PoolSpace> poolSpaces;
 inline std::map<VkDescriptorSetLayout, std::uint32_t> bindingCounts;
 
 inline void observe(VkDevice, const VkDescriptorSetLayoutCreateInfo *info,
-                    const VkAllocationCallbacks *, const VkDescriptorSetLayout *layout)
+                    const VkAllocationCallbacks *, VkDescriptorSetLayout *layout)
 {
     bindingCounts[*layout] = info->bindingCount;
 }
 inline void observe(VkDevice, const VkDescriptorPoolCreateInfo *info, const VkAllocationCallbacks *,
-                    const VkDescriptorPool *pool)
+                    VkDescriptorPool *pool)
 {
     poolSpaces[*pool] = {info->maxSets, info->pPoolSizes->descriptorCount};
 }
-inline void observe(VkDevice, const VkDescriptorSetAllocateInfo *info, const VkDescriptorSet *)
+inline void observe(VkDevice, const VkDescriptorSetAllocateInfo *info, VkDescriptorSet *)
 {
     PoolSpace &space = poolSpaces.at(info->descriptorPool);
     const std::uint32_t bindings = bindingCounts.at(*info->pSetLayouts);
@@ -53,6 +53,13 @@ inline void observe(VkDevice, const VkDescriptorSetAllocateInfo *info, const VkD
         qFatal("the descriptor pool is too small");
     --space.sets;
     space.descriptors -= bindings;
+}
+inline VkPipelineCache lastPipelineCache = VK_NULL_HANDLE;
+inline void observe(VkDevice, VkPipelineCache cache, std::uint32_t,
+                    const VkGraphicsPipelineCreateInfo *, const VkAllocationCallbacks *,
+                    VkPipeline *)
+{
+    lastPipelineCache = cache;
 }
 template<typename... Arguments>
 void observe(const Arguments &...)

@@ -145,6 +145,8 @@ private Q_SLOTS:
     void pictureIsDrawnIntoTheRectangle();
     void parametersAreResolvedOnce();
     void clockFollowsTheEmulatedRate();
+    void pipelinesComeFromTheCache();
+    void passesAreLabelled();
     void imagesShareMemory_data();
     void imagesShareMemory();
 };
@@ -648,6 +650,66 @@ void TestVulkanGraphRenderer::clockFollowsTheEmulatedRate()
     QVERIFY(drawing.application.renderer().prepare(drawing.preset.graph, drawing.preset.modules,
                                                    options, drawing.graph, drawing.error));
     QCOMPARE(drawing.drawn(), expected);
+}
+
+void TestVulkanGraphRenderer::pipelinesComeFromTheCache()
+{
+    Drawing drawing(u"stock"_s, {.device = {}, .options = {1, false}, .hasHooks = true});
+    const VulkanGraphRenderer::Device device = drawing.application.handles();
+    const auto function = [&device](const char *name) {
+        return device.getInstanceProcAddr(device.instance, name);
+    };
+    const VkPipelineCacheCreateInfo info = {VK_STRUCTURE_TYPE_PIPELINE_CACHE_CREATE_INFO, nullptr,
+                                            0, 0, nullptr};
+    VulkanGraphRenderer::PrepareOptions options;
+    options.targetFormat = VK_FORMAT_R16G16B16A16_SFLOAT;
+    QCOMPARE(reinterpret_cast<PFN_vkCreatePipelineCache>(function("vkCreatePipelineCache"))(
+                     device.device, &info, nullptr, &options.cache),
+             VK_SUCCESS);
+    QVERIFY(drawing.application.renderer().prepare(drawing.preset.graph, drawing.preset.modules,
+                                                   options, drawing.graph, drawing.error));
+    QVERIFY(VulkanHooks::lastPipelineCache == options.cache);
+    reinterpret_cast<PFN_vkDestroyPipelineCache>(function("vkDestroyPipelineCache"))(
+            device.device, options.cache, nullptr);
+}
+
+// Where the instance has the functions of VK_EXT_debug_utils.
+void TestVulkanGraphRenderer::passesAreLabelled()
+{
+    static QStringList labels; // "" ends one
+    static PFN_vkGetInstanceProcAddr real = nullptr;
+    labels.clear();
+    TestApplication application;
+    VulkanGraphRenderer::Device device = application.handles();
+    real = device.getInstanceProcAddr;
+    device.getInstanceProcAddr = [](VkInstance instance, const char *name) {
+        const PFN_vkCmdBeginDebugUtilsLabelEXT begin = [](VkCommandBuffer,
+                                                          const VkDebugUtilsLabelEXT *label) {
+            labels.append(QString::fromUtf8(label->pLabelName));
+        };
+        const PFN_vkCmdEndDebugUtilsLabelEXT end = [](VkCommandBuffer) {
+            labels.append(QString());
+        };
+        if (std::strcmp(name, "vkCmdBeginDebugUtilsLabelEXT") == 0)
+            return reinterpret_cast<PFN_vkVoidFunction>(begin);
+        if (std::strcmp(name, "vkCmdEndDebugUtilsLabelEXT") == 0)
+            return reinterpret_cast<PFN_vkVoidFunction>(end);
+        return real(instance, name);
+    };
+    QString error;
+    std::unique_ptr<VulkanGraphRenderer> renderer;
+    QVERIFY2(VulkanGraphRenderer::create(device, {1, false}, renderer, error), qPrintable(error));
+    const PresetOnDisk preset = examplePreset(u"stock"_s);
+    const PreparedGraph graph =
+            application.prepare(preset, VK_FORMAT_R16G16B16A16_SFLOAT, renderer.get());
+    Frame frame;
+    frame.source = application.addSource(kPicture, renderer.get());
+    frame.target = application.addTarget({8, 8}, VK_FORMAT_R16G16B16A16_SFLOAT, renderer.get());
+    frame.isHdr = true;
+    application.withCommands([&](VkCommandBuffer commands) {
+        QVERIFY2(renderer->record(commands, graph, frame, error), qPrintable(error));
+    });
+    QCOMPARE(labels, (QStringList{u"stock"_s, QString(), u"hdr-color-boost"_s, QString()}));
 }
 
 void TestVulkanGraphRenderer::imagesShareMemory_data()
