@@ -59,6 +59,8 @@ private Q_SLOTS:
     void tabMovesThroughTheParameters();
     void picturePixelsAreScreenPixels();
     void closingWhileDrawing();
+    void missingDisplayIsReported_data();
+    void missingDisplayIsReported();
 
 private:
     // A window on a copy of the example shaders that draws at 64x48.
@@ -575,6 +577,36 @@ void TestWindow::closingWhileDrawing()
     QVERIFY(window->session().isBusy());
     window->close();
     window.reset();
+}
+
+void TestWindow::missingDisplayIsReported_data()
+{
+    QTest::addColumn<QString>("platform");
+    QTest::addColumn<QString>("display");
+    QTest::newRow("no such display") << u"xcb"_s << u":99"_s;
+    QTest::newRow("no display") << u"xcb"_s << QString();
+    QTest::newRow("no such platform") << u"abacus"_s << QString();
+}
+
+// In all versions of Qt, which gives the reason.
+void TestWindow::missingDisplayIsReported()
+{
+    QFETCH(QString, platform);
+    QFETCH(QString, display);
+    const Run result =
+            runProgram(QStringLiteral(RENDER_GRAPH_PREVIEW), {u"window"_s}, [&](QProcess &process) {
+                QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+                environment.insert(u"QT_QPA_PLATFORM"_s, platform);
+                environment.insert(u"DISPLAY"_s, display);
+                process.setProcessEnvironment(environment);
+            });
+    const QByteArray start =
+            "render-graph-preview: no window can be opened, 'picture' writes files: ";
+    QVERIFY2(result.err.startsWith(start), result.err.constData());
+    QVERIFY2(result.err.contains("platform plugin \"" + platform.toUtf8() + '"'),
+             result.err.constData());
+    QCOMPARE(result.err.count('\n'), 1);
+    QCOMPARE(result.exitStatus, 1);
 }
 
 QTEST_MAIN(TestWindow)

@@ -3,23 +3,40 @@
 #include <Command.h>
 
 #include <QApplication>
+#include <QDebug>
 
-#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-bool createApplication(int &argc, char **argv, std::unique_ptr<QCoreApplication> &application,
-                       QString &error)
+// What Qt said while it opened the display.
+QStringList g_reasons;
+
+// Qt aborts where it finds no display.
+void reportDisplay(QtMsgType type, const QMessageLogContext & /*context*/, const QString &message)
 {
-    // Without a display Qt would abort.
-    constexpr const char *kDisplays[] = {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
-    if (std::ranges::all_of(kDisplays, qEnvironmentVariableIsEmpty)) {
-        error = u"there is no display to open a window on; 'picture' writes files"_s;
-        return false;
+    if (type != QtFatalMsg) {
+        g_reasons.append(message.simplified());
+        return;
     }
+    std::fprintf(
+            stderr, "render-graph-preview: no window can be opened, 'picture' writes files: %s\n",
+            qUtf8Printable(g_reasons.isEmpty() ? message.simplified() : g_reasons.join(u"; "_s)));
+    std::_Exit(1);
+}
+
+bool createApplication(int &argc, char **argv, std::unique_ptr<QCoreApplication> &application,
+                       QString & /*error*/)
+{
+    const QtMessageHandler previous = qInstallMessageHandler(reportDisplay);
     application = std::make_unique<QApplication>(argc, argv);
+    qInstallMessageHandler(previous);
+    for (const QString &reason : std::as_const(g_reasons))
+        qWarning().noquote() << reason;
     return true;
 }
 
