@@ -6,6 +6,10 @@
 #include <QRegularExpression>
 #include <QScopeGuard>
 
+#include <new>
+
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 
 // What the player adds to the renderer: preset, source, values and frames, and a device that may
@@ -57,6 +61,7 @@ private Q_SLOTS:
     void missingDevices();
     void failedDeviceIsOpenedAgain_data();
     void failedDeviceIsOpenedAgain();
+    void missingMemoryIsSurvived();
 };
 
 void TestPlayer::sourceIsDrawn()
@@ -205,6 +210,35 @@ void TestPlayer::failedDeviceIsOpenedAgain()
 
     qunsetenv("FAILING_CALL");
     player.setViewport({48, 32});
+    QCOMPARE(draw(player, 0), first);
+}
+
+void TestPlayer::missingMemoryIsSurvived()
+{
+    if (kIsSanitized)
+        QSKIP("a sanitizer takes more memory than there is");
+    QVERIFY(QImage(4096, 4096, QImage::Format_RGB32).save(u"large.png"_s));
+    Player player = examplePlayer(u"stock"_s);
+    const QImage first = draw(player, 0);
+    const SourcePicture scene = player.source();
+    player.setSource(sourceOf(u"large.png"_s));
+    const rlim_t used = rlim_t(readFile(u"/proc/self/statm"_s).split(' ').first().toLongLong())
+            * rlim_t(::sysconf(_SC_PAGESIZE));
+    rlimit before = {};
+    QCOMPARE(::getrlimit(RLIMIT_AS, &before), 0);
+    const rlimit limit = {used + (100U << 20), before.rlim_max};
+    QCOMPARE(::setrlimit(RLIMIT_AS, &limit), 0);
+    bool hasThrown = false;
+    try {
+        QString error;
+        player.drawFrame(0, error);
+    } catch (const std::bad_alloc &) {
+        hasThrown = true;
+    }
+    ::setrlimit(RLIMIT_AS, &before);
+    QVERIFY(hasThrown);
+    QVERIFY(player.renderer() == nullptr);
+    player.setSource(scene);
     QCOMPARE(draw(player, 0), first);
 }
 

@@ -8,7 +8,11 @@
 #include <QColorSpace>
 #include <QSet>
 
+#include <csignal>
 #include <limits>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -43,6 +47,10 @@ private Q_SLOTS:
     void highRangeIsLinear();
     void savedPictureReadsBack();
     void savingLeavesNoHalfFile();
+    void otherFilesAreNotReplaced_data();
+    void otherFilesAreNotReplaced();
+    void fullDiskIsReported();
+    void largePictureIsNoPng();
 };
 
 void TestPreviewPictures::textIsDrawnFromTheFace()
@@ -225,6 +233,57 @@ void TestPreviewPictures::savingLeavesNoHalfFile()
     QCOMPARE(readFile(u"kept"_s), "after");
     QCOMPARE(QDir().entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList({u"kept"_s, u"taken"_s}));
+}
+
+void TestPreviewPictures::otherFilesAreNotReplaced_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("pipe") << u"pipe"_s;
+    QTest::newRow("link to a pipe") << u"link"_s;
+    QTest::newRow("device") << u"/dev/null"_s;
+}
+
+void TestPreviewPictures::otherFilesAreNotReplaced()
+{
+    QFETCH(QString, path);
+    QCOMPARE(::mkfifo("pipe", 0600), 0);
+    QVERIFY(QFile::link(u"pipe"_s, u"link"_s));
+    const QString message = u"cannot write '"_s + path + u"': it is no regular file"_s;
+    QString error;
+    QVERIFY(!canSaveFile(path, error));
+    QCOMPARE(error, message);
+    error.clear();
+    QVERIFY(!saveFile("after", path, error));
+    QCOMPARE(error, message);
+    QVERIFY(!QFileInfo(path).isFile());
+}
+
+// The first part of the content still fits.
+void TestPreviewPictures::fullDiskIsReported()
+{
+    rlimit before = {};
+    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit limit = {1000, before.rlim_max};
+    QCOMPARE(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    QString error;
+    const bool isSaved = saveFile(QByteArray(1500, 'a'), u"a"_s, error);
+    std::signal(SIGXFSZ, handler);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    QVERIFY(!isSaved);
+    QCOMPARE(error, u"cannot write 'a': File too large"_s);
+    QCOMPARE(QDir().entryList(QDir::Files), QStringList());
+}
+
+void TestPreviewPictures::largePictureIsNoPng()
+{
+    QString error;
+    const QImage large(kLargestPngSide + 1, 1, QImage::Format_RGB32);
+    QVERIFY(!savePng(large, u"a.png"_s, error));
+    QCOMPARE(
+            error,
+            u"a picture of 1000001x1 is too large for a PNG file: its sides are at most 1000000"_s);
+    QVERIFY(!QFile::exists(u"a.png"_s));
 }
 
 QTEST_GUILESS_MAIN(TestPreviewPictures)

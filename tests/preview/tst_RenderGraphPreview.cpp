@@ -8,6 +8,8 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 
+#include <sys/resource.h>
+
 using namespace Qt::StringLiterals;
 
 // The commands. Most tests call them in process, which is faster than to start the program and load
@@ -91,6 +93,9 @@ private Q_SLOTS:
     void listNamesEverything();
     void programDrawsTheSamePictureEveryTime();
     void programWithoutDriver();
+    void programWithoutMemory();
+    void programWithoutOutput_data();
+    void programWithoutOutput();
     void failedPictureKeepsTheFile();
     void errors_data();
     void errors();
@@ -225,6 +230,58 @@ void TestRenderGraphPreview::programWithoutDriver()
     QCOMPARE(list.exitStatus, 1);
 }
 
+// The driver takes an unknown share of the memory, so that several limits are tried.
+void TestRenderGraphPreview::programWithoutMemory()
+{
+    if (kIsSanitized)
+        QSKIP("a sanitizer takes more memory than there is");
+    QVERIFY(QImage(4096, 4096, QImage::Format_RGB32).save(u"large.png"_s));
+    QByteArrayList errors;
+    for (rlim_t mebibytes = 500; mebibytes <= 2000; mebibytes += 250) {
+        const Run result =
+                runProgram(QStringLiteral(RENDER_GRAPH_PREVIEW),
+                           words(u"picture stock --source large.png --size 8x8 --out a.png"_s),
+                           [mebibytes](QProcess &process) {
+                               process.setChildProcessModifier([mebibytes] {
+                                   const rlimit limit = {mebibytes << 20, mebibytes << 20};
+                                   ::setrlimit(RLIMIT_AS, &limit);
+                               });
+                           });
+        errors.append(QByteArray::number(result.exitStatus) + ' ' + result.err);
+    }
+    const QByteArray expected =
+            "1 render-graph-preview: not enough memory: choose a smaller size or source\n";
+    QVERIFY2(errors.contains(expected), errors.join().constData());
+}
+
+void TestRenderGraphPreview::programWithoutOutput_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<bool>("isClosed");
+    QTest::addColumn<QByteArray>("reason");
+    const QString profile = u"profile stock --size 8x8 --frames 1"_s;
+    QTest::newRow("list to a full disk") << u"list"_s << false << "No space left on device"_ba;
+    QTest::newRow("list to nothing") << u"list"_s << true << "Bad file descriptor"_ba;
+    QTest::newRow("profile to a full disk") << profile << false << "No space left on device"_ba;
+    QTest::newRow("profile to nothing") << profile << true << "Bad file descriptor"_ba;
+}
+
+void TestRenderGraphPreview::programWithoutOutput()
+{
+    QFETCH(QString, line);
+    QFETCH(bool, isClosed);
+    QFETCH(QByteArray, reason);
+    const Run result =
+            runProgram(QStringLiteral(RENDER_GRAPH_PREVIEW), words(line), [&](QProcess &process) {
+                process.setStandardOutputFile(u"/dev/full"_s);
+                if (isClosed)
+                    process.setChildProcessModifier([] { ::close(STDOUT_FILENO); });
+            });
+    QCOMPARE(result.err,
+             "render-graph-preview: cannot write to the standard output: " + reason + '\n');
+    QCOMPARE(result.exitStatus, 1);
+}
+
 void TestRenderGraphPreview::failedPictureKeepsTheFile()
 {
     writeFile(u"a.png"_s, "before");
@@ -259,9 +316,9 @@ void TestRenderGraphPreview::errors_data()
                                   << "ghost_fall=nan: the value is a number from 0.05 to 1"_ba;
     QTest::newRow("compared value") << picture + u"--compare ghost_rise=0.5,2"_s
                                     << "ghost_rise=2: the value is a number from 0.05 to 1"_ba;
-    for (const char *size : {"0x8", "8", "8x8x8", "16385x8", "8xa"}) {
+    for (const char *size : {"0x8", "8", "8x8x8", "16385x8", "8xa", "%2x"}) {
         QTest::addRow("size %s", size)
-                << u"picture stock --out a.png --size %1"_s.arg(QLatin1StringView(size))
+                << u"picture stock --out a.png --size "_s + QLatin1StringView(size)
                 << "--size "_ba + size + ": a size is <width>x<height>, each from 1 to 16384";
     }
     for (const char *frames : {"0", "1.5", "1000001", "a"}) {
@@ -280,6 +337,22 @@ void TestRenderGraphPreview::errors_data()
     QTest::newRow("every frame to one file")
             << picture + u"--every"_s
             << "--every writes a file per frame: --out a.png needs a %d in its name"_ba;
+    QTest::newRow("no PNG file") << u"picture stock --out a.jpg"_s
+                                 << "--out a.jpg: the name ends in .png"_ba;
+    // Before the source is opened.
+    QTest::newRow("place of the picture")
+            << u"picture stock --out none/a.png --source none.png"_s
+            << "cannot write 'none/a.png': No such file or directory"_ba;
+    QTest::newRow("place of the graph")
+            << u"graph stock --size 8x8 --out none/a.svg --source none.png"_s
+            << "cannot write 'none/a.svg': No such file or directory"_ba;
+    QTest::newRow("two comparisons")
+            << picture + u"--compare ghost_rise=0.5,1 --compare ghost_fall=0.5,1"_s
+            << "--compare is given twice: it compares values of one parameter"_ba;
+    QTest::newRow("wide comparison")
+            << u"picture gba-lcd --out a.png --size 16384x1 --compare lcd_spill="_s
+                    + QStringList(70, u"1"_s).join(u',')
+            << "--compare: 70 pictures side by side are too wide for a PNG file"_ba;
     QTest::newRow("no source")
             << picture + u"--source none.png"_s
             << "cannot read source picture 'none.png': File not found; 'list' names the test pictures"_ba;

@@ -6,9 +6,16 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <iterator>
 #include <memory>
+#include <new>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
@@ -56,6 +63,13 @@ QString commandList()
 
 int main(int argc, char *argv[])
 {
+#ifdef Q_OS_UNIX
+    // A file must not get the number of a standard stream that is closed.
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ::close(descriptor);
+#endif
     auto application = std::make_unique<QCoreApplication>(argc, argv);
     QCoreApplication::setApplicationName(u"render-graph-preview"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(VERSION));
@@ -124,6 +138,15 @@ int main(int argc, char *argv[])
         if (!command.createApplication(argc, argv, application, error))
             return fail(error);
     }
-    return command.run({parser, parser.value(shadersDir), path, arguments}, error) ? 0
-                                                                                   : fail(error);
+    bool isDone = false;
+    try {
+        isDone = command.run({parser, parser.value(shadersDir), path, arguments}, error);
+    } catch (const std::bad_alloc &) {
+        error = u"not enough memory: choose a smaller size or source"_s;
+    }
+    if (isDone && (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)) {
+        error = u"cannot write to the standard output: "_s + qt_error_string(errno);
+        isDone = false;
+    }
+    return isDone ? 0 : fail(error);
 }

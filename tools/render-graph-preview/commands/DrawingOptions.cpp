@@ -23,8 +23,8 @@ bool parseSize(const QString &text, QSize &size, QString &error)
             && std::max(size.width(), size.height()) <= kLargestSide)
             return true;
     }
-    error = u"--size %1: a size is <width>x<height>, each from 1 to %2"_s.arg(text).arg(
-            kLargestSide);
+    error = u"--size %1: a size is <width>x<height>, each from 1 to %2"_s.arg(
+            text, QString::number(kLargestSide));
     return false;
 }
 
@@ -82,8 +82,8 @@ bool DrawingOptions::parse(const QCommandLineParser &parser, DrawingOptions &opt
         const QString text = parser.value(u"frames"_s);
         const int frames = text.toInt();
         if (frames < 1 || frames > kMostFrames) {
-            error = u"--frames %1: the value is a whole number from 1 to %2"_s.arg(text).arg(
-                    kMostFrames);
+            error = u"--frames %1: the value is a whole number from 1 to %2"_s.arg(
+                    text, QString::number(kMostFrames));
             return false;
         }
         options.frames = frames;

@@ -20,13 +20,14 @@ QList<QCommandLineOption> graphOptions()
             };
 }
 
-QByteArray thumbnail(const QImage &image)
+bool addThumbnail(int index, const QImage &image, GraphDotExtras &extras, QString &error)
 {
     const bool isLarge =
             image.width() > kThumbnailSize.width() || image.height() > kThumbnailSize.height();
     return pngOf(
             isLarge ? image.scaled(kThumbnailSize, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-                    : image);
+                    : image,
+            extras.thumbnails[index], error);
 }
 
 // Draws the preset, and adds what its last frame shows.
@@ -43,13 +44,14 @@ bool addFrame(const DrawingOptions &options, Player &player, bool withThumbnails
     extras.passes = player.renderer()->passes();
     if (!withThumbnails)
         return true;
-    extras.thumbnails.insert(VulkanRenderGraph::ResourceRef::SourceImage,
-                             thumbnail(player.source().frame(frames - 1)));
+    if (!addThumbnail(VulkanRenderGraph::ResourceRef::SourceImage,
+                      player.source().frame(frames - 1), extras, error))
+        return false;
     for (int pass = 0; pass < extras.passes.size(); ++pass) {
         QImage picture;
-        if (!player.renderer()->output(pass, picture, error))
+        if (!player.renderer()->output(pass, picture, error)
+            || !addThumbnail(pass, displayImage(picture, options.headroom), extras, error))
             return false;
-        extras.thumbnails.insert(pass, thumbnail(displayImage(picture, options.headroom)));
     }
     return true;
 }
@@ -66,6 +68,8 @@ bool writeGraph(const CommandLine &line, const QString &preset, const QString &o
         error = u"--thumbnails: a .dot file holds no pictures; write an .svg file"_s;
         return false;
     }
+    if (!canSaveFile(out, error))
+        return false;
     DrawingOptions options;
     std::optional<Player> player;
     if (!DrawingOptions::parse(line.parser, options, error)

@@ -48,7 +48,7 @@ bool choosePasses(const VulkanRenderGraph &graph, const QString &choice, QList<i
         const QString &component = graph.passes.at(i).debugName;
         if (isAll || (isIndex ? i == index : component == choice))
             passes.append(i);
-        known.append(u"%1 %2"_s.arg(i).arg(component));
+        known.append(u"%1 %2"_s.arg(QString::number(i), component));
     }
     if (isAll || passes.size() == 1)
         return true;
@@ -68,8 +68,8 @@ QImage sideBySide(const QList<QImage> &images, const QStringList &labels,
     const int scale = size.width() >= 480 ? 2 : 1;
     const int strip = kPixelTextHeight * scale + kGap;
     const int count = int(images.size());
-    QImage sheet(count * (size.width() + kGap) - kGap, size.height() + strip,
-                 images.first().format());
+    QImage sheet = newImage({count * (size.width() + kGap) - kGap, size.height() + strip},
+                            images.first().format());
     sheet.fill(Qt::black);
     sheet.setColorSpace(images.first().colorSpace());
     for (const QString &key : images.first().textKeys())
@@ -90,9 +90,8 @@ QImage sideBySide(const QList<QImage> &images, const QStringList &labels,
 // "a.png" becomes "a-05-crt-drive.png".
 QString withPass(const QString &path, int pass, const QString &component)
 {
-    const QString suffix = QFileInfo(path).suffix();
-    const qsizetype end = suffix.isEmpty() ? path.size() : path.size() - suffix.size() - 1;
-    return QString(path).insert(end, u"-%1-%2"_s.arg(pass, 2, 10, QChar(u'0')).arg(component));
+    return QString(path).insert(path.size() - ".png"_L1.size(),
+                                u"-%1-%2"_s.arg(pass, 2, 10, QChar(u'0')).arg(component));
 }
 
 bool picture(const CommandLine &line, QString &error)
@@ -100,6 +99,10 @@ bool picture(const CommandLine &line, QString &error)
     DrawingOptions options;
     if (!DrawingOptions::parse(line.parser, options, error))
         return false;
+    if (!line.out.endsWith(".png"_L1)) {
+        error = u"--out %1: the name ends in .png"_s.arg(line.out);
+        return false;
+    }
     const bool isEvery = line.parser.isSet(u"every"_s);
     if (isEvery && !QFileInfo(line.out).fileName().contains(u"%d"_s)) {
         error = u"--every writes a file per frame: --out %1 needs a %d in its name"_s.arg(line.out);
@@ -109,8 +112,17 @@ bool picture(const CommandLine &line, QString &error)
     // One player for each value to compare.
     std::vector<Player> players;
     QStringList labels;
+    if (line.parser.values(u"compare"_s).size() > 1) {
+        error = u"--compare is given twice: it compares values of one parameter"_s;
+        return false;
+    }
     const QString comparison = line.parser.value(u"compare"_s);
     const QStringList values = comparison.section(u'=', 1).split(u',');
+    if (values.size() * (options.size.width() + kGap) > kLargestPngSide) {
+        error = u"--compare: %1 pictures side by side are too wide for a PNG file"_s.arg(
+                values.size());
+        return false;
+    }
     for (const QString &value : values) {
         std::optional<Player> player;
         if (!options.loadPlayer(line.shadersDir, line.arguments.first(),
@@ -128,6 +140,14 @@ bool picture(const CommandLine &line, QString &error)
     const QString choice = line.parser.value(u"pass"_s);
     QList<int> passes;
     if (!choosePasses(graph, choice, passes, error))
+        return false;
+    const auto fileOf = [&](int pass, int frame) {
+        QString path = line.out;
+        if (choice == "all"_L1)
+            path = withPass(path, pass, graph.passes.at(pass).debugName);
+        return isEvery ? path.replace(u"%d"_s, QString::number(frame)) : path;
+    };
+    if (!canSaveFile(fileOf(passes.first(), 0), error))
         return false;
     for (Player &player : players) {
         if (!options.openSource(player, error))
@@ -150,12 +170,7 @@ bool picture(const CommandLine &line, QString &error)
                     return false;
                 images.append(displayImage(output, options.headroom));
             }
-            QString path = line.out;
-            if (choice == "all"_L1)
-                path = withPass(path, pass, graph.passes.at(pass).debugName);
-            if (isEvery)
-                path.replace(u"%d"_s, QString::number(frame));
-            if (!savePng(sideBySide(images, labels, options.headroom), path, error))
+            if (!savePng(sideBySide(images, labels, options.headroom), fileOf(pass, frame), error))
                 return false;
         }
     }
@@ -170,7 +185,7 @@ const Command kPictureCommand = {
         .description =
                 "Writes what a preset shows as a PNG file: 8 bits per channel, sRGB. With --hdr 16 "
                 "bits, linear light: 65535 is the headroom, 65535 / headroom the reference white.",
-        .out = "The PNG file to write.",
+        .out = "The PNG file to write; its name ends in .png.",
         .fewestArguments = 1,
         .mostArguments = 1,
         .options = pictureOptions,

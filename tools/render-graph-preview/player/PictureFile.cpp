@@ -4,13 +4,46 @@
 
 #include <QBuffer>
 #include <QColorSpace>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QSaveFile>
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+QString cannotWrite(const QString &path, const QString &reason)
+{
+    return u"cannot write '%1': %2"_s.arg(path, reason);
+}
+
+bool openForSaving(QSaveFile &file, QString &error)
+{
+    const QFileInfo existing(file.fileName());
+    if (existing.exists() && !existing.isFile() && !existing.isDir())
+        error = cannotWrite(file.fileName(), u"it is no regular file"_s);
+    else if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) // tells when a disk is full
+        error = cannotWrite(file.fileName(), file.errorString());
+    return file.isOpen();
+}
+
+// A full disk takes a part of the content, and gives a reason for the rest only.
+bool writeAll(QSaveFile &file, const QByteArray &content)
+{
+    for (qint64 done = 0; done < content.size();) {
+        const qint64 written = file.write(content.constData() + done, content.size() - done);
+        if (written <= 0)
+            return false;
+        done += written;
+    }
+    return true;
+}
+
+} // namespace
 
 bool SourcePicture::open(const QString &nameOrPath, SourcePicture &source, QString &error)
 {
@@ -25,11 +58,9 @@ bool SourcePicture::open(const QString &nameOrPath, SourcePicture &source, QStri
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (std::max(size.width(), size.height()) > kLargestSourceSide) {
-        error = u"source picture '%1' is %2x%3, and the largest is %4x%4: make it smaller"_s
-                        .arg(nameOrPath)
-                        .arg(size.width())
-                        .arg(size.height())
-                        .arg(kLargestSourceSide);
+        error = u"source picture '%1' is %2x%3, and the largest is %4x%4: make it smaller"_s.arg(
+                nameOrPath, QString::number(size.width()), QString::number(size.height()),
+                QString::number(kLargestSourceSide));
         return false;
     }
     image = reader.read();
@@ -42,6 +73,8 @@ bool SourcePicture::open(const QString &nameOrPath, SourcePicture &source, QStri
         image.convertToColorSpace(QColorSpace::SRgb);
     // Premultiplied colours are the colours over black.
     image.convertTo(QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        throw std::bad_alloc();
     image.reinterpretAsFormat(QImage::Format_RGB32);
     source.m_testPicture.clear();
     source.m_image = image;
@@ -63,9 +96,17 @@ void SourcePicture::freeze()
     m_testPicture.clear();
 }
 
+QImage newImage(QSize size, QImage::Format format)
+{
+    QImage image(size, format);
+    if (image.isNull())
+        throw std::bad_alloc();
+    return image;
+}
+
 QImage floatPicture(const QImage &image)
 {
-    QImage picture(image.size(), QImage::Format_RGBA32FPx4);
+    QImage picture = newImage(image.size(), QImage::Format_RGBA32FPx4);
     for (int y = 0; y < image.height(); ++y) {
         auto *const row = reinterpret_cast<QRgbaFloat32 *>(picture.scanLine(y));
         for (int x = 0; x < image.width(); ++x) {
@@ -84,7 +125,8 @@ QImage displayImage(const QImage &picture, std::optional<float> headroom)
     const auto level = [white](float value, float most) {
         return int(std::lround((value > 0.0F ? std::min(value / white, 1.0F) : 0.0F) * most));
     };
-    QImage image(picture.size(), headroom ? QImage::Format_RGBX64 : QImage::Format_RGB32);
+    QImage image =
+            newImage(picture.size(), headroom ? QImage::Format_RGBX64 : QImage::Format_RGB32);
     for (int y = 0; y < picture.height(); ++y) {
         const auto *const row = reinterpret_cast<const QRgbaFloat32 *>(picture.constScanLine(y));
         auto *const narrow = reinterpret_cast<QRgb *>(image.scanLine(y));
@@ -107,20 +149,39 @@ QImage displayImage(const QImage &picture, std::optional<float> headroom)
 bool saveFile(const QByteArray &content, const QString &path, QString &error)
 {
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit())
+    if (openForSaving(file, error) && writeAll(file, content) && file.commit())
         return true;
-    error = u"cannot write '%1': %2"_s.arg(path, file.errorString());
+    if (error.isEmpty())
+        error = cannotWrite(path, file.errorString());
     return false;
+}
+
+bool canSaveFile(const QString &path, QString &error)
+{
+    QSaveFile file(path);
+    return openForSaving(file, error);
 }
 
 bool savePng(const QImage &image, const QString &path, QString &error)
 {
-    return saveFile(pngOf(image), path, error);
+    QByteArray png;
+    return pngOf(image, png, error) && saveFile(png, path, error);
 }
 
-QByteArray pngOf(const QImage &image)
+bool pngOf(const QImage &image, QByteArray &png, QString &error)
 {
+    if (std::max(image.width(), image.height()) > kLargestPngSide) {
+        error = u"a picture of %1x%2 is too large for a PNG file: its sides are at most %3"_s.arg(
+                QString::number(image.width()), QString::number(image.height()),
+                QString::number(kLargestPngSide));
+        return false;
+    }
     QBuffer buffer;
-    image.save(&buffer, "png");
-    return buffer.data();
+    if (!image.save(&buffer, "png")) {
+        error = u"a picture of %1x%2 cannot be written as PNG"_s.arg(
+                QString::number(image.width()), QString::number(image.height()));
+        return false;
+    }
+    png = buffer.data();
+    return true;
 }

@@ -36,6 +36,9 @@ private:
     QImage m_image; // the first frame
 };
 
+// An image whose pixels are not set. Throws std::bad_alloc, as new does, where QImage is null.
+QImage newImage(QSize size, QImage::Format format);
+
 // Converts 8-bit colours to QImage::Format_RGBA32FPx4, opaque.
 QImage floatPicture(const QImage &image);
 
@@ -45,8 +48,15 @@ QImage floatPicture(const QImage &image);
 // becomes 0, and alpha is dropped.
 QImage displayImage(const QImage &picture, std::optional<float> headroom = {});
 
-// Writes to a temporary file and renames it to `path`, so that `path` is never half written. On
-// failure returns false, with the reason in `error`.
+// The longest side of a picture in a PNG file that libpng reads and writes.
+inline constexpr int kLargestPngSide = 1000000;
+
+// Functions that can fail return false, with the reason in `error`.
+
+// Writes to a temporary file and renames it to `path`, so that `path` is never half written. Only
+// a regular file is replaced.
 bool saveFile(const QByteArray &content, const QString &path, QString &error);
+// Whether saveFile() can write to `path`. Leaves no file behind.
+bool canSaveFile(const QString &path, QString &error);
 bool savePng(const QImage &image, const QString &path, QString &error);
-QByteArray pngOf(const QImage &image);
+bool pngOf(const QImage &image, QByteArray &png, QString &error);

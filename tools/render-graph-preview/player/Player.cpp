@@ -1,5 +1,7 @@
 #include "Player.h"
 
+#include <QScopeGuard>
+
 #include <utility>
 
 Player::Player(QString device, OffscreenRenderer::Outputs outputs)
@@ -50,13 +52,16 @@ void Player::resetHistories()
 
 bool Player::drawFrame(int number, QString &error)
 {
-    if (tryDrawFrame(number, error))
-        return true;
-    // The device may be lost.
-    m_renderer.reset();
-    m_hasGraph = false;
-    m_hasSource = false;
-    return false;
+    // The device may be lost, or there was no memory to go on.
+    auto release = qScopeGuard([this] {
+        m_renderer.reset();
+        m_hasGraph = false;
+        m_hasSource = false;
+    });
+    const bool isDrawn = tryDrawFrame(number, error);
+    if (isDrawn)
+        release.dismiss();
+    return isDrawn;
 }
 
 bool Player::tryDrawFrame(int number, QString &error)
