@@ -136,9 +136,11 @@ void TestRenderGraphPreview::programErrors_data()
     QTest::newRow("no place for the picture")
             << u"picture stock --out none/a.png --size 8x8"_s
             << "cannot write 'none/a.png': No such file or directory"_ba;
-    QTest::newRow("other shaders directory")
-            << u"--shaders-dir none picture stock --out a.png"_s
-            << "preset 'stock' pass 0 ('stock') has no shaders/vulkan/components source"_ba;
+    QTest::newRow("other shaders directory") << u"--shaders-dir none picture stock --out a.png"_s
+                                             << "the shaders directory 'none' does not exist"_ba;
+    QTest::newRow("no shaders in the directory")
+            << u"--shaders-dir . picture stock --out a.png"_s
+            << "the shaders directory '.' has no directory vulkan/components"_ba;
 }
 
 void TestRenderGraphPreview::programErrors()

@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <iterator>
@@ -37,6 +38,15 @@ QStringList filesOf(const QString &shadersDir, const PresetDecl &decl)
     if (qstrcmp(decl.presetExtension, "glslp") == 0)
         files.append(glslpPath(shadersDir, decl));
     return files;
+}
+
+bool isShadersDir(const QString &path, QString &error)
+{
+    if (!QFileInfo(path).isDir())
+        error = "the shaders directory '%1' does not exist"_L1.arg(path);
+    else if (!QFileInfo(path + "/vulkan/components"_L1).isDir())
+        error = "the shaders directory '%1' has no directory vulkan/components"_L1.arg(path);
+    return error.isEmpty();
 }
 
 bool compileGraph(const QString &shadersDir, const PresetDecl &decl, PresetOnDisk &preset,
@@ -108,7 +118,8 @@ bool loadPreset(const QString &shadersDir, const QString &name, PresetOnDisk &pr
         return false;
     }
     preset.files = filesOf(shadersDir, *decl);
-    const bool isLoaded = compileGraph(shadersDir, *decl, preset, error)
+    const bool isLoaded = isShadersDir(shadersDir, error)
+            && compileGraph(shadersDir, *decl, preset, error)
             && compileModules(shadersDir, preset, error);
     preset.files.removeDuplicates();
     return isLoaded;
