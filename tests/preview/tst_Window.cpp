@@ -1,3 +1,4 @@
+#include <Command.h>
 #include <ParameterPanel.h>
 #include <PictureView.h>
 #include <TestSupport.h>
@@ -20,8 +21,14 @@
 #include <QSlider>
 #include <QTimer>
 #include <QToolButton>
+#include <QToolTip>
+#include <QWheelEvent>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
+
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -59,6 +66,17 @@ private Q_SLOTS:
     void tabMovesThroughTheParameters();
     void picturePixelsAreScreenPixels();
     void closingWhileDrawing();
+    void slowFrameIsAnnouncedAndAbandoned();
+    void missingMemoryIsReported();
+    void otherDropsAreIgnored();
+    void brokenPresetIsNotShown();
+    void sourceFileIsReloaded();
+    void includeBelowMissingDirectoriesIsFound();
+    void numberOutOfRangeIsReported();
+    void numbersKeepTheirDigits();
+    void handleIsAtItsMark();
+    void wheelNeedsTheFocus_data();
+    void wheelNeedsTheFocus();
     void missingDisplayIsReported_data();
     void missingDisplayIsReported();
 
@@ -579,11 +597,224 @@ void TestWindow::closingWhileDrawing()
     window.reset();
 }
 
+// In a process of its own, which runs the command and abandons the frame.
+void TestWindow::slowFrameIsAnnouncedAndAbandoned()
+{
+    if (!qEnvironmentVariableIsSet("IS_ABANDONED")) {
+        const Run child =
+                runProgram(QCoreApplication::applicationFilePath(),
+                           {u"slowFrameIsAnnouncedAndAbandoned"_s}, [](QProcess &process) {
+                               process.setEnvironment(QProcess::systemEnvironment()
+                                                      + QStringList(u"IS_ABANDONED=1"_s));
+                           });
+        QCOMPARE(child.exitStatus, 0);
+        QVERIFY2(child.out.contains("the window is closed"), child.out.constData());
+        return;
+    }
+    copyExampleShaders();
+    const QString path = u"shaders/vulkan/components/stock.frag"_s;
+    QByteArray endless = readFile(path);
+    endless.replace("}",
+                    "for (int i = 0; i < 2000000000; ++i) for (int j = 0; j < 2000000000; ++j)\n"
+                    "    fragColor = fragColor * 1.01 + sin(fragColor + float(i ^ j)); }");
+    writeFile(path, endless);
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &poll, [] {
+        for (QWidget *const widget : QApplication::topLevelWidgets()) {
+            const auto *const label = widget->findChild<QLabel *>(u"slowness"_s);
+            if (label != nullptr && label->isVisible()) {
+                QCOMPARE(label->text(), u"drawing…"_s);
+                qInfo("the window is closed");
+                widget->close();
+            }
+        }
+    });
+    poll.start(10);
+    QCommandLineParser parser;
+    parser.addOptions(kWindowCommand.options());
+    QString error;
+    kWindowCommand.run({parser, u"shaders"_s, QString(), {u"stock"_s}}, error);
+    QFAIL("the frame was done");
+}
+
+void TestWindow::missingMemoryIsReported()
+{
+    if (kIsSanitized)
+        QSKIP("a sanitizer takes more memory than there is");
+    QVERIFY(QImage(4096, 4096, QImage::Format_RGB32).save(u"large.png"_s));
+    const auto window = open(u"stock"_s);
+    const QImage first = waitForImage(*window);
+    const rlim_t used = rlim_t(readFile(u"/proc/self/statm"_s).split(' ').first().toLongLong())
+            * rlim_t(::sysconf(_SC_PAGESIZE));
+    rlimit before = {};
+    QCOMPARE(::getrlimit(RLIMIT_AS, &before), 0);
+    const rlimit limit = {used + (250U << 20), before.rlim_max};
+    QCOMPARE(::setrlimit(RLIMIT_AS, &limit), 0);
+    ViewSettings view = window->session().view();
+    view.source = u"large.png"_s;
+    window->session().setView(view);
+    waitForImage(*window);
+    ::setrlimit(RLIMIT_AS, &before);
+    QCOMPARE(window->session().message(), u"not enough memory: choose a smaller size or source"_s);
+    // The same source again, with the memory that it takes.
+    window->session().setView(view);
+    QVERIFY(waitForImage(*window) != first);
+    QCOMPARE(window->session().message(), QString());
+}
+
+void TestWindow::otherDropsAreIgnored()
+{
+    const auto window = open(u"stock"_s);
+    const QString source = window->session().view().source;
+    QMimeData data;
+    data.setUrls({QUrl(u"http://example.org/x.png"_s)});
+    QDragEnterEvent enter({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    enter.ignore();
+    QApplication::sendEvent(window.get(), &enter);
+    QVERIFY(!enter.isAccepted());
+    QDropEvent drop({9, 9}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window.get(), &drop);
+    QCOMPARE(window->session().view().source, source);
+}
+
+void TestWindow::brokenPresetIsNotShown()
+{
+    const auto window = open(u"gba-lcd"_s);
+    auto *const view = window->findChild<PictureView *>();
+    QFile::remove(u"shaders/vulkan/components/stock.frag"_s);
+    waitForImage(*window);
+    const QImage before = view->grab().toImage();
+    auto *const presets = window->findChild<QComboBox *>(u"preset"_s);
+    presets->setCurrentText(u"stock"_s);
+    QVERIFY(window->findChild<QSlider *>(u"ghost_rise.slider"_s) == nullptr);
+    waitForImage(*window);
+    QVERIFY(!window->session().message().isEmpty());
+    QCOMPARE(window->session().frame()->preset, u"gba-lcd"_s);
+    QVERIFY(window->session().parameters().isEmpty());
+    QVERIFY(view->grab().toImage() != before); // it is labelled
+    presets->setCurrentText(u"gba-lcd"_s);
+    waitForImage(*window);
+    QCOMPARE(view->grab().toImage(), before);
+    QVERIFY(window->findChild<QSlider *>(u"ghost_rise.slider"_s) != nullptr);
+}
+
+void TestWindow::sourceFileIsReloaded()
+{
+    QImage picture(5, 4, QImage::Format_RGB32);
+    picture.fill(qRgb(0, 0, 255));
+    QVERIFY(picture.save(u"source.png"_s));
+    const auto window = open(u"stock"_s);
+    ViewSettings view = window->session().view();
+    view.source = u"source.png"_s;
+    window->session().setView(view);
+    QCOMPARE(waitForImage(*window).pixel(9, 9), qRgb(0, 0, 255));
+    picture.fill(qRgb(255, 0, 0));
+    QVERIFY(picture.save(u"source.png"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(waitForImage(*window).pixel(9, 9), qRgb(255, 0, 0), kPatience);
+}
+
+void TestWindow::includeBelowMissingDirectoriesIsFound()
+{
+    const auto window = open(u"stock"_s);
+    const QString path = u"shaders/vulkan/components/stock.frag"_s;
+    QByteArray content = readFile(path);
+    content.replace("void main", "#include \"new/deep/color.glsl\"\nvoid main");
+    content.replace("}", "fragColor = kColor; }");
+    writeFile(path, content);
+    QTRY_VERIFY_WITH_TIMEOUT(!window->session().message().isEmpty(), kPatience);
+    // One by one, so that each is noticed before there is anything in it.
+    for (const QString &directory : {u"new"_s, u"new/deep"_s}) {
+        QVERIFY(QDir(u"shaders/vulkan/components"_s).mkdir(directory));
+        QTest::qWait(300);
+    }
+    writeFile(u"shaders/vulkan/components/new/deep/color.glsl"_s,
+              "const vec4 kColor = vec4(1.0, 0.0, 0.0, 1.0);\n");
+    QTRY_COMPARE_WITH_TIMEOUT(window->session().message(), QString(), kPatience);
+    QCOMPARE(waitForImage(*window).pixel(9, 9), qRgb(255, 0, 0));
+}
+
+void TestWindow::numberOutOfRangeIsReported()
+{
+    const auto window = open(u"gba-lcd"_s);
+    auto *const number = window->findChild<QDoubleSpinBox *>(u"lcd_spill.number"_s);
+    number->selectAll();
+    QTest::keyClicks(number, u"400"_s);
+    QTest::keyClick(number, Qt::Key_Return);
+    QCOMPARE(QToolTip::text(), u"400 is not within 0.0 to 1.0"_s);
+    QCOMPARE(number->text(), u"1.0"_s);
+    // The least value is no decimal fraction of two.
+    auto *const rise = window->findChild<QDoubleSpinBox *>(u"ghost_rise.number"_s);
+    QToolTip::hideText();
+    rise->selectAll();
+    QTest::keyClicks(rise, u"0.05"_s);
+    QTest::keyClick(rise, Qt::Key_Return);
+    QCOMPARE(rise->text(), u"0.05"_s);
+    QVERIFY(QToolTip::text() != u"0.05 is not within 0.05 to 1.0"_s);
+}
+
+void TestWindow::numbersKeepTheirDigits()
+{
+    const auto window = open(u"gba-lcd"_s);
+    auto *const number = window->findChild<QDoubleSpinBox *>(u"lcd_spill.number"_s);
+    number->selectAll();
+    QTest::keyClicks(number, u"0.12345678"_s);
+    QTest::keyClick(number, Qt::Key_Return);
+    QCOMPARE(number->text(), u"0.12345678"_s);
+    const QList<PresetParamMeta> &parameters = window->session().parameters();
+    const auto spill = std::ranges::find(parameters, u"lcd_spill"_s, &PresetParamMeta::id);
+    QCOMPARE(window->session().value(*spill), 0.12345678F);
+}
+
+// The tuned 0.706 is between two steps of 0.01.
+void TestWindow::handleIsAtItsMark()
+{
+    const auto window = open(u"gba-lcd"_s);
+    auto *const slider = window->findChild<QSlider *>(u"ghost_rise.slider"_s);
+    const double share = double(slider->value()) / slider->maximum();
+    QVERIFY2(std::abs(share - (0.706 - 0.05) / (1.0 - 0.05)) < 1e-4,
+             QByteArray::number(share).constData());
+}
+
+void TestWindow::wheelNeedsTheFocus_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("slider") << u"ghost_rise.slider"_s;
+    QTest::newRow("number") << u"ghost_rise.number"_s;
+    QTest::newRow("chooser") << u"preset"_s;
+    QTest::newRow("headroom") << u"headroom"_s;
+}
+
+void TestWindow::wheelNeedsTheFocus()
+{
+    QFETCH(QString, name);
+    const auto window = open(u"gba-lcd"_s);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    auto *const widget = window->findChild<QWidget *>(name);
+    QVERIFY(!widget->hasFocus());
+    const auto isTakenBy = [widget] {
+        const QPointF at = widget->rect().center();
+        QWheelEvent event(at, widget->mapToGlobal(at), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        event.ignore();
+        QApplication::sendEvent(widget, &event);
+        return event.isAccepted();
+    };
+    const char *const property = name == "preset"_L1 ? "currentIndex" : "value";
+    const QVariant before = widget->property(property);
+    isTakenBy();
+    QCOMPARE(widget->property(property), before);
+    QVERIFY(!widget->hasFocus());
+    widget->setFocus();
+    QVERIFY(isTakenBy());
+    QVERIFY(widget->property(property) != before);
+}
+
 void TestWindow::missingDisplayIsReported_data()
 {
     QTest::addColumn<QString>("platform");
     QTest::addColumn<QString>("display");
-    QTest::newRow("no such display") << u"xcb"_s << u":99"_s;
+    QTest::newRow("no such display") << u"xcb"_s << u":7777"_s;
     QTest::newRow("no display") << u"xcb"_s << QString();
     QTest::newRow("no such platform") << u"abacus"_s << QString();
 }

@@ -1,5 +1,7 @@
 #include "Command.h"
 
+#include <PictureFile.h>
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
@@ -142,7 +144,7 @@ int main(int argc, char *argv[])
     try {
         isDone = command.run({parser, parser.value(shadersDir), path, arguments}, error);
     } catch (const std::bad_alloc &) {
-        error = u"not enough memory: choose a smaller size or source"_s;
+        error = kNotEnoughMemory;
     }
     if (isDone && (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)) {
         error = u"cannot write to the standard output: "_s + qt_error_string(errno);

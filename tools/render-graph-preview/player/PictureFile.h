@@ -36,6 +36,10 @@ private:
     QImage m_image; // the first frame
 };
 
+// The error after std::bad_alloc.
+inline constexpr QLatin1StringView
+        kNotEnoughMemory("not enough memory: choose a smaller size or source");
+
 // An image whose pixels are not set. Throws std::bad_alloc, as new does, where QImage is null.
 QImage newImage(QSize size, QImage::Format format);
 

@@ -1,5 +1,7 @@
 #include "ParameterPanel.h"
 
+#include "WithoutStrayWheel.h"
+
 #include <QDoubleSpinBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -10,6 +12,7 @@
 #include <QSlider>
 #include <QStyleOptionSlider>
 #include <QToolButton>
+#include <QToolTip>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -20,19 +23,40 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int kDecimals = 6;
+constexpr int kDecimals = 15; // a float's shortest text has no more in a range that people use
+constexpr int kPositionsPerStep = 100; // so that a value between two steps has its place
 
-// The slider's position is the number of steps above the minimum.
-class ParameterSlider : public QSlider
+// The decimal number as it is declared: 0.3, not the float's 0.300000012.
+double asDeclared(float value)
+{
+    return numberText(value).toDouble();
+}
+
+class ParameterSlider : public WithoutStrayWheel<QSlider>
 {
 public:
-    explicit ParameterSlider(const PresetParamMeta &parameter)
-        : QSlider(Qt::Horizontal),
-          m_parameter(parameter)
+    explicit ParameterSlider(const PresetParamMeta &parameter) : m_parameter(parameter)
     {
-        setRange(0, int(std::lround((parameter.max - parameter.min) / parameter.step)));
-        setPageStep(std::max(1, maximum() / 10));
+        setOrientation(Qt::Horizontal);
+        const int steps = int(std::lround((parameter.max - parameter.min) / parameter.step));
+        setRange(0, steps * kPositionsPerStep);
+        setSingleStep(kPositionsPerStep);
+        setPageStep(std::max(1, steps / 10) * kPositionsPerStep);
         setMinimumWidth(120);
+    }
+
+    // The value of the step that is nearest to a position.
+    float valueAt(int position) const
+    {
+        const double steps = std::round(double(position) / kPositionsPerStep);
+        const double value = asDeclared(m_parameter.min) + steps * asDeclared(m_parameter.step);
+        return std::min(float(value), m_parameter.max);
+    }
+
+    int positionOf(float value) const
+    {
+        const float steps = (value - m_parameter.min) / m_parameter.step;
+        return int(std::lround(steps * float(kPositionsPerStep)));
     }
 
 protected:
@@ -62,15 +86,15 @@ private:
     PresetParamMeta m_parameter;
 };
 
-class NumberField : public QDoubleSpinBox
+class NumberField : public WithoutStrayWheel<QDoubleSpinBox>
 {
 public:
     explicit NumberField(const PresetParamMeta &parameter)
     {
         setLocale(QLocale::c());
         setDecimals(kDecimals);
-        setRange(double(parameter.min), double(parameter.max));
-        setSingleStep(double(parameter.step));
+        setRange(asDeclared(parameter.min), asDeclared(parameter.max));
+        setSingleStep(asDeclared(parameter.step));
         setKeyboardTracking(false);
         setMinimumWidth(fontMetrics().horizontalAdvance(u"00.000000"_s) + 36);
     }
@@ -78,6 +102,27 @@ public:
     QString textFromValue(double value) const override
     {
         return numberText(float(value));
+    }
+
+    // Takes numbers out of range while they are typed; afterwards it says what the range is.
+    QValidator::State validate(QString &text, int &position) const override
+    {
+        const QValidator::State state = QDoubleSpinBox::validate(text, position);
+        bool isNumber = false;
+        text.toDouble(&isNumber);
+        return state == QValidator::Invalid && isNumber ? QValidator::Intermediate : state;
+    }
+
+    void fixup(QString &text) const override
+    {
+        bool isNumber = false;
+        const double number = text.toDouble(&isNumber);
+        if (isNumber && (number < minimum() || number > maximum())) {
+            QToolTip::showText(mapToGlobal(rect().bottomLeft()),
+                               u"%1 is not within %2 to %3"_s.arg(text, textFromValue(minimum()),
+                                                                  textFromValue(maximum())));
+            text = textFromValue(number < minimum() ? minimum() : maximum());
+        }
     }
 };
 
@@ -114,12 +159,8 @@ public:
         layout->addWidget(m_number, 1, 1);
         layout->addWidget(m_reset, 1, 2);
 
-        connect(m_slider, &QSlider::valueChanged, this, [this, &session](int step) {
-            const double value = double(parameter.min) + step * double(parameter.step);
-            // The decimal number, as in 0.3, not the sum, 0.300000012.
-            session.setValue(
-                    parameter.id,
-                    std::min(QString::number(value, 'f', kDecimals).toFloat(), parameter.max));
+        connect(m_slider, &QSlider::valueChanged, this, [this, &session](int position) {
+            session.setValue(parameter.id, m_slider->valueAt(position));
         });
         connect(m_number, &QDoubleSpinBox::valueChanged, this,
                 [this, &session](double value) { session.setValue(parameter.id, float(value)); });
@@ -131,8 +172,8 @@ public:
     {
         const QSignalBlocker sliderBlocker(m_slider);
         const QSignalBlocker numberBlocker(m_number);
-        m_slider->setValue(int(std::lround((value - parameter.min) / parameter.step)));
-        m_number->setValue(double(value));
+        m_slider->setValue(m_slider->positionOf(value));
+        m_number->setValue(asDeclared(value));
         m_reset->setEnabled(value != parameter.initialValue);
     }
 

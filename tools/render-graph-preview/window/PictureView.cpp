@@ -28,10 +28,11 @@ PictureView::PictureView(QWidget *parent) : QWidget(parent)
     setMinimumSize(64, 64);
 }
 
-void PictureView::setFrame(const std::shared_ptr<const FrameResult> &frame,
+void PictureView::setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &preset,
                            const QString &comparedName)
 {
     m_frame = frame;
+    m_preset = preset;
     m_comparedName = comparedName;
     updateSize();
     update();
@@ -96,6 +97,9 @@ void PictureView::paintEvent(QPaintEvent * /*event*/)
     }
     painter.restore();
 
+    if (m_frame->preset != m_preset)
+        drawLabel(painter, rect(), Qt::AlignTop | Qt::AlignLeft,
+                  u"still %1"_s.arg(m_frame->preset));
     if (m_frame->isToneMapped)
         drawLabel(painter, rect(), Qt::AlignTop | Qt::AlignRight, u"HDR, tone-mapped"_s);
     if (!m_frame->compared.isNull()) {

@@ -16,7 +16,9 @@ public:
 
     explicit PictureView(QWidget *parent = nullptr);
 
-    void setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &comparedName);
+    // `preset` is the one that was chosen: the picture says if it is another's.
+    void setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &preset,
+                  const QString &comparedName);
     void setZoom(int zoom); // or kFitToWindow
 
     // The rectangle of the picture, in pixels of the screen.
@@ -38,6 +40,7 @@ private:
     int splitX() const;
 
     std::shared_ptr<const FrameResult> m_frame;
+    QString m_preset;
     QString m_comparedName;
     int m_zoom = kFitToWindow;
     double m_split = 0.5; // of the width

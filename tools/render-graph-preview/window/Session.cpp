@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include <Player.h>
+#include <TestPictures.h>
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -11,6 +12,7 @@
 #include <cmath>
 #include <condition_variable>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <utility>
 
@@ -19,6 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int kReloadDebounceMilliseconds = 50;
+constexpr int kSlowMilliseconds = 500;
 constexpr double kFramesPerSecond = 60.0;
 
 // Compresses HDR light into SDR, gamma-encoded: up to reference white it gets a little darker, to
@@ -33,12 +36,13 @@ QImage shownImage(const QImage &picture, std::optional<float> headroom)
 {
     if (!headroom)
         return displayImage(picture);
-    QImage mapped = picture;
+    QImage mapped = newImage(picture.size(), picture.format());
     for (int y = 0; y < mapped.height(); ++y) {
+        const auto *const linear = reinterpret_cast<const QRgbaFloat32 *>(picture.constScanLine(y));
         auto *const row = reinterpret_cast<QRgbaFloat32 *>(mapped.scanLine(y));
         for (int x = 0; x < mapped.width(); ++x)
-            row[x] = {toneMapped(row[x].r, *headroom), toneMapped(row[x].g, *headroom),
-                      toneMapped(row[x].b, *headroom), row[x].a};
+            row[x] = {toneMapped(linear[x].r, *headroom), toneMapped(linear[x].g, *headroom),
+                      toneMapped(linear[x].b, *headroom), linear[x].a};
     }
     return displayImage(mapped);
 }
@@ -95,14 +99,18 @@ public:
 
     ~Worker()
     {
-        {
-            const std::scoped_lock lock(m_mutex);
-            m_isClosing = true;
-        }
-        m_wake.notify_one();
+        finish({});
         m_thread.join();
     }
     Q_DISABLE_COPY_MOVE(Worker)
+
+    bool finish(std::chrono::milliseconds patience)
+    {
+        std::unique_lock lock(m_mutex);
+        m_isClosing = true;
+        m_wake.notify_all();
+        return m_wake.wait_for(lock, patience, [this] { return m_isDone; });
+    }
 
     void request(Request request)
     {
@@ -118,18 +126,15 @@ private:
     {
         while (const std::optional<Request> request = next()) {
             Result result;
-            result.number = request->number;
-            QString error;
-            reloadPreset(*request, result);
-            reopenSource(request->view.source);
-            if (!m_player.preset().graph.passes.isEmpty() && !m_player.source().isNull()) {
-                auto frame = std::make_shared<FrameResult>();
-                if (drawFrame(*request, *frame, error))
-                    result.frame = std::move(frame);
+            try {
+                answer(*request, result);
+            } catch (const std::bad_alloc &) {
+                m_requestedPreset.clear(); // what was not read is read again
+                m_requestedSource.clear();
+                result = {};
+                result.message = kNotEnoughMemory;
             }
-            QStringList errors = {m_presetError, m_sourceError, error};
-            errors.removeAll(QString());
-            result.message = errors.join(u'\n');
+            result.number = request->number;
             const bool isDrawn = result.frame != nullptr;
             postToGui([&session = m_session, result = std::move(result)] {
                 session.applyResult(result);
@@ -137,6 +142,24 @@ private:
             if (isDrawn)
                 drawThumbnails(request->view.headroom);
         }
+        const std::scoped_lock lock(m_mutex);
+        m_isDone = true;
+        m_wake.notify_all();
+    }
+
+    void answer(const Request &request, Result &result)
+    {
+        QString error;
+        reopenSource(request);
+        reloadPreset(request, result);
+        if (!m_player.preset().graph.passes.isEmpty() && !m_player.source().isNull()) {
+            auto frame = std::make_shared<FrameResult>();
+            if (drawFrame(request, *frame, error))
+                result.frame = std::move(frame);
+        }
+        QStringList errors = {m_presetError, m_sourceError, error};
+        errors.removeAll(QString());
+        result.message = errors.join(u'\n');
     }
 
     std::optional<Request> next()
@@ -173,14 +196,14 @@ private:
         m_tunedPlayer.setPreset(*result.preset);
     }
 
-    void reopenSource(const QString &name)
+    void reopenSource(const Request &request)
     {
-        if (name == m_requestedSource)
+        if (request.view.source == m_requestedSource && request.revision == m_revision)
             return;
-        m_requestedSource = name;
+        m_requestedSource = request.view.source;
         m_sourceError.clear();
         SourcePicture source;
-        if (!SourcePicture::open(name, source, m_sourceError))
+        if (!SourcePicture::open(m_requestedSource, source, m_sourceError))
             return;
         m_player.setSource(source);
         m_tunedPlayer.setSource(source);
@@ -203,6 +226,7 @@ private:
         using Comparison = ViewSettings::Comparison;
         QElapsedTimer timer;
         timer.start();
+        frame.preset = m_player.preset().name;
         m_player.resetValues();
         for (auto change = request.changes.cbegin(); change != request.changes.cend(); ++change)
             m_player.setValue(change.key(), change.value());
@@ -246,13 +270,17 @@ private:
             m_thumbnail = (m_thumbnail + 1) % count;
             QString error;
             QImage picture;
-            if (!renderer.output(m_thumbnail, picture, error))
-                return; // the next frame will report it
-            const QImage image =
-                    shownImage(picture, m_thumbnail == count - 1 ? headroom : std::nullopt)
-                            .scaled(kThumbnailSize, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-            postToGui([&session = m_session, pass = m_thumbnail, image] {
-                Q_EMIT session.thumbnailDrawn(pass, image);
+            try {
+                if (!renderer.output(m_thumbnail, picture, error))
+                    return; // the next frame will report it
+                picture = shownImage(picture, m_thumbnail == count - 1 ? headroom : std::nullopt)
+                                  .scaled(kThumbnailSize, Qt::KeepAspectRatio,
+                                          Qt::SmoothTransformation);
+            } catch (const std::bad_alloc &) {
+                return; // likewise
+            }
+            postToGui([&session = m_session, pass = m_thumbnail, picture] {
+                Q_EMIT session.thumbnailDrawn(pass, picture);
             });
         }
     }
@@ -273,6 +301,7 @@ private:
     std::condition_variable m_wake;
     std::optional<Request> m_waiting;
     bool m_isClosing = false;
+    bool m_isDone = false;
     std::thread m_thread;
 };
 
@@ -297,9 +326,18 @@ Session::Session(const QString &shadersDir, const QString &device)
         if (!isBusy())
             step();
     });
+    m_slownessTimer.setSingleShot(true);
+    m_slownessTimer.setInterval(kSlowMilliseconds);
+    connect(&m_slownessTimer, &QTimer::timeout, this, [this] { Q_EMIT slownessChanged(true); });
 }
 
 Session::~Session() = default;
+
+bool Session::finish(std::chrono::milliseconds patience)
+{
+    setRunning(false);
+    return m_worker->finish(patience);
+}
 
 void Session::setPreset(const QString &name)
 {
@@ -307,12 +345,15 @@ void Session::setPreset(const QString &name)
         return;
     m_preset = name;
     m_changes.clear();
+    m_parameters.clear();
+    Q_EMIT parametersChanged();
     request();
 }
 
 void Session::setView(const ViewSettings &view)
 {
     m_view = view;
+    watchFiles();
     request();
 }
 
@@ -371,6 +412,8 @@ void Session::request(bool keepsHistories)
 {
     if (m_preset.isEmpty() || m_view.source.isEmpty())
         return;
+    if (!isBusy())
+        m_slownessTimer.start();
     m_worker->request({.number = ++m_lastRequest,
                        .preset = m_preset,
                        .revision = m_revision,
@@ -383,6 +426,10 @@ void Session::request(bool keepsHistories)
 void Session::applyResult(const Result &result)
 {
     m_lastResult = result.number;
+    m_slownessTimer.stop();
+    Q_EMIT slownessChanged(false);
+    if (isBusy())
+        m_slownessTimer.start();
     if (result.preset && result.preset->name == m_preset) {
         m_files = result.preset->files;
         watchFiles();
@@ -404,12 +451,21 @@ void Session::applyResult(const Result &result)
 }
 
 // Editors replace files. Then only the directory's watch notices, and the new file has to be
-// watched.
+// watched. Where a directory is missing, the nearest one above it is watched.
 void Session::watchFiles()
 {
+    QStringList files = m_files;
+    if (!m_view.source.isEmpty() && !testPictureNames().contains(m_view.source))
+        files.append(m_view.source);
     QStringList paths;
-    for (const QString &file : std::as_const(m_files))
-        paths << file << QFileInfo(file).path();
+    for (const QString &file : std::as_const(files)) {
+        QString directory = QFileInfo(file).path();
+        paths << file << directory;
+        while (!QFileInfo::exists(directory) && directory != QFileInfo(directory).path()) {
+            directory = QFileInfo(directory).path();
+            paths.append(directory);
+        }
+    }
     paths.removeDuplicates();
     const QStringList watched = m_watcher.files() + m_watcher.directories();
     for (const QString &path : std::as_const(paths)) {

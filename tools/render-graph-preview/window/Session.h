@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -30,6 +31,7 @@ struct ViewSettings
 
 struct FrameResult
 {
+    QString preset; // the last one that could be drawn
     int number = 0;
     int pass = 0;
     QImage picture; // the output of that pass, in floats
@@ -50,8 +52,8 @@ QString numberText(float value);
 QString overrideRow(const QString &id, float value);
 
 // A preset that is being tuned: its values, and its frames, which a worker thread draws. Only the
-// latest request is kept. Calls never block, except the destructor, which waits for the current
-// frame. The preset's files are watched; when one is broken, the last good picture stays.
+// latest request is kept. Calls never block, except finish() and the destructor. The preset's files
+// and a source file are watched; when one is broken, the last good picture stays.
 class Session : public QObject
 {
     Q_OBJECT
@@ -73,7 +75,7 @@ public:
     }
     void setView(const ViewSettings &view);
 
-    // Empty until the preset is compiled.
+    // Empty until the preset is compiled, and if it cannot be.
     const QList<PresetParamMeta> &parameters() const
     {
         return m_parameters;
@@ -100,6 +102,9 @@ public:
     {
         return m_lastResult != m_lastRequest;
     }
+    // Ends drawing. Returns whether the current frame was done within that time; if not, the
+    // destructor waits on. Later requests are ignored.
+    bool finish(std::chrono::milliseconds patience);
     // The last frame, or null.
     const std::shared_ptr<const FrameResult> &frame() const
     {
@@ -117,6 +122,7 @@ Q_SIGNALS:
     void thumbnailDrawn(int pass, const QImage &image);
     void messageChanged(const QString &message); // one line per error, or empty
     void runningChanged(bool isRunning);
+    void slownessChanged(bool isSlow); // whether a frame takes longer than half a second
 
 private:
     struct Request;
@@ -141,5 +147,6 @@ private:
     QFileSystemWatcher m_watcher;
     QTimer m_reloadDebounce; // saving a file often gives several notifications
     QTimer m_frameTimer;
+    QTimer m_slownessTimer;
     std::unique_ptr<Worker> m_worker; // last, so that its thread ends before the other members go
 };

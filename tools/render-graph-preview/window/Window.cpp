@@ -2,6 +2,7 @@
 
 #include "ParameterPanel.h"
 #include "PictureView.h"
+#include "WithoutStrayWheel.h"
 
 #include <PictureFile.h>
 #include <TestPictures.h>
@@ -103,6 +104,11 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     statusBar()->addWidget(m_times, 1);
     m_pixelValues->setObjectName(u"pixel"_s);
     statusBar()->addPermanentWidget(m_pixelValues);
+    auto *const slowness = new QLabel(u"drawing…"_s);
+    slowness->setObjectName(u"slowness"_s);
+    slowness->hide();
+    connect(&m_session, &Session::slownessChanged, slowness, &QLabel::setVisible);
+    statusBar()->addPermanentWidget(slowness);
 
     createToolBars();
     createActions();
@@ -136,7 +142,7 @@ void Window::createToolBars()
         bar->addWidget(widget);
     };
     const auto addChoice = [&add](const QString &title, const char *name) {
-        auto *const box = new QComboBox;
+        auto *const box = new WithoutStrayWheel<QComboBox>;
         box->setObjectName(QLatin1StringView(name));
         add(title, box);
         return box;
@@ -159,7 +165,7 @@ void Window::createToolBars()
     m_comparisons = addChoice(u"&Compare with"_s, "comparison");
     for (const char *const comparison : kComparisons)
         m_comparisons->addItem(QLatin1StringView(comparison));
-    m_headroom = new QDoubleSpinBox;
+    m_headroom = new WithoutStrayWheel<QDoubleSpinBox>;
     m_headroom->setObjectName(u"headroom"_s);
     m_headroom->setRange(0.0, 16.0);
     m_headroom->setSingleStep(0.5);
@@ -239,13 +245,15 @@ void Window::openSource(const QString &path)
 
 void Window::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->hasUrls())
+    if (event->mimeData()->urls().value(0).isLocalFile())
         event->acceptProposedAction();
 }
 
 void Window::dropEvent(QDropEvent *event)
 {
-    openSource(event->mimeData()->urls().value(0).toLocalFile());
+    const QUrl url = event->mimeData()->urls().value(0);
+    if (url.isLocalFile())
+        openSource(url.toLocalFile());
 }
 
 void Window::savePicture()
@@ -253,8 +261,8 @@ void Window::savePicture()
     const std::shared_ptr<const FrameResult> frame = m_session.frame();
     if (!frame)
         return;
-    const QString path = QFileDialog::getSaveFileName(
-            this, u"Save picture"_s, m_session.preset() + ".png"_L1, u"PNG (*.png)"_s);
+    const QString path = QFileDialog::getSaveFileName(this, u"Save picture"_s,
+                                                      frame->preset + ".png"_L1, u"PNG (*.png)"_s);
     const std::optional<float> headroom =
             frame->isToneMapped ? m_session.view().headroom : std::nullopt;
     QString error;
@@ -291,7 +299,7 @@ void Window::updateView()
 void Window::showFrame()
 {
     const FrameResult &frame = *m_session.frame();
-    m_picture->setFrame(m_session.frame(), m_comparisons->currentText());
+    m_picture->setFrame(m_session.frame(), m_session.preset(), m_comparisons->currentText());
 
     const bool isOtherPreset = frame.components != m_components;
     if (isOtherPreset) {
@@ -309,17 +317,15 @@ void Window::showFrame()
     for (int i = 0; i < m_strip->count(); ++i) {
         const PassResult &pass = frame.passes.at(i);
         const QString time = timeText(pass);
-        m_strip->item(i)->setText(u"%1 %2\n%3x%4 %5\n%6"_s.arg(i)
-                                          .arg(m_components.at(i))
-                                          .arg(pass.size.width())
-                                          .arg(pass.size.height())
-                                          .arg(VulkanRenderGraph::formatName(pass.format), time));
+        m_strip->item(i)->setText(u"%1 %2\n%3x%4 %5\n%6"_s.arg(
+                QString::number(i), m_components.at(i), QString::number(pass.size.width()),
+                QString::number(pass.size.height()),
+                QString(VulkanRenderGraph::formatName(pass.format)), time));
         times.append(u"%1: %2"_s.arg(i).arg(time));
     }
-    m_times->setText(u"%1 | frame %2, %3 ms | %4"_s.arg(frame.device)
-                             .arg(frame.number)
-                             .arg(frame.milliseconds, 0, 'f', 1)
-                             .arg(times.join(u"  "_s)));
+    m_times->setText(u"%1 | frame %2, %3 ms | %4"_s.arg(frame.device, QString::number(frame.number),
+                                                        QString::number(frame.milliseconds, 'f', 1),
+                                                        times.join(u"  "_s)));
     m_times->setToolTip(times.join(u'\n'));
     showPixel(m_pixelPosition);
     if (isOtherPreset)

@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDebug>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -12,6 +13,8 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr std::chrono::seconds kPatience(3);
 
 // What Qt said while it opened the display.
 QStringList g_reasons;
@@ -54,7 +57,11 @@ bool window(const CommandLine &line, QString &error)
         return loadPreset(line.shadersDir, preset, unknown, error);
     Window shown(line.shadersDir, line.parser.value(u"device"_s), preset);
     shown.show();
-    return QApplication::exec() == 0;
+    const int status = QApplication::exec();
+    // A shader may never end.
+    if (!shown.session().finish(kPatience))
+        std::_Exit(status);
+    return status == 0;
 }
 
 } // namespace
