@@ -101,6 +101,7 @@ private Q_SLOTS:
     void errors();
     void pictureFollowsItsOptions_data();
     void pictureFollowsItsOptions();
+    void pictureOfSavedValues();
     void pictureOfEveryFrame();
     void pictureOfEveryPass();
     void pictureInHdr();
@@ -318,6 +319,19 @@ void TestRenderGraphPreview::errors_data()
                                   << "ghost_fall=nan: the value is a number from 0.05 to 1"_ba;
     QTest::newRow("compared value") << picture + u"--compare ghost_rise=0.5,2"_s
                                     << "ghost_rise=2: the value is a number from 0.05 to 1"_ba;
+    const QString rewind = u"picture rewind --out a.png --size 8x8 --values sources/"_s;
+    QTest::newRow("no values") << rewind + u"none"_s
+                               << "cannot read values 'sources/none': No such file or directory"_ba;
+    QTest::newRow("values of nothing")
+            << rewind + u"text"_s << "values 'sources/text': there is no list of parameters"_ba;
+    QTest::newRow("values of others")
+            << rewind + u"others"_s
+            << "values 'sources/others': preset 'rewind' has no parameter 'ghost_rise'"_ba;
+    for (const char *values : {"missing", "above", "below", "nan"}) {
+        QTest::addRow("values %s", values)
+                << rewind + QLatin1StringView(values)
+                << "values 'sources/"_ba + values + "': 'smear' has no number from 0.0 to 1.0";
+    }
     for (const char *size : {"0x8", "8", "8x8x8", "16385x8", "8xa", "%2x"}) {
         QTest::addRow("size %s", size)
                 << u"picture stock --out a.png --size "_s + QLatin1StringView(size)
@@ -378,6 +392,11 @@ void TestRenderGraphPreview::errors()
     QFETCH(QString, line);
     QFETCH(QByteArray, message);
     writeFile(u"sources/text"_s, "no picture");
+    writeFile(u"sources/others"_s, "parameters = \"ghost_rise\"\nghost_rise = \"0.5\"\n");
+    writeFile(u"sources/missing"_s, "parameters = \"smear\"\n");
+    writeFile(u"sources/above"_s, "parameters = \"smear\"\nsmear = \"1.1\"\n");
+    writeFile(u"sources/below"_s, "parameters = \"smear\"\nsmear = \"-0.1\"\n");
+    writeFile(u"sources/nan"_s, "parameters = \"smear\"\nsmear = \"nan\"\n");
     const Outcome outcome = call(line);
     QCOMPARE(outcome.error.toUtf8(), message);
     QCOMPARE(outcome.out, "");
@@ -404,6 +423,21 @@ void TestRenderGraphPreview::pictureFollowsItsOptions()
     const QImage other = QImage(u"other.png"_s).convertToFormat(plain.format());
     QCOMPARE(other.size(), QSize(48, 32));
     QVERIFY(other != plain);
+}
+
+// --set counts more than the file.
+void TestRenderGraphPreview::pictureOfSavedValues()
+{
+    writeFile(u"mine.glslp"_s,
+              "parameters = \"smear;wiggle\"\nsmear = \"0.1\"\nwiggle = \"0.5\"\n");
+    const QString picture = u"picture rewind --size 48x32 --frames 1 --out "_s;
+    CALL(picture + u"plain.png"_s);
+    CALL(picture + u"read.png --values mine.glslp --set wiggle=9"_s);
+    CALL(picture + u"set.png --set smear=0.1 --set wiggle=9"_s);
+    QVERIFY(readFile(u"read.png"_s) == readFile(u"set.png"_s));
+    QVERIFY(readFile(u"read.png"_s) != readFile(u"plain.png"_s));
+    CALL(u"picture rewind --size 48x32 --frames 1 --out file.png --values mine.glslp"_s);
+    QVERIFY(readFile(u"file.png"_s) != readFile(u"set.png"_s));
 }
 
 void TestRenderGraphPreview::pictureOfEveryFrame()

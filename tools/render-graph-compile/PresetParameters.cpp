@@ -20,25 +20,6 @@ using FirstPartyPresetSource::ValueOverride;
 
 using ValueTable = QHash<QString, float>;
 
-// The numbers that the file assigns to names, whether of parameters or not. The last assignment to
-// a name counts.
-ValueTable presetValueOverrides(const QString &glslpPath)
-{
-    static const QRegularExpression kValueLine(uR"re(^\s*(\w+)\s*=\s*"([^"]*)")re"_s);
-    ValueTable values;
-    forEachLine(glslpPath, [&](QStringView line) {
-        if (!line.contains(u'"'))
-            return true;
-        const QRegularExpressionMatch match = kValueLine.match(line.toString());
-        bool isNumber = false;
-        const float value = match.captured(2).toFloat(&isNumber);
-        if (isNumber)
-            values.insert(match.captured(1), value);
-        return true;
-    });
-    return values;
-}
-
 ValueTable declaredValueOverrides(const PresetDecl &decl)
 {
     ValueTable values;
@@ -84,6 +65,23 @@ bool matchesDeclaredList(const PresetDecl &decl, const QList<PresetParamMeta> &p
 }
 
 } // namespace
+
+QHash<QString, float> presetValueOverrides(const QString &glslpPath)
+{
+    static const QRegularExpression kValueLine(uR"re(^\s*(\w+)\s*=\s*"([^"]*)")re"_s);
+    QHash<QString, float> values;
+    forEachLine(glslpPath, [&](QStringView line) {
+        if (!line.contains(u'"'))
+            return true;
+        const QRegularExpressionMatch match = kValueLine.match(line.toString());
+        bool isNumber = false;
+        const float value = match.captured(2).toFloat(&isNumber);
+        if (isNumber)
+            values.insert(match.captured(1), value);
+        return true;
+    });
+    return values;
+}
 
 QStringList presetDeclaredParameterList(const QString &glslpPath, int *listLine)
 {

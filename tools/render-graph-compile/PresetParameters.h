@@ -2,6 +2,7 @@
 
 #include "PresetDeclarations.h"
 
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -27,6 +28,10 @@ struct PresetParamMeta
 bool collectPresetParameters(const QString &shadersDir,
                              const FirstPartyPresetSource::PresetDecl &decl,
                              QList<PresetParamMeta> &out);
+
+// The numbers that a .glslp file assigns to names, whether of parameters or not. The last
+// assignment to a name counts. Empty if the file cannot be read.
+QHash<QString, float> presetValueOverrides(const QString &glslpPath);
 
 // The `parameters` list of a .glslp file. Sets `listLine` to its line, counted from 1, or to 0 if
 // there is no list or the file cannot be read.

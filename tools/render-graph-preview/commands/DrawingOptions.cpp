@@ -1,5 +1,7 @@
 #include "DrawingOptions.h"
 
+#include <Tuning.h>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -53,6 +55,9 @@ QList<QCommandLineOption> DrawingOptions::declared()
                      .arg(kLargestSourceSide),
              u"picture"_s, u"scene-320x240"_s},
             {u"size"_s, u"The size to draw at. Default: 1440x1080."_s, u"size"_s, u"1440x1080"_s},
+            {u"values"_s,
+             u"Gives parameters the values of this .glslp file, as the window saves it."_s,
+             u"file"_s},
             {u"set"_s, u"Gives a parameter a value within its range; can be repeated."_s,
              u"id=value"_s},
             {u"frames"_s,
@@ -75,6 +80,7 @@ bool DrawingOptions::parse(const QCommandLineParser &parser, DrawingOptions &opt
     options.device = parser.value(u"device"_s);
     if (!parseSize(parser.value(u"size"_s), options.size, error))
         return false;
+    options.valuesFile = parser.value(u"values"_s);
     const QStringList assignments = parser.values(u"set"_s);
     for (const QString &assignment : assignments)
         options.values.append({assignment.section(u'=', 0, 0), assignment.section(u'=', 1)});
@@ -108,6 +114,11 @@ bool DrawingOptions::loadPlayer(const QString &shadersDir, const QString &preset
     player->setPreset(loaded);
     player->setViewport(size);
     player->setHeadroom(headroom);
+    QHash<QString, float> read;
+    if (!valuesFile.isEmpty() && !readGlslp(valuesFile, loaded, read, error))
+        return false;
+    for (auto value = read.cbegin(); value != read.cend(); ++value)
+        player->setValue(value.key(), value.value());
     return std::ranges::all_of(values, [&](const auto &value) {
         return setValue(*player, value.first, value.second, error);
     });

@@ -29,6 +29,7 @@ struct DrawingOptions
     QString source;
     QString device;
     QSize size;
+    QString valuesFile; // set before `values`
     QList<std::pair<QString, QString>> values; // id and number, as given
     std::optional<int> frames;
     std::optional<float> headroom;

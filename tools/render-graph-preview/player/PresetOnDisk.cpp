@@ -118,6 +118,9 @@ bool loadPreset(const QString &shadersDir, const QString &name, PresetOnDisk &pr
         return false;
     }
     preset.files = filesOf(shadersDir, *decl);
+    preset.overrides = valueOverridesOf(*decl);
+    const QString glslp = glslpPath(shadersDir, *decl);
+    preset.hasGlslp = preset.files.contains(glslp) && QFile::exists(glslp);
     const bool isLoaded = isShadersDir(shadersDir, error)
             && compileGraph(shadersDir, *decl, preset, error)
             && compileModules(shadersDir, preset, error);

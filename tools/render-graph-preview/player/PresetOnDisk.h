@@ -9,6 +9,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <span>
+
 // A preset, compiled in process from its declaration and the sources in a shaders directory. Needs
 // neither a manifest nor a build.
 struct PresetOnDisk
@@ -17,6 +19,8 @@ struct PresetOnDisk
     VulkanRenderGraph graph;
     QList<PresetParamMeta> parameters; // in the manifest's order
     ShaderModules modules; // all that the graph refers to
+    std::span<const FirstPartyPresetSource::ValueOverride> overrides; // as declared
+    bool hasGlslp = false; // tuned values come from that file instead
     // The files to watch: those that were read, and those that would have been read if they
     // existed. Each once, in the order of reading. Relative if the shaders directory is.
     QStringList files;

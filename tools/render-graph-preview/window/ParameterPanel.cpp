@@ -2,6 +2,8 @@
 
 #include "WithoutStrayWheel.h"
 
+#include <Tuning.h>
+
 #include <QDoubleSpinBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -133,13 +135,13 @@ class ParameterPanel::Row : public QWidget
 public:
     Row(PresetParamMeta shown, Session &session)
         : parameter(std::move(shown)),
+          m_label(new QLabel),
           m_slider(new ParameterSlider(parameter)),
           m_number(new NumberField(parameter)),
           m_reset(new QToolButton)
     {
-        auto *const label = new QLabel(u"%1 <small>(%2)</small>"_s.arg(
-                parameter.description.toHtmlEscaped(), parameter.id));
-        label->setWordWrap(true);
+        m_label->setObjectName(parameter.id + ".label"_L1);
+        m_label->setWordWrap(true);
         setToolTip(u"%1 to %2 by %3, default %4, tuned %5"_s.arg(
                 numberText(parameter.min), numberText(parameter.max), numberText(parameter.step),
                 numberText(parameter.defaultValue), numberText(parameter.initialValue)));
@@ -154,7 +156,7 @@ public:
 
         auto *const layout = new QGridLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(label, 0, 0, 1, 3);
+        layout->addWidget(m_label, 0, 0, 1, 3);
         layout->addWidget(m_slider, 1, 0);
         layout->addWidget(m_number, 1, 1);
         layout->addWidget(m_reset, 1, 2);
@@ -164,17 +166,27 @@ public:
         });
         connect(m_number, &QDoubleSpinBox::valueChanged, this,
                 [this, &session](double value) { session.setValue(parameter.id, float(value)); });
+        connect(m_slider, &QSlider::sliderPressed, this, [&session] { session.setDragging(true); });
+        connect(m_slider, &QSlider::sliderReleased, this,
+                [&session] { session.setDragging(false); });
         connect(m_reset, &QToolButton::clicked, this,
-                [this, &session] { session.setValue(parameter.id, parameter.initialValue); });
+                [this, &session] { session.resetValue(parameter.id); });
     }
 
-    void showValue(float value)
+    // `replaced` is the tuned value at the time when the value was set.
+    void showValue(float value, float replaced)
     {
+        QString name = u"%1 <small>(%2)</small>"_s.arg(parameter.description.toHtmlEscaped(),
+                                                       parameter.id);
+        if (replaced != parameter.initialValue)
+            name += u"<br>This was tuned to %1, and is tuned to %2 now."_s.arg(
+                    numberText(replaced), numberText(parameter.initialValue));
+        m_label->setText(name);
         const QSignalBlocker sliderBlocker(m_slider);
         const QSignalBlocker numberBlocker(m_number);
         m_slider->setValue(m_slider->positionOf(value));
         m_number->setValue(asDeclared(value));
-        m_reset->setEnabled(value != parameter.initialValue);
+        m_reset->setEnabled(value != parameter.initialValue || replaced != value);
     }
 
     // Puts the row after a widget in the tab order, and returns the row's last widget.
@@ -189,6 +201,7 @@ public:
     const PresetParamMeta parameter;
 
 private:
+    QLabel *m_label;
     ParameterSlider *m_slider;
     NumberField *m_number;
     QToolButton *m_reset;
@@ -241,7 +254,7 @@ void ParameterPanel::showParameters()
 void ParameterPanel::showValues()
 {
     for (Row *const row : std::as_const(m_rows))
-        row->showValue(m_session.value(row->parameter));
+        row->showValue(m_session.value(row->parameter), m_session.replacedValue(row->parameter));
 }
 
 void ParameterPanel::applyFilter()

@@ -2,13 +2,14 @@
 
 #include <Player.h>
 #include <TestPictures.h>
+#include <Tuning.h>
 
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QUndoCommand>
+#include <QUndoStack>
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <condition_variable>
 #include <mutex>
@@ -49,20 +50,48 @@ QImage shownImage(const QImage &picture, std::optional<float> headroom)
 
 } // namespace
 
-QString numberText(float value)
+// Replaces what was set for a preset.
+class Session::ValuesChange : public QUndoCommand
 {
-    std::array<char, 64> text = {};
-    const auto *const end =
-            std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed)
-                    .ptr;
-    const QString number = QString::fromLatin1(text.data(), end - text.data());
-    return number.contains(u'.') ? number : number + ".0"_L1;
-}
+public:
+    ValuesChange(Session &session, QString preset, Changes after)
+        : m_session(session),
+          m_preset(std::move(preset)),
+          m_before(session.m_changes.value(m_preset)),
+          m_after(std::move(after)),
+          m_drag(session.m_isDragging ? session.m_drag : -1)
+    {
+    }
 
-QString overrideRow(const QString &id, float value)
-{
-    return u"    {.id = \"%1\", .value = %2F},\n"_s.arg(id, numberText(value));
-}
+    int id() const override
+    {
+        return m_drag;
+    }
+
+    bool mergeWith(const QUndoCommand *next) override
+    {
+        m_after = static_cast<const ValuesChange *>(next)->m_after;
+        setObsolete(m_after == m_before);
+        return true;
+    }
+
+    void undo() override
+    {
+        m_session.applyChanges(m_preset, m_before);
+    }
+
+    void redo() override
+    {
+        m_session.applyChanges(m_preset, m_after);
+    }
+
+private:
+    Session &m_session;
+    QString m_preset;
+    Changes m_before;
+    Changes m_after;
+    int m_drag;
+};
 
 struct Session::Request
 {
@@ -70,7 +99,7 @@ struct Session::Request
     QString preset;
     int revision = 0;
     ViewSettings view;
-    QHash<QString, float> changes;
+    Changes changes;
     int frame = 0;
     bool keepsHistories = false; // of the previous frame
 };
@@ -228,8 +257,12 @@ private:
         timer.start();
         frame.preset = m_player.preset().name;
         m_player.resetValues();
-        for (auto change = request.changes.cbegin(); change != request.changes.cend(); ++change)
-            m_player.setValue(change.key(), change.value());
+        for (const PresetParamMeta &parameter : m_player.preset().parameters) {
+            const auto change = request.changes.constFind(parameter.id);
+            if (frame.preset == request.preset && change != request.changes.cend())
+                m_player.setValue(parameter.id,
+                                  std::clamp(change->value, parameter.min, parameter.max));
+        }
         if (!drawBy(m_player, request, error))
             return false;
         frame.milliseconds = double(timer.nsecsElapsed()) * 1e-6;
@@ -306,8 +339,10 @@ private:
 };
 
 Session::Session(const QString &shadersDir, const QString &device)
-    : m_worker(std::make_unique<Worker>(*this, shadersDir, device))
+    : m_settings(kSettings, kSettings),
+      m_worker(std::make_unique<Worker>(*this, shadersDir, device))
 {
+    restoreChanges();
     m_reloadDebounce.setSingleShot(true);
     m_reloadDebounce.setInterval(kReloadDebounceMilliseconds);
     setSpeed(kFramesPerSecond);
@@ -336,6 +371,7 @@ Session::~Session() = default;
 bool Session::finish(std::chrono::milliseconds patience)
 {
     setRunning(false);
+    m_settings.sync();
     return m_worker->finish(patience);
 }
 
@@ -344,8 +380,11 @@ void Session::setPreset(const QString &name)
     if (name == m_preset)
         return;
     m_preset = name;
-    m_changes.clear();
-    m_parameters.clear();
+    m_loaded = {};
+    QUndoStack *&stack = m_undoStacks[name];
+    if (stack == nullptr)
+        stack = new QUndoStack(&m_undoGroup);
+    m_undoGroup.setActiveStack(stack);
     Q_EMIT parametersChanged();
     request();
 }
@@ -359,31 +398,127 @@ void Session::setView(const ViewSettings &view)
 
 float Session::value(const PresetParamMeta &parameter) const
 {
-    return m_changes.value(parameter.id, parameter.initialValue);
+    const Changes set = changes();
+    const auto change = set.constFind(parameter.id);
+    return change == set.cend() ? parameter.initialValue
+                                : std::clamp(change->value, parameter.min, parameter.max);
+}
+
+float Session::replacedValue(const PresetParamMeta &parameter) const
+{
+    const Changes set = changes();
+    const auto change = set.constFind(parameter.id);
+    return change == set.cend() ? parameter.initialValue : change->tuned;
+}
+
+QHash<QString, float> Session::values() const
+{
+    QHash<QString, float> values;
+    for (const PresetParamMeta &parameter : parameters())
+        values.insert(parameter.id, value(parameter));
+    return values;
+}
+
+// The tuned value is no change.
+void Session::insertChange(Changes &changes, const QString &id, float value) const
+{
+    const auto parameter = std::ranges::find(parameters(), id, &PresetParamMeta::id);
+    if (parameter == parameters().cend() || value == parameter->initialValue)
+        changes.remove(id);
+    else
+        changes.insert(id, {.value = value, .tuned = parameter->initialValue});
 }
 
 void Session::setValue(const QString &id, float value)
 {
-    m_changes.insert(id, value);
-    Q_EMIT valuesChanged();
-    request();
+    Changes after = changes();
+    insertChange(after, id, value);
+    pushChanges(m_preset, after);
+}
+
+void Session::resetValue(const QString &id)
+{
+    Changes after = changes();
+    after.remove(id);
+    pushChanges(m_preset, after);
 }
 
 void Session::resetAll()
 {
-    m_changes.clear();
+    pushChanges(m_preset, {});
+}
+
+void Session::forgetAll()
+{
+    for (const QString &preset : m_changes.keys())
+        pushChanges(preset, {});
+}
+
+void Session::setDragging(bool isDragging)
+{
+    m_drag += isDragging ? 1 : 0;
+    m_isDragging = isDragging;
+}
+
+void Session::pushChanges(const QString &preset, const Changes &changes)
+{
+    if (changes == m_changes.value(preset))
+        return;
+    QUndoStack *&stack = m_undoStacks[preset];
+    if (stack == nullptr)
+        stack = new QUndoStack(&m_undoGroup);
+    stack->push(new ValuesChange(*this, preset, changes));
+}
+
+void Session::applyChanges(const QString &preset, const Changes &changes)
+{
+    m_changes[preset] = changes;
+    const QString group = "values/"_L1 + preset;
+    m_settings.remove(group);
+    for (auto change = changes.cbegin(); change != changes.cend(); ++change)
+        m_settings.setValue(group + u'/' + change.key(),
+                            QStringList({numberText(change->value), numberText(change->tuned)}));
+    if (preset != m_preset)
+        return;
     Q_EMIT valuesChanged();
     request();
 }
 
+void Session::restoreChanges()
+{
+    m_settings.beginGroup("values"_L1);
+    for (const QString &preset : m_settings.childGroups()) {
+        m_settings.beginGroup(preset);
+        for (const QString &id : m_settings.childKeys()) {
+            const QStringList numbers = m_settings.value(id).toStringList();
+            m_changes[preset].insert(
+                    id, {.value = numbers.value(0).toFloat(), .tuned = numbers.value(1).toFloat()});
+        }
+        m_settings.endGroup();
+    }
+    m_settings.endGroup();
+}
+
 QString Session::overrides() const
 {
-    QString rows;
-    for (const PresetParamMeta &parameter : m_parameters) {
-        if (value(parameter) != parameter.initialValue)
-            rows += overrideRow(parameter.id, value(parameter));
-    }
-    return rows;
+    return declaredText(m_loaded, values());
+}
+
+QString Session::savedValues() const
+{
+    return glslpText(m_loaded, values());
+}
+
+bool Session::openValues(const QString &path, QString &error)
+{
+    QHash<QString, float> read;
+    if (!readGlslp(path, m_loaded, read, error))
+        return false;
+    Changes after = changes();
+    for (auto value = read.cbegin(); value != read.cend(); ++value)
+        insertChange(after, value.key(), value.value());
+    pushChanges(m_preset, after);
+    return true;
 }
 
 void Session::setRunning(bool isRunning)
@@ -418,7 +553,7 @@ void Session::request(bool keepsHistories)
                        .preset = m_preset,
                        .revision = m_revision,
                        .view = m_view,
-                       .changes = m_changes,
+                       .changes = changes(),
                        .frame = m_frameNumber,
                        .keepsHistories = keepsHistories || isRunning()});
 }
@@ -431,12 +566,13 @@ void Session::applyResult(const Result &result)
     if (isBusy())
         m_slownessTimer.start();
     if (result.preset && result.preset->name == m_preset) {
-        m_files = result.preset->files;
+        if (result.isPresetLoaded)
+            m_loaded = *result.preset;
+        else
+            m_loaded.files = result.preset->files;
         watchFiles();
-        if (result.isPresetLoaded) {
-            m_parameters = result.preset->parameters;
+        if (result.isPresetLoaded)
             Q_EMIT parametersChanged();
-        }
     }
     if (result.message != m_message) {
         m_message = result.message;
@@ -454,7 +590,7 @@ void Session::applyResult(const Result &result)
 // watched. Where a directory is missing, the nearest one above it is watched.
 void Session::watchFiles()
 {
-    QStringList files = m_files;
+    QStringList files = m_loaded.files;
     if (!m_view.source.isEmpty() && !testPictureNames().contains(m_view.source))
         files.append(m_view.source);
     QStringList paths;

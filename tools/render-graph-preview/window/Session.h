@@ -7,13 +7,18 @@
 #include <QHash>
 #include <QImage>
 #include <QObject>
+#include <QSettings>
 #include <QTimer>
+#include <QUndoGroup>
 
 #include <chrono>
 #include <memory>
 #include <optional>
 
 constexpr QSize kThumbnailSize = {128, 96};
+
+// The organization and the application of QSettings.
+inline const QString kSettings = QStringLiteral("render-graph-preview");
 
 // The settings of a view of a preset, except the preset and its values.
 struct ViewSettings
@@ -44,16 +49,11 @@ struct FrameResult
     double milliseconds = 0.0; // of the whole frame
 };
 
-// The shortest decimal text that parses to the same float, with a '.': a C++ literal without its
-// suffix.
-QString numberText(float value);
-
-// A row of a preset's value overrides in FirstPartyPresets.h, with its line end.
-QString overrideRow(const QString &id, float value);
-
-// A preset that is being tuned: its values, and its frames, which a worker thread draws. Only the
-// latest request is kept. Calls never block, except finish() and the destructor. The preset's files
-// and a source file are watched; when one is broken, the last good picture stays.
+// A preset that is being tuned: its values, and its frames, which a worker thread draws. The values
+// that were set are kept for each preset, also after the session, in the application's settings,
+// and each change of them can be undone. Only the latest request is kept. Calls never block, except
+// finish() and the destructor. The preset's files and a source file are watched; when one is
+// broken, the last good picture stays.
 class Session : public QObject
 {
     Q_OBJECT
@@ -67,7 +67,7 @@ public:
     {
         return m_preset;
     }
-    void setPreset(const QString &name); // resets all values
+    void setPreset(const QString &name);
 
     const ViewSettings &view() const
     {
@@ -78,14 +78,27 @@ public:
     // Empty until the preset is compiled, and if it cannot be.
     const QList<PresetParamMeta> &parameters() const
     {
-        return m_parameters;
+        return m_loaded.parameters;
     }
     float value(const PresetParamMeta &parameter) const;
+    // The tuned value that a parameter had when its value was set; else the tuned value.
+    float replacedValue(const PresetParamMeta &parameter) const;
     void setValue(const QString &id, float value);
+    void resetValue(const QString &id);
     void resetAll();
+    void forgetAll(); // resets all presets
 
-    // A row for each value that is not the tuned one.
+    // While dragging, all changes are undone in one step.
+    void setDragging(bool isDragging);
+    QUndoGroup &undoGroup() // with a stack for each preset
+    {
+        return m_undoGroup;
+    }
+
+    // See declaredText(), glslpText() and readGlslp().
     QString overrides() const;
+    QString savedValues() const;
+    bool openValues(const QString &path, QString &error);
 
     // While running, frame follows frame. Otherwise a frame is drawn after each change, as if the
     // display had been showing it for a long time.
@@ -128,20 +141,42 @@ private:
     struct Request;
     struct Result;
     class Worker;
+    class ValuesChange;
+    struct Change
+    {
+        float value;
+        float tuned; // at that time
 
+        bool operator==(const Change &) const = default;
+    };
+    using Changes = QHash<QString, Change>; // by id
+
+    Changes changes() const
+    {
+        return m_changes.value(m_preset);
+    }
+    QHash<QString, float> values() const;
+    void insertChange(Changes &changes, const QString &id, float value) const;
+    void pushChanges(const QString &preset, const Changes &changes);
+    void applyChanges(const QString &preset, const Changes &changes);
+    void restoreChanges();
     void request(bool keepsHistories = false);
     void applyResult(const Result &result);
     void watchFiles();
 
     QString m_preset;
     ViewSettings m_view;
-    QList<PresetParamMeta> m_parameters;
-    QHash<QString, float> m_changes; // values that were set, by id
+    PresetOnDisk m_loaded; // with its files only, if it is broken
+    QHash<QString, Changes> m_changes; // by preset
+    QUndoGroup m_undoGroup;
+    QHash<QString, QUndoStack *> m_undoStacks; // by preset
+    int m_drag = 0; // counts drags
+    bool m_isDragging = false;
+    QSettings m_settings;
     int m_frameNumber = 0;
     int m_revision = 0; // counts changes of the watched files
     std::uint64_t m_lastRequest = 0; // requests are numbered
     std::uint64_t m_lastResult = 0;
-    QStringList m_files;
     QString m_message;
     std::shared_ptr<const FrameResult> m_frame;
     QFileSystemWatcher m_watcher;

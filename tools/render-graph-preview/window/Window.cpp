@@ -23,6 +23,7 @@
 #include <QMimeData>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSettings>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -42,6 +43,7 @@ constexpr Size kSizes[] = {{"as the view", {}},         {"640x480", {640, 480}},
                            {"1920x1440", {1920, 1440}}, {"3840x2160", {3840, 2160}}};
 constexpr const char *kZooms[] = {"fit", "1:1", "2:1", "3:1", "4:1", "6:1", "8:1"};
 constexpr const char *kComparisons[] = {"nothing", "source", "tuned values"};
+constexpr int kNoticeMilliseconds = 10000;
 constexpr double kSpeeds[] = {60.0, 30.0, 10.0, 2.0};
 
 QString timeText(const PassResult &pass)
@@ -127,6 +129,7 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     m_session.setPreset(preset);
     setWindowTitle(u"render-graph-preview"_s);
     resize(1280, 860);
+    restoreSettings();
     updateView();
 }
 
@@ -157,10 +160,10 @@ void Window::createToolBars()
     m_sizes = addChoice(u"Si&ze"_s, "size");
     for (const Size &size : kSizes)
         m_sizes->addItem(QLatin1StringView(size.name), size.size);
-    QComboBox *const zooms = addChoice(u"Zoo&m"_s, "zoom");
+    m_zooms = addChoice(u"Zoo&m"_s, "zoom");
     for (const char *const zoom : kZooms)
-        zooms->addItem(QLatin1StringView(zoom));
-    connect(zooms, &QComboBox::currentTextChanged, m_picture,
+        m_zooms->addItem(QLatin1StringView(zoom));
+    connect(m_zooms, &QComboBox::currentTextChanged, m_picture,
             [this](const QString &zoom) { m_picture->setZoom(zoom.section(u':', 0, 0).toInt()); });
     m_comparisons = addChoice(u"&Compare with"_s, "comparison");
     for (const char *const comparison : kComparisons)
@@ -215,9 +218,23 @@ void Window::createActions()
     copy->setObjectName(u"copyOverrides"_s);
     connect(copy, &QAction::triggered, this,
             [this] { QApplication::clipboard()->setText(m_session.overrides()); });
+    QUndoGroup &undoGroup = m_session.undoGroup();
+    QAction *const undo = undoGroup.createUndoAction(this, u"&Undo"_s);
+    undo->setShortcuts(QKeySequence::Undo);
+    QAction *const redo = undoGroup.createRedoAction(this, u"R&edo"_s);
+    redo->setShortcuts(QKeySequence::Redo);
+    parameters->addActions({undo, redo});
+    connect(add(parameters, u"Save &values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S),
+            &QAction::triggered, this, &Window::saveValues);
+    connect(add(parameters, u"O&pen values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O),
+            &QAction::triggered, this, &Window::openValues);
     QAction *const reset = add(parameters, u"&Reset all"_s, Qt::CTRL | Qt::Key_R);
     reset->setObjectName(u"resetAll"_s);
     connect(reset, &QAction::triggered, &m_session, &Session::resetAll);
+    QAction *const forget = parameters->addAction(u"For&get all presets' changes"_s);
+    forget->setObjectName(u"forgetAll"_s);
+    forget->setIconText(u"Forget all"_s);
+    connect(forget, &QAction::triggered, &m_session, &Session::forgetAll);
     connect(add(parameters, u"&Filter"_s, QKeySequence::Find), &QAction::triggered,
             m_parameters->filter(), [this] { m_parameters->filter()->setFocus(); });
 
@@ -225,7 +242,7 @@ void Window::createActions()
     bar->setMovable(false);
     bar->addActions({run, step});
     auto *const values = new QToolBar;
-    values->addActions({copy, reset});
+    values->addActions({undo, redo, copy, reset, forget});
     m_parameters->layout()->addWidget(values);
     for (QToolBar *const buttons : {bar, values}) {
         for (QAction *const action : buttons->actions())
@@ -267,7 +284,46 @@ void Window::savePicture()
             frame->isToneMapped ? m_session.view().headroom : std::nullopt;
     QString error;
     if (!path.isEmpty() && !savePng(displayImage(frame->picture, headroom), path, error))
-        statusBar()->showMessage(error, 10000);
+        statusBar()->showMessage(error, kNoticeMilliseconds);
+}
+
+void Window::saveValues()
+{
+    const QString path = QFileDialog::getSaveFileName(
+            this, u"Save values"_s, m_session.preset() + ".glslp"_L1, u"Values (*.glslp)"_s);
+    QString error;
+    if (!path.isEmpty() && !saveFile(m_session.savedValues().toUtf8(), path, error))
+        statusBar()->showMessage(error, kNoticeMilliseconds);
+}
+
+void Window::openValues()
+{
+    const QString path =
+            QFileDialog::getOpenFileName(this, u"Open values"_s, {}, u"Values (*.glslp)"_s);
+    QString error;
+    if (!path.isEmpty() && !m_session.openValues(path, error))
+        statusBar()->showMessage(error, kNoticeMilliseconds);
+}
+
+// The values are kept by the session.
+void Window::closeEvent(QCloseEvent *event)
+{
+    QSettings settings(kSettings, kSettings);
+    settings.setValue("geometry"_L1, saveGeometry());
+    settings.setValue("preset"_L1, m_session.preset());
+    settings.setValue("source"_L1, m_session.view().source);
+    settings.setValue("zoom"_L1, m_zooms->currentText());
+    QMainWindow::closeEvent(event);
+}
+
+void Window::restoreSettings()
+{
+    const QSettings settings(kSettings, kSettings);
+    restoreGeometry(settings.value("geometry"_L1).toByteArray());
+    m_zooms->setCurrentText(settings.value("zoom"_L1).toString());
+    const QString source = settings.value("source"_L1).toString();
+    if (testPictureNames().contains(source) || QFileInfo::exists(source))
+        openSource(source);
 }
 
 bool Window::eventFilter(QObject *watched, QEvent *event)

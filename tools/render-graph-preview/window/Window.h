@@ -12,7 +12,8 @@ class QLabel;
 class QListWidget;
 class QScrollArea;
 
-// The main window: a session and its controls.
+// The main window: a session and its controls. Closing it keeps its geometry, preset, source and
+// zoom in the application's settings; the next one restores all but the preset, which is given.
 class Window : public QMainWindow
 {
     Q_OBJECT
@@ -28,6 +29,7 @@ public:
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -35,6 +37,9 @@ private:
     void createActions();
     void openSource(const QString &path);
     void savePicture();
+    void saveValues();
+    void openValues();
+    void restoreSettings();
     void updateView();
     void showFrame();
     void showPixel(QPoint pixel);
@@ -50,6 +55,7 @@ private:
     QComboBox *m_presets = nullptr;
     QComboBox *m_sources = nullptr;
     QComboBox *m_sizes = nullptr;
+    QComboBox *m_zooms = nullptr;
     QComboBox *m_comparisons = nullptr;
     QDoubleSpinBox *m_headroom = nullptr;
     QStringList m_components; // in the strip

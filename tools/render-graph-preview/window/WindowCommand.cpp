@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDebug>
+#include <QSettings>
 
 #include <chrono>
 #include <cstdio>
@@ -51,7 +52,9 @@ QList<QCommandLineOption> options()
 
 bool window(const CommandLine &line, QString &error)
 {
-    const QString preset = line.arguments.value(0, presetNames().constFirst());
+    const QString last = QSettings(kSettings, kSettings).value("preset"_L1).toString();
+    const QString preset = line.arguments.value(
+            0, presetNames().contains(last) ? last : presetNames().constFirst());
     PresetOnDisk unknown;
     if (!presetNames().contains(preset))
         return loadPreset(line.shadersDir, preset, unknown, error);
