@@ -143,8 +143,7 @@ void TestOffscreenRenderer::frameErrors()
     QCOMPARE(error, u"the viewport is empty"_s);
     state.viewport = {10, 200000};
     QVERIFY(!renderer->drawFrame(state, error));
-    QVERIFY2(error.startsWith(u"the picture has 10x200000 pixels, "_s),
-             qPrintable(error));
+    QVERIFY2(error.startsWith(u"the picture has 10x200000 pixels, "_s), qPrintable(error));
     QImage picture;
     QVERIFY(!renderer->output(0, picture, error));
     QCOMPARE(error, u"no pass 0 in the last frame"_s);
