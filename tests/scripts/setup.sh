@@ -27,6 +27,6 @@ preview='glslang-dev graphviz libvulkan-dev mesa-vulkan-drivers netpbm'
 row "$preview" preview
 row 'clang-format clang-tidy git shellcheck' lint
 row "clang dpkg-dev file glslang-dev glslc groff-base libclang-rt-dev libvulkan-dev \
-libvulkan-volk-dev make mesa-vulkan-drivers meson pkgconf spirv-cross vulkan-validationlayers xauth xvfb" test
+libvulkan-volk-dev make mesa-vulkan-drivers meson pkgconf spirv-cross vulkan-validationlayers xvfb" test
 row "clang dpkg-dev file glslang-dev glslc graphviz groff-base libclang-rt-dev libvulkan-dev \
-libvulkan-volk-dev make mesa-vulkan-drivers meson netpbm pkgconf spirv-cross vulkan-validationlayers xauth xvfb" preview test
+libvulkan-volk-dev make mesa-vulkan-drivers meson netpbm pkgconf spirv-cross vulkan-validationlayers xvfb" preview test
