@@ -72,7 +72,7 @@ public:
 
     void initResources() override
     {
-        const VkInstance instance = m_window.vulkanInstance()->vkInstance();
+        const vk::Instance instance = m_window.vulkanInstance()->vkInstance();
         const auto getInstanceProcAddr = reinterpret_cast<PFN_vkGetInstanceProcAddr>(
                 m_window.vulkanInstance()->getInstanceProcAddr("vkGetInstanceProcAddr"));
         VULKAN_HPP_DEFAULT_DISPATCHER.init(instance, getInstanceProcAddr, m_window.device());
@@ -185,7 +185,7 @@ private:
         const vk::Format format = vk::Format::eR8G8B8A8Unorm;
         const QImage picture = m_player.sourcePicture(0);
         m_sourceSize = picture.size();
-        const vk::DeviceSize bytes = vk::DeviceSize(picture.sizeInBytes()) * kFramesInFlight;
+        const auto bytes = vk::DeviceSize(picture.sizeInBytes()) * kFramesInFlight;
         m_staging = device.createBufferUnique({{}, bytes, vk::BufferUsageFlagBits::eTransferSrc});
         m_stagingMemory =
                 device.allocateMemoryUnique({device.getBufferMemoryRequirements(*m_staging).size,
