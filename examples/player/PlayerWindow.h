@@ -216,7 +216,7 @@ private:
         using Layout = vk::ImageLayout;
         using Stage = vk::PipelineStageFlagBits;
         const vk::CommandBuffer commands = m_window.currentCommandBuffer();
-        const std::size_t bytes = std::size_t(picture.sizeInBytes());
+        const auto bytes = std::size_t(picture.sizeInBytes());
         vk::BufferImageCopy copy(bytes * std::size_t(frameInFlight), 0, 0);
         copy.imageSubresource = {vk::ImageAspectFlagBits::eColor, 0, 0, 1};
         copy.imageExtent = sourceExtent();
