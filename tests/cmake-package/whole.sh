@@ -135,7 +135,7 @@ cp "$component" crt-screen.slang
 sed '/^\/\/! input/d' crt-screen.slang >"$component"
 configure lost lost/build -G Ninja || fail 'configuring the example shaders'
 if build lost/build; then fail 'a component may lose its input lines'; fi
-grep -qFx "$component: binding 1 ('Scanline') is sampled, but pass 17 of 'crt-pvm' has 1 image: \
+grep -qFx "$component: binding 2 ('Halation') is sampled, but pass 17 of 'crt-pvm' has 1 image: \
 is an //! input line or feedback missing?" log || fail 'the line about the lost input lines is missing'
 cp crt-screen.slang "$component"
 build lost/build || fail 'the input lines do not repair the build'
