@@ -21,7 +21,7 @@ thread_local int allocations = 0;
 
 } // namespace
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && defined(__GLIBC__)
+#if defined(__GLIBC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__)
 // Counts what the renderer allocates while it records. Operator new and Qt's containers call this
 // function.
 extern "C" void *__libc_malloc(std::size_t size);
