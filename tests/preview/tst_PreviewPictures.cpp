@@ -41,6 +41,7 @@ private Q_SLOTS:
     void noOtherName();
     void sourceFiles_data();
     void sourceFiles();
+    void usualGammaIsSrgb();
     void unreadableSources_data();
     void unreadableSources();
     void standardRangeIsRounded();
@@ -158,6 +159,25 @@ void TestPreviewPictures::sourceFiles()
     QCOMPARE(FloatImage(floatPicture(source.frame(0))).at(0, 0),
              Pixel({float(qRed(read)) / 255.0F, float(qGreen(read)) / 255.0F,
                     float(qBlue(read)) / 255.0F, 1.0F}));
+}
+
+void TestPreviewPictures::usualGammaIsSrgb()
+{
+    QImage image(1, 1, QImage::Format_RGB32);
+    image.fill(qRgb(10, 20, 30));
+    QVERIFY(image.save(u"in.png"_s));
+    // A gAMA chunk of 0.45455, after the header.
+    const QByteArray png = readFile(u"in.png"_s);
+    const QByteArray gamma = QByteArray::fromHex("00000004"
+                                                 "67414d41"
+                                                 "0000b18f"
+                                                 "0bfc6105");
+    writeFile(u"in.png"_s, png.first(33) + gamma + png.sliced(33));
+    QVERIFY(QImage(u"in.png"_s).colorSpace().isValid());
+    QString error;
+    SourcePicture source;
+    QVERIFY2(SourcePicture::open(u"in.png"_s, source, error), qPrintable(error));
+    QCOMPARE(source.frame(0).pixel(0, 0), qRgb(10, 20, 30));
 }
 
 void TestPreviewPictures::unreadableSources_data()

@@ -69,8 +69,14 @@ bool SourcePicture::open(const QString &nameOrPath, SourcePicture &source, QStri
                 nameOrPath, reader.errorString());
         return false;
     }
-    if (image.colorSpace().isValid())
+    if (image.colorSpace().isValid()) {
+        // Programs that write sRGB give its gamma as 1 / 2.2.
+        if (image.colorSpace().transferFunction() == QColorSpace::TransferFunction::Gamma
+            && std::abs(image.colorSpace().gamma() - 2.2F) < 0.01F)
+            image.setColorSpace(
+                    image.colorSpace().withTransferFunction(QColorSpace::TransferFunction::SRgb));
         image.convertToColorSpace(QColorSpace::SRgb);
+    }
     // Premultiplied colours are the colours over black.
     image.convertTo(QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
