@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QColorSpace>
 #include <QComboBox>
@@ -58,6 +59,8 @@ private Q_SLOTS:
     void valuesAreKept();
     void newTunedValueIsReported();
     void resetValueIsNotPinned();
+    void doubleClickResetsTheValue();
+    void switchIsACheckBox();
     void settingsAreKept();
     void valuesAreSavedAndOpened();
     void valuesAreReset();
@@ -402,6 +405,33 @@ void TestWindow::resetValueIsNotPinned()
                               u"2.0"_s, kPatience);
 }
 
+void TestWindow::doubleClickResetsTheValue()
+{
+    const auto window = open(u"gba-lcd"_s);
+    window->session().setValue(u"ghost_rise"_s, 0.25F);
+    QTest::mouseDClick(window->findChild<QLabel *>(u"ghost_rise.label"_s), Qt::LeftButton);
+    QCOMPARE(window->findChild<QDoubleSpinBox *>(u"ghost_rise.number"_s)->text(), u"0.706"_s);
+}
+
+void TestWindow::switchIsACheckBox()
+{
+    const auto window = open(u"gba-lcd"_s);
+    const auto isVisible = [&window](const QString &name) {
+        return window->findChild<QWidget *>(name)->isVisible();
+    };
+    QVERIFY(isVisible(u"LCD_COLOR_PROFILE.check"_s));
+    QVERIFY(!isVisible(u"LCD_COLOR_PROFILE.slider"_s));
+    QVERIFY(!isVisible(u"LCD_COLOR_PROFILE.number"_s));
+    QVERIFY(!isVisible(u"ghost_rise.check"_s));
+    auto *const check = window->findChild<QCheckBox *>(u"LCD_COLOR_PROFILE.check"_s);
+    QVERIFY(check->isChecked());
+    const QImage before = waitForImage(*window);
+    check->click();
+    QVERIFY(waitForImage(*window) != before);
+    window->session().resetAll();
+    QVERIFY(check->isChecked());
+}
+
 void TestWindow::settingsAreKept()
 {
     QVERIFY(QImage(5, 4, QImage::Format_RGB32).save(u"source.png"_s));
@@ -739,9 +769,8 @@ void TestWindow::tabMovesThroughTheParameters()
         visited.append(QApplication::focusWidget()->objectName());
     }
     QCOMPARE(visited,
-             QStringList({u"LCD_COLOR_PROFILE.slider"_s, u"LCD_COLOR_PROFILE.number"_s,
-                          u"LCD_COLOR_PROFILE.reset"_s, u"ghost_rise.slider"_s,
-                          u"ghost_rise.number"_s}));
+             QStringList({u"LCD_COLOR_PROFILE.check"_s, u"LCD_COLOR_PROFILE.reset"_s,
+                          u"ghost_rise.slider"_s, u"ghost_rise.number"_s, u"ghost_fall.slider"_s}));
 }
 
 // At 1:1. Another test repeats this at a device pixel ratio of 2.

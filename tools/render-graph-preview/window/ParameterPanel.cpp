@@ -4,6 +4,7 @@
 
 #include <Tuning.h>
 
+#include <QCheckBox>
 #include <QDoubleSpinBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -19,6 +20,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -128,6 +130,19 @@ public:
     }
 };
 
+// Calls a function when it is clicked twice.
+class NameLabel : public QLabel
+{
+public:
+    std::function<void()> onDoubleClick;
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent * /*event*/) override
+    {
+        onDoubleClick();
+    }
+};
+
 } // namespace
 
 class ParameterPanel::Row : public QWidget
@@ -135,9 +150,10 @@ class ParameterPanel::Row : public QWidget
 public:
     Row(PresetParamMeta shown, Session &session)
         : parameter(std::move(shown)),
-          m_label(new QLabel),
+          m_label(new NameLabel),
           m_slider(new ParameterSlider(parameter)),
           m_number(new NumberField(parameter)),
+          m_check(new QCheckBox),
           m_reset(new QToolButton)
     {
         m_label->setObjectName(parameter.id + ".label"_L1);
@@ -149,6 +165,8 @@ public:
         m_slider->setAccessibleName(parameter.description);
         m_number->setObjectName(parameter.id + ".number"_L1);
         m_number->setAccessibleName(parameter.description);
+        m_check->setObjectName(parameter.id + ".check"_L1);
+        m_check->setAccessibleName(parameter.description);
         m_reset->setObjectName(parameter.id + ".reset"_L1);
         m_reset->setAccessibleName(u"Reset %1"_s.arg(parameter.description));
         m_reset->setText(u"\u21ba"_s);
@@ -159,6 +177,12 @@ public:
         layout->addWidget(m_label, 0, 0, 1, 3);
         layout->addWidget(m_slider, 1, 0);
         layout->addWidget(m_number, 1, 1);
+        layout->addWidget(m_check, 1, 0, 1, 2);
+        const bool isSwitch =
+                parameter.min == 0.0F && parameter.max == 1.0F && parameter.step == 1.0F;
+        m_slider->setHidden(isSwitch);
+        m_number->setHidden(isSwitch);
+        m_check->setHidden(!isSwitch);
         layout->addWidget(m_reset, 1, 2);
 
         connect(m_slider, &QSlider::valueChanged, this, [this, &session](int position) {
@@ -166,11 +190,14 @@ public:
         });
         connect(m_number, &QDoubleSpinBox::valueChanged, this,
                 [this, &session](double value) { session.setValue(parameter.id, float(value)); });
+        connect(m_check, &QCheckBox::clicked, this, [this, &session](bool isChecked) {
+            session.setValue(parameter.id, isChecked ? 1.0F : 0.0F);
+        });
         connect(m_slider, &QSlider::sliderPressed, this, [&session] { session.setDragging(true); });
         connect(m_slider, &QSlider::sliderReleased, this,
                 [&session] { session.setDragging(false); });
-        connect(m_reset, &QToolButton::clicked, this,
-                [this, &session] { session.resetValue(parameter.id); });
+        m_label->onDoubleClick = [this, &session] { session.resetValue(parameter.id); };
+        connect(m_reset, &QToolButton::clicked, this, m_label->onDoubleClick);
     }
 
     // `replaced` is the tuned value at the time when the value was set.
@@ -186,6 +213,7 @@ public:
         const QSignalBlocker numberBlocker(m_number);
         m_slider->setValue(m_slider->positionOf(value));
         m_number->setValue(asDeclared(value));
+        m_check->setChecked(value != 0.0F);
         m_reset->setEnabled(value != parameter.initialValue || replaced != value);
     }
 
@@ -194,16 +222,18 @@ public:
     {
         setTabOrder(widget, m_slider);
         setTabOrder(m_slider, m_number);
-        setTabOrder(m_number, m_reset);
+        setTabOrder(m_number, m_check);
+        setTabOrder(m_check, m_reset);
         return m_reset;
     }
 
     const PresetParamMeta parameter;
 
 private:
-    QLabel *m_label;
+    NameLabel *m_label;
     ParameterSlider *m_slider;
     NumberField *m_number;
+    QCheckBox *m_check;
     QToolButton *m_reset;
 };
 
