@@ -61,6 +61,7 @@ private Q_SLOTS:
     void resetValueIsNotPinned();
     void doubleClickResetsTheValue();
     void switchIsACheckBox();
+    void tapeIsRewound();
     void settingsAreKept();
     void valuesAreSavedAndOpened();
     void valuesAreReset();
@@ -430,6 +431,20 @@ void TestWindow::switchIsACheckBox()
     QVERIFY(waitForImage(*window) != before);
     window->session().resetAll();
     QVERIFY(check->isChecked());
+}
+
+void TestWindow::tapeIsRewound()
+{
+    const auto window = open(u"rewind"_s);
+    window->findChild<QComboBox *>(u"source"_s)->setCurrentText(u"card-160x144"_s);
+    window->session().step();
+    const QImage before = waitForImage(*window);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(window.get(), Qt::Key_F7);
+    QVERIFY(waitForImage(*window) != before);
+    QTest::keyClick(window.get(), Qt::Key_F7);
+    QCOMPARE(waitForImage(*window), before);
 }
 
 void TestWindow::settingsAreKept()

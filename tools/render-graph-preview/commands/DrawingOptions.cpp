@@ -12,10 +12,6 @@ constexpr int kLargestSide = 16384;
 constexpr int kMostFrames = 1000000;
 constexpr double kLargestHeadroom = 100.0;
 
-// The slowest tuned feedback keeps 1 - 0.1948 of the previous frame. After 30 frames less than half
-// of 1/255 is left of full white.
-constexpr int kFramesToConverge = 30;
-
 bool parseSize(const QString &text, QSize &size, QString &error)
 {
     const QStringList sides = text.split(u'x');
@@ -61,9 +57,10 @@ QList<QCommandLineOption> DrawingOptions::declared()
             {u"set"_s, u"Gives a parameter a value within its range; can be repeated."_s,
              u"id=value"_s},
             {u"frames"_s,
-             u"How many frames to draw, at 60 per second. Default: %1 where a pass samples its own previous output, by then it has settled; else 1."_s
-                     .arg(kFramesToConverge),
+             u"How many frames to draw, at 60 per second. Default: 1, which has settled; what moves needs more."_s,
              u"number"_s},
+            {u"direction"_s, u"The direction of time: forwards or backwards. Default: forwards."_s,
+             u"direction"_s, u"forwards"_s},
             {u"hdr"_s,
              u"Draws for a display whose peak is so many times its reference white, from 1 to %1."_s
                      .arg(kLargestHeadroom),
@@ -94,6 +91,12 @@ bool DrawingOptions::parse(const QCommandLineParser &parser, DrawingOptions &opt
         }
         options.frames = frames;
     }
+    const QString direction = parser.value(u"direction"_s);
+    options.isBackwards = direction == "backwards"_L1;
+    if (!options.isBackwards && direction != "forwards"_L1) {
+        error = u"--direction %1: a direction is forwards or backwards"_s.arg(direction);
+        return false;
+    }
     if (parser.isSet(u"hdr"_s)) {
         const QString text = parser.value(u"hdr"_s);
         if (!parseNumber(u"--hdr "_s + text, text, 1.0, kLargestHeadroom,
@@ -114,6 +117,7 @@ bool DrawingOptions::loadPlayer(const QString &shadersDir, const QString &preset
     player->setPreset(loaded);
     player->setViewport(size);
     player->setHeadroom(headroom);
+    player->setBackwards(isBackwards);
     QHash<QString, float> read;
     if (!valuesFile.isEmpty() && !readGlslp(valuesFile, loaded, read, error))
         return false;
@@ -131,13 +135,6 @@ bool DrawingOptions::openSource(Player &player, QString &error) const
         return false;
     player.setSource(opened);
     return true;
-}
-
-int DrawingOptions::frameCount(const VulkanRenderGraph &graph) const
-{
-    const bool hasFeedback =
-            std::ranges::any_of(graph.passes, &VulkanRenderGraph::Pass::isFeedbackReader);
-    return frames.value_or(hasFeedback ? kFramesToConverge : 1);
 }
 
 bool setValue(Player &player, const QString &id, const QString &number, QString &error)

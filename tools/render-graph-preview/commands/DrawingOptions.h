@@ -23,15 +23,13 @@ struct DrawingOptions
                     QString &error) const;
     bool openSource(Player &player, QString &error) const;
 
-    // The number given, or else as many frames as it takes until feedback has converged.
-    int frameCount(const VulkanRenderGraph &graph) const;
-
     QString source;
     QString device;
     QSize size;
     QString valuesFile; // set before `values`
     QList<std::pair<QString, QString>> values; // id and number, as given
     std::optional<int> frames;
+    bool isBackwards = false;
     std::optional<float> headroom;
 };
 

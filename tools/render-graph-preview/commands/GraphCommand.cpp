@@ -36,7 +36,7 @@ bool addFrame(const DrawingOptions &options, Player &player, bool withThumbnails
 {
     if (!options.openSource(player, error))
         return false;
-    const int frames = options.frameCount(player.preset().graph);
+    const int frames = options.frames.value_or(1);
     for (int frame = 0; frame < frames; ++frame) {
         if (!player.drawFrame(frame, error))
             return false;

@@ -154,7 +154,7 @@ bool picture(const CommandLine &line, QString &error)
             return false;
     }
 
-    const int frames = options.frameCount(graph);
+    const int frames = options.frames.value_or(1);
     for (int frame = 0; frame < frames; ++frame) {
         for (Player &player : players) {
             if (!player.drawFrame(frame, error))

@@ -44,6 +44,11 @@ void Player::setHeadroom(std::optional<float> headroom)
     m_state.hdrHeadroom = headroom.value_or(1.0F);
 }
 
+void Player::setBackwards(bool isBackwards)
+{
+    m_state.frameDirection = isBackwards ? -1 : 1;
+}
+
 void Player::resetHistories()
 {
     if (m_renderer)

@@ -46,6 +46,8 @@ public:
     void setViewport(QSize viewport);
     void setHeadroom(std::optional<float> headroom); // empty: SDR
 
+    void setBackwards(bool isBackwards); // the shaders' frameDirection
+
     // The next frame is drawn as if the display had been showing its source for a long time.
     void resetHistories();
 

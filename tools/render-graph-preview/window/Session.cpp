@@ -245,6 +245,7 @@ private:
             viewport = player.source().size().scaled(viewport, Qt::KeepAspectRatio);
         player.setViewport(viewport.expandedTo({1, 1}));
         player.setHeadroom(request.view.headroom);
+        player.setBackwards(request.view.isBackwards);
         if (!request.keepsHistories)
             player.resetHistories();
         return player.drawFrame(request.frame, error);

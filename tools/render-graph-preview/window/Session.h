@@ -30,6 +30,7 @@ struct ViewSettings
     bool keepsAspectRatio =
             true; // draws the largest picture of the source's shape that fits the viewport
     std::optional<float> headroom; // empty: SDR
+    bool isBackwards = false; // the shaders' frameDirection
     int pass = -1; // the pass whose output is shown; -1: the last one
     Comparison comparison = Comparison::None;
 };

@@ -211,6 +211,9 @@ void Window::createActions()
     connect(&m_session, &Session::runningChanged, run, &QAction::setChecked);
     QAction *const step = add(frames, u"S&tep"_s, Qt::Key_F6);
     connect(step, &QAction::triggered, &m_session, &Session::step);
+    m_backwards = add(frames, u"&Backwards"_s, Qt::Key_F7);
+    m_backwards->setCheckable(true);
+    connect(m_backwards, &QAction::toggled, this, &Window::updateView);
 
     QMenu *const parameters = menuBar()->addMenu(u"P&arameters"_s);
     QAction *const copy =
@@ -240,7 +243,7 @@ void Window::createActions()
 
     QToolBar *const bar = addToolBar(u"Actions"_s);
     bar->setMovable(false);
-    bar->addActions({run, step});
+    bar->addActions({run, step, m_backwards});
     auto *const values = new QToolBar;
     values->addActions({undo, redo, copy, reset, forget});
     m_parameters->layout()->addWidget(values);
@@ -347,6 +350,7 @@ void Window::updateView()
     view.headroom.reset();
     if (m_headroom->value() > 0.0)
         view.headroom = std::max(1.0F, float(m_headroom->value()));
+    view.isBackwards = m_backwards->isChecked();
     const int row = m_strip->currentRow();
     view.pass = row == m_strip->count() - 1 ? -1 : row;
     m_session.setView(view);

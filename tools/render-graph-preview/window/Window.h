@@ -6,6 +6,7 @@
 
 class ParameterPanel;
 class PictureView;
+class QAction;
 class QComboBox;
 class QDoubleSpinBox;
 class QLabel;
@@ -58,6 +59,7 @@ private:
     QComboBox *m_zooms = nullptr;
     QComboBox *m_comparisons = nullptr;
     QDoubleSpinBox *m_headroom = nullptr;
+    QAction *m_backwards = nullptr;
     QStringList m_components; // in the strip
     QPoint m_pixelPosition;
 };
