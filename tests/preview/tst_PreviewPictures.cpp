@@ -191,19 +191,27 @@ void TestPreviewPictures::unreadableSources_data()
             << u"cannot read source picture 'cut.png': Unable to read image data; 'list' names the test pictures"_s;
     QTest::newRow("huge.png")
             << u"source picture 'huge.png' is 4097x1, and the largest is 4096x4096: make it smaller"_s;
+    QTest::newRow("p%2%3%4.png")
+            << u"source picture 'p%2%3%4.png' is 4097x1, and the largest is 4096x4096: make it smaller"_s;
 }
 
 void TestPreviewPictures::unreadableSources()
 {
     QFETCH(QString, message);
     writeFile(u"text.png"_s, "no picture");
-    QVERIFY(QImage(4097, 1, QImage::Format_RGB32).save(u"huge.png"_s));
+    for (const QString &name : {u"huge.png"_s, u"p%2%3%4.png"_s})
+        QVERIFY(QImage(4097, 1, QImage::Format_RGB32).save(name));
     QVERIFY(testPicture(u"photo-160x144"_s).save(u"cut.png"_s));
     QVERIFY(QFile::resize(u"cut.png"_s, 60));
     QString error;
     SourcePicture source;
-    QVERIFY(!SourcePicture::open(QString::fromLatin1(QTest::currentDataTag()), source, error));
+    bool isOpen = false;
+    const QByteArray printed = captured(stderr, [&] {
+        isOpen = SourcePicture::open(QString::fromLatin1(QTest::currentDataTag()), source, error);
+    });
+    QVERIFY(!isOpen);
     QCOMPARE(error, message);
+    QCOMPARE(printed, "");
     QVERIFY(source.isNull());
 }
 

@@ -12,9 +12,37 @@
 #include <cmath>
 #include <new>
 
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// libpng prints what it finds wrong to the standard error. The reader has an error for it.
+class QuietErrors
+{
+public:
+#ifdef Q_OS_UNIX
+    QuietErrors() : m_saved(::fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0))
+    {
+        const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+        ::dup2(null, STDERR_FILENO);
+        ::close(null);
+    }
+    ~QuietErrors()
+    {
+        ::dup2(m_saved, STDERR_FILENO);
+        ::close(m_saved);
+    }
+    Q_DISABLE_COPY_MOVE(QuietErrors)
+
+private:
+    int m_saved;
+#endif
+};
 
 QString cannotWrite(const QString &path, const QString &reason)
 {
@@ -54,6 +82,7 @@ bool SourcePicture::open(const QString &nameOrPath, SourcePicture &source, QStri
         return true;
     }
 
+    [[maybe_unused]] const QuietErrors quiet;
     QImageReader reader(nameOrPath);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
