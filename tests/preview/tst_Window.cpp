@@ -63,6 +63,8 @@ private Q_SLOTS:
     void switchIsACheckBox();
     void tapeIsRewound();
     void settingsAreKept();
+    void lastPresetIsOpened_data();
+    void lastPresetIsOpened();
     void valuesAreSavedAndOpened();
     void valuesAreReset();
     void filterHidesParameters();
@@ -462,6 +464,44 @@ void TestWindow::settingsAreKept()
     QCOMPARE(window.size(), QSize(900, 700));
     QCOMPARE(window.findChild<QComboBox *>(u"zoom"_s)->currentText(), u"3:1"_s);
     QCOMPARE(window.findChild<QComboBox *>(u"source"_s)->currentText(), u"card-160x144"_s);
+}
+
+void TestWindow::lastPresetIsOpened_data()
+{
+    QTest::addColumn<QString>("last");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("preset");
+    QTest::newRow("last") << u"rewind"_s << QStringList() << u"rewind"_s;
+    QTest::newRow("given") << u"rewind"_s << QStringList(u"stock"_s) << u"stock"_s;
+    QTest::newRow("gone") << u"paper"_s << QStringList() << u"crt-pvm"_s;
+}
+
+void TestWindow::lastPresetIsOpened()
+{
+    QFETCH(QString, last);
+    QFETCH(QStringList, arguments);
+    QFETCH(QString, preset);
+    {
+        Window window(copiedShaders(), QString(), last);
+        window.close();
+    }
+    QString opened;
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &poll, [&opened] {
+        for (QWidget *const widget : QApplication::topLevelWidgets()) {
+            auto *const window = qobject_cast<Window *>(widget);
+            if (window == nullptr || !window->isVisible() || window->session().isBusy())
+                continue;
+            opened = window->session().preset();
+            window->close();
+        }
+    });
+    poll.start(10);
+    QCommandLineParser parser;
+    parser.addOptions(kWindowCommand.options());
+    QString error;
+    QVERIFY(kWindowCommand.run({parser, u"shaders"_s, QString(), arguments}, error));
+    QCOMPARE(opened, preset);
 }
 
 void TestWindow::valuesAreSavedAndOpened()
