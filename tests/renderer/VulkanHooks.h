@@ -35,17 +35,18 @@ struct PoolSpace
 inline std::map<VkDescriptorPool, PoolSpace> poolSpaces;
 inline std::map<VkDescriptorSetLayout, std::uint32_t> bindingCounts;
 
-inline void observe(VkDevice, const VkDescriptorSetLayoutCreateInfo *info,
-                    const VkAllocationCallbacks *, VkDescriptorSetLayout *layout)
+inline void observe(VkDevice /*device*/, const VkDescriptorSetLayoutCreateInfo *info,
+                    const VkAllocationCallbacks * /*allocator*/, VkDescriptorSetLayout *layout)
 {
     bindingCounts[*layout] = info->bindingCount;
 }
-inline void observe(VkDevice, const VkDescriptorPoolCreateInfo *info, const VkAllocationCallbacks *,
-                    VkDescriptorPool *pool)
+inline void observe(VkDevice /*device*/, const VkDescriptorPoolCreateInfo *info,
+                    const VkAllocationCallbacks * /*allocator*/, VkDescriptorPool *pool)
 {
     poolSpaces[*pool] = {info->maxSets, info->pPoolSizes->descriptorCount};
 }
-inline void observe(VkDevice, const VkDescriptorSetAllocateInfo *info, VkDescriptorSet *)
+inline void observe(VkDevice /*device*/, const VkDescriptorSetAllocateInfo *info,
+                    VkDescriptorSet * /*sets*/)
 {
     PoolSpace &space = poolSpaces.at(info->descriptorPool);
     const std::uint32_t bindings = bindingCounts.at(*info->pSetLayouts);
@@ -55,14 +56,14 @@ inline void observe(VkDevice, const VkDescriptorSetAllocateInfo *info, VkDescrip
     space.descriptors -= bindings;
 }
 inline VkPipelineCache lastPipelineCache = VK_NULL_HANDLE;
-inline void observe(VkDevice, VkPipelineCache cache, std::uint32_t,
-                    const VkGraphicsPipelineCreateInfo *, const VkAllocationCallbacks *,
-                    VkPipeline *)
+inline void observe(VkDevice /*device*/, VkPipelineCache cache, std::uint32_t /*count*/,
+                    const VkGraphicsPipelineCreateInfo * /*infos*/,
+                    const VkAllocationCallbacks * /*allocator*/, VkPipeline * /*pipelines*/)
 {
     lastPipelineCache = cache;
 }
 template<typename... Arguments>
-void observe(const Arguments &...)
+void observe(const Arguments &.../*arguments*/)
 {
 }
 

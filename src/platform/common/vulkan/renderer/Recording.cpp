@@ -1,5 +1,6 @@
 #include "Recording.h"
 
+#include <array>
 #include <cstring>
 
 namespace VulkanGraph {
@@ -89,6 +90,14 @@ void recordMipmaps(const Context &context, VkCommandBuffer commands, const PassI
         size = (size / 2).expandedTo({1, 1});
     }
     transitionLayout(context, commands, image, kRead, kSampled, 0, kAllLevels);
+}
+
+// Numbers that are equal may draw different pictures: 0 and -0.
+std::array<unsigned char, sizeof(PushConstants)> bytesOf(const PushConstants &constants)
+{
+    std::array<unsigned char, sizeof(PushConstants)> bytes;
+    std::memcpy(bytes.data(), &constants, bytes.size());
+    return bytes;
 }
 
 // One draw of a full-screen triangle.
@@ -194,7 +203,7 @@ private:
         if (m_graph.passes.at(index).cacheByParameters)
             return state.constants.params == output.constants.params;
         return m_resources.keepsOutputs && state.inputVersions == output.inputVersions
-                && std::memcmp(&state.constants, &output.constants, sizeof(PushConstants)) == 0;
+                && bytesOf(state.constants) == bytesOf(output.constants);
     }
 
     const PassPipeline &pipelineOf(int index) const
