@@ -56,6 +56,7 @@ private Q_SLOTS:
     void copiedOverridesCompile();
     void numbersAreLiterals();
     void dragIsUndoneInOneStep();
+    void dragEndsWithItsSlider();
     void valuesAreKept();
     void newTunedValueIsReported();
     void resetValueIsNotPinned();
@@ -350,6 +351,21 @@ void TestWindow::dragIsUndoneInOneStep()
     }
     QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     QCOMPARE(number->text(), u"0.3"_s);
+}
+
+// Then later changes are steps of their own.
+void TestWindow::dragEndsWithItsSlider()
+{
+    const auto window = open(u"gba-lcd"_s);
+    window->findChild<QSlider *>(u"ghost_rise.slider"_s)->setSliderDown(true);
+    auto *const presets = window->findChild<QComboBox *>(u"preset"_s);
+    presets->setCurrentText(u"stock"_s);
+    presets->setCurrentText(u"gba-lcd"_s);
+    waitForImage(*window);
+    window->session().setValue(u"ghost_rise"_s, 0.25F);
+    window->session().setValue(u"ghost_rise"_s, 0.35F);
+    window->session().undoGroup().undo();
+    QCOMPARE(window->findChild<QDoubleSpinBox *>(u"ghost_rise.number"_s)->text(), u"0.25"_s);
 }
 
 void TestWindow::valuesAreKept()

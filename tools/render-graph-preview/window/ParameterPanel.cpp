@@ -270,6 +270,7 @@ void ParameterPanel::showParameters()
     };
     if (!std::ranges::equal(m_rows, m_session.parameters(), isSame)) {
         qDeleteAll(std::exchange(m_rows, {}));
+        m_session.setDragging(false); // by a slider that is gone
         QWidget *last = m_filter;
         for (const PresetParamMeta &parameter : m_session.parameters()) {
             m_rows.append(new Row(parameter, m_session));

@@ -76,7 +76,7 @@ public:
     }
     void setView(const ViewSettings &view);
 
-    // Empty until the preset is compiled, and if it cannot be.
+    // Of the last version of the preset that compiled; empty before there is one.
     const QList<PresetParamMeta> &parameters() const
     {
         return m_loaded.parameters;
