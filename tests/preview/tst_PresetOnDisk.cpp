@@ -190,6 +190,21 @@ void TestPresetOnDisk::errors_data()
         "shaders/vulkan/components/hdr-color-boost.slang:32: '=' : cannot convert from ' const "
         "float' to ' temp highp 4-component vector of float'");
 
+    row("sampler without an input", "vulkan/components/stock.frag",
+        start
+                + "layout(location = 0) out vec4 color;\n"
+                  "layout(binding = 3) uniform sampler2D Extra;\n"
+                  "void main() { color = texture(Extra, vec2(0.5)); }\n",
+        "shaders/vulkan/components/stock.frag:4: binding 3 ('Extra') is sampled, but pass 0 of "
+        "'stock' has 1 image: is an //! input line or feedback missing?");
+    const QString crosstalk = u"vulkan/components/dmg-crosstalk.slang"_s;
+    QTest::newRow("slots of other parameters")
+            << u"dmg-lcd"_s << crosstalk
+            << readFile(QStringLiteral(EXAMPLE_SHADERS_DIR "/") + crosstalk)
+                       .replace("pc.params[1]", "pc.params[0]")
+            << u"shaders/vulkan/components/dmg-crosstalk.slang:16: the slot of "
+               "dmg_crosstalk_reach is 1, not 0"_s;
+
     // The compiler's error, and then its place.
     const auto placed = [](const char *name, const char *preset, const char *file,
                            const QByteArray &content, const char *line, const char *place) {

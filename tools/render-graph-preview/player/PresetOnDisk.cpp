@@ -7,10 +7,12 @@
 #include <Diagnostics.h>
 #include <FirstPartyPresets.h>
 #include <PresetCompiler.h>
+#include <renderer/ModuleCheck.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <iterator>
@@ -70,6 +72,73 @@ bool compileGraph(const QString &shadersDir, const PresetDecl &decl, PresetOnDis
     return false;
 }
 
+QString componentPath(const QString &shadersDir, const QString &component)
+{
+    const QString slangPath = slangComponentPath(shadersDir, component);
+    const QString fragPath = fragComponentPath(shadersDir, component);
+    return !QFile::exists(slangPath) && QFile::exists(fragPath) ? fragPath : slangPath;
+}
+
+// The lines of a file, without their ends.
+QStringList linesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly | QIODevice::Text)
+            ? QString::fromUtf8(file.readAll()).split(u'\n')
+            : QStringList();
+}
+
+// An error of VulkanGraph::checkFragmentModule() with the line that declares the binding.
+QString moduleError(const QString &path, const QString &error)
+{
+    static const QRegularExpression kBinding(uR"(^binding (\d+))"_s);
+    const QRegularExpression declaration(
+            uR"(.*\bbinding\s*=\s*%1\b.*)"_s.arg(kBinding.match(error).captured(1)));
+    const auto line = linesOf(path).indexOf(declaration);
+    return line < 0 ? "%1: %2"_L1.arg(path, error)
+                    : "%1:%2: %3"_L1.arg(path, QString::number(line + 1), error);
+}
+
+// The lines `#define <parameter> pc.params[N]` that give a parameter the slot of another.
+QStringList wrongSlots(const QString &path, const VulkanRenderGraph::Pass &pass)
+{
+    static const QRegularExpression kDefine(uR"(^\s*#\s*define\s+(\w+)\s+pc\.params\[(\d+)\])"_s);
+    QStringList errors;
+    int number = 0;
+    for (const QString &line : linesOf(path)) {
+        ++number;
+        const QRegularExpressionMatch match = kDefine.match(line);
+        for (const VulkanRenderGraph::PushConstantParam &param : pass.params) {
+            if (match.captured(1) == param.id && match.captured(2).toUInt() != param.floatOffset) {
+                errors.append("%1:%2: the slot of %3 is %4, not %5"_L1.arg(
+                        path, QString::number(number), param.id, QString::number(param.floatOffset),
+                        match.captured(2)));
+            }
+        }
+    }
+    return errors;
+}
+
+// Whether the modules fit their passes.
+bool checkModules(const QString &shadersDir, const PresetOnDisk &preset, QString &error)
+{
+    QStringList errors;
+    for (int index = 0; index < preset.graph.passes.size(); ++index) {
+        const VulkanRenderGraph::Pass &pass = preset.graph.passes.at(index);
+        const QString path = componentPath(shadersDir, pass.debugName);
+        QString reason;
+        if (!VulkanGraph::checkFragmentModule(preset.modules.value(pass.fragmentSpirvResource),
+                                              preset.graph, index, reason))
+            errors.append(moduleError(path, reason));
+        errors.append(wrongSlots(path, pass));
+    }
+    if (errors.isEmpty())
+        return true;
+    errors.removeDuplicates(); // of a component that several passes have
+    error = errors.join(u'\n');
+    return false;
+}
+
 // Goes on after an error, so that the errors of all components are reported at once.
 bool compileModules(const QString &shadersDir, PresetOnDisk &preset, QString &error)
 {
@@ -84,10 +153,8 @@ bool compileModules(const QString &shadersDir, PresetOnDisk &preset, QString &er
     for (const VulkanRenderGraph::Pass &pass : std::as_const(preset.graph.passes)) {
         compile(pass.vertexSpirvResource, QDir(shadersDir).filePath(u"vulkan/fullscreen.vert"_s),
                 ShaderStage::Vertex);
-        const QString slangPath = slangComponentPath(shadersDir, pass.debugName);
-        const QString fragPath = fragComponentPath(shadersDir, pass.debugName);
-        const bool isFrag = !QFile::exists(slangPath) && QFile::exists(fragPath);
-        compile(pass.fragmentSpirvResource, isFrag ? fragPath : slangPath, ShaderStage::Fragment);
+        compile(pass.fragmentSpirvResource, componentPath(shadersDir, pass.debugName),
+                ShaderStage::Fragment);
     }
     if (errors.isEmpty())
         return true;
@@ -123,7 +190,7 @@ bool loadPreset(const QString &shadersDir, const QString &name, PresetOnDisk &pr
     preset.hasGlslp = preset.files.contains(glslp) && QFile::exists(glslp);
     const bool isLoaded = isShadersDir(shadersDir, error)
             && compileGraph(shadersDir, *decl, preset, error)
-            && compileModules(shadersDir, preset, error);
+            && compileModules(shadersDir, preset, error) && checkModules(shadersDir, preset, error);
     preset.files.removeDuplicates();
     return isLoaded;
 }
