@@ -30,6 +30,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <memory>
 
 #include <sys/resource.h>
@@ -66,6 +67,7 @@ private Q_SLOTS:
     void settingsAreKept();
     void lastPresetIsOpened_data();
     void lastPresetIsOpened();
+    void commandOpensValues();
     void valuesAreSavedAndOpened();
     void valuesAreReset();
     void filterHidesParameters();
@@ -103,6 +105,8 @@ private:
     static std::unique_ptr<Window> openWithoutFrame(const QString &preset);
     // The same, with its first frame.
     static std::unique_ptr<Window> open(const QString &preset);
+    // Runs the command with copied shaders. When its window has drawn, looks at it and closes it.
+    static bool runCommand(const QStringList &arguments, const std::function<void(Window &)> &look);
     // Waits until all requests are drawn, and returns the shown image.
     static QImage waitForImage(Window &window);
 };
@@ -134,6 +138,27 @@ std::unique_ptr<Window> TestWindow::open(const QString &preset)
     if (!QTest::qWaitFor(isDrawn, kPatience))
         qFatal("no frame: %s", qPrintable(window->session().message()));
     return window;
+}
+
+bool TestWindow::runCommand(const QStringList &arguments, const std::function<void(Window &)> &look)
+{
+    QTimer poll;
+    connect(&poll, &QTimer::timeout, &poll, [&look] {
+        for (QWidget *const widget : QApplication::topLevelWidgets()) {
+            auto *const window = qobject_cast<Window *>(widget);
+            if (window == nullptr || !window->isVisible() || window->session().isBusy())
+                continue;
+            look(*window);
+            window->close();
+        }
+    });
+    poll.start(10);
+    QCommandLineParser parser;
+    parser.addOptions(kWindowCommand.options());
+    parser.parse(QStringList(u"window"_s) + arguments);
+    QString error;
+    return kWindowCommand.run({parser, u"shaders"_s, QString(), parser.positionalArguments()},
+                              error);
 }
 
 QImage TestWindow::waitForImage(Window &window)
@@ -502,22 +527,20 @@ void TestWindow::lastPresetIsOpened()
         window.close();
     }
     QString opened;
-    QTimer poll;
-    connect(&poll, &QTimer::timeout, &poll, [&opened] {
-        for (QWidget *const widget : QApplication::topLevelWidgets()) {
-            auto *const window = qobject_cast<Window *>(widget);
-            if (window == nullptr || !window->isVisible() || window->session().isBusy())
-                continue;
-            opened = window->session().preset();
-            window->close();
-        }
-    });
-    poll.start(10);
-    QCommandLineParser parser;
-    parser.addOptions(kWindowCommand.options());
-    QString error;
-    QVERIFY(kWindowCommand.run({parser, u"shaders"_s, QString(), arguments}, error));
+    QVERIFY(runCommand(arguments,
+                       [&opened](Window &window) { opened = window.session().preset(); }));
     QCOMPARE(opened, preset);
+}
+
+void TestWindow::commandOpensValues()
+{
+    copiedShaders();
+    writeFile(u"mine.glslp"_s, "parameters = \"smear\"\nsmear = \"0.25\"\n");
+    QString opened;
+    QVERIFY(runCommand({u"rewind"_s, u"--values"_s, u"mine.glslp"_s}, [&opened](Window &window) {
+        opened = window.findChild<QDoubleSpinBox *>(u"smear.number"_s)->text();
+    }));
+    QCOMPARE(opened, u"0.25"_s);
 }
 
 void TestWindow::valuesAreSavedAndOpened()

@@ -230,7 +230,12 @@ void Window::createActions()
     connect(add(parameters, u"Save &values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S),
             &QAction::triggered, this, &Window::saveValues);
     connect(add(parameters, u"O&pen values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O),
-            &QAction::triggered, this, &Window::openValues);
+            &QAction::triggered, this, [this] {
+                const QString path = QFileDialog::getOpenFileName(this, u"Open values"_s, {},
+                                                                  u"Values (*.glslp)"_s);
+                if (!path.isEmpty())
+                    openValues(path);
+            });
     QAction *const reset = add(parameters, u"&Reset all"_s, Qt::CTRL | Qt::Key_R);
     reset->setObjectName(u"resetAll"_s);
     connect(reset, &QAction::triggered, &m_session, &Session::resetAll);
@@ -299,12 +304,10 @@ void Window::saveValues()
         statusBar()->showMessage(error, kNoticeMilliseconds);
 }
 
-void Window::openValues()
+void Window::openValues(const QString &path)
 {
-    const QString path =
-            QFileDialog::getOpenFileName(this, u"Open values"_s, {}, u"Values (*.glslp)"_s);
     QString error;
-    if (!path.isEmpty() && !m_session.openValues(path, error))
+    if (!m_session.openValues(path, error))
         statusBar()->showMessage(error, kNoticeMilliseconds);
 }
 

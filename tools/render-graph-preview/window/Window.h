@@ -22,6 +22,9 @@ class Window : public QMainWindow
 public:
     Window(const QString &shadersDir, const QString &device, const QString &preset);
 
+    // Sets the preset's values from a file; the status bar says why if it cannot be read.
+    void openValues(const QString &path);
+
     Session &session()
     {
         return m_session;
@@ -39,7 +42,6 @@ private:
     void openSource(const QString &path);
     void savePicture();
     void saveValues();
-    void openValues();
     void restoreSettings();
     void updateView();
     void showFrame();

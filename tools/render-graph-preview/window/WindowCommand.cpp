@@ -47,7 +47,10 @@ bool createApplication(int &argc, char **argv, std::unique_ptr<QCoreApplication>
 QList<QCommandLineOption> options()
 {
     return {{u"device"_s, u"A device's number or a part of its name (see 'list'). Default: 0."_s,
-             u"device"_s}};
+             u"device"_s},
+            {u"values"_s,
+             u"Gives parameters the values of this .glslp file, as the window saves it."_s,
+             u"file"_s}};
 }
 
 bool window(const CommandLine &line, QString &error)
@@ -59,6 +62,11 @@ bool window(const CommandLine &line, QString &error)
     if (!presetNames().contains(preset))
         return loadPreset(line.shadersDir, preset, unknown, error);
     Window shown(line.shadersDir, line.parser.value(u"device"_s), preset);
+    const QString values = line.parser.value(u"values"_s);
+    if (!values.isEmpty())
+        QObject::connect(
+                &shown.session(), &Session::parametersChanged, &shown,
+                [&shown, values] { shown.openValues(values); }, Qt::SingleShotConnection);
     shown.show();
     const int status = QApplication::exec();
     // A shader may never end.
