@@ -88,6 +88,7 @@ private Q_SLOTS:
     void missingMemoryIsReported();
     void otherDropsAreIgnored();
     void brokenPresetIsNotShown();
+    void presetIsChosenBackAtOnce();
     void sourceFileIsReloaded();
     void includeBelowMissingDirectoriesIsFound();
     void numberOutOfRangeIsReported();
@@ -1004,6 +1005,19 @@ void TestWindow::brokenPresetIsNotShown()
     presets->setCurrentText(u"gba-lcd"_s);
     waitForImage(*window);
     QTRY_COMPARE(view->grab().toImage(), before);
+    QVERIFY(window->findChild<QSlider *>(u"ghost_rise.slider"_s) != nullptr);
+}
+
+// While a frame is drawn, so that the other preset is never loaded.
+void TestWindow::presetIsChosenBackAtOnce()
+{
+    const auto window = open(u"gba-lcd"_s);
+    waitForImage(*window);
+    window->session().step();
+    auto *const presets = window->findChild<QComboBox *>(u"preset"_s);
+    presets->setCurrentText(u"stock"_s);
+    presets->setCurrentText(u"gba-lcd"_s);
+    waitForImage(*window);
     QVERIFY(window->findChild<QSlider *>(u"ghost_rise.slider"_s) != nullptr);
 }
 

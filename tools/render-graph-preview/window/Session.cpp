@@ -97,6 +97,7 @@ struct Session::Request
 {
     std::uint64_t number = 0;
     QString preset;
+    bool needsPreset = false; // even if it has not changed
     int revision = 0;
     ViewSettings view;
     Changes changes;
@@ -107,7 +108,7 @@ struct Session::Request
 struct Session::Result
 {
     std::uint64_t number = 0; // of the request
-    std::optional<PresetOnDisk> preset; // if it was loaded again
+    std::optional<PresetOnDisk> preset; // if it was loaded again or is needed
     bool isPresetLoaded = false;
     std::shared_ptr<const FrameResult> frame; // null after an error
     QString message;
@@ -212,17 +213,20 @@ private:
 
     void reloadPreset(const Request &request, Result &result)
     {
-        if (request.preset == m_requestedPreset && request.revision == m_revision)
+        if (request.preset != m_requestedPreset || request.revision != m_revision) {
+            m_requestedPreset = request.preset;
+            m_revision = request.revision;
+            m_presetError.clear();
+            m_isLoaded = loadPreset(m_shadersDir, request.preset, m_loaded, m_presetError);
+            if (m_isLoaded) {
+                m_player.setPreset(m_loaded);
+                m_tunedPlayer.setPreset(m_loaded);
+            }
+        } else if (!request.needsPreset) {
             return;
-        m_requestedPreset = request.preset;
-        m_revision = request.revision;
-        m_presetError.clear();
-        result.isPresetLoaded =
-                loadPreset(m_shadersDir, request.preset, result.preset.emplace(), m_presetError);
-        if (!result.isPresetLoaded)
-            return;
-        m_player.setPreset(*result.preset);
-        m_tunedPlayer.setPreset(*result.preset);
+        }
+        result.preset = m_loaded;
+        result.isPresetLoaded = m_isLoaded;
     }
 
     void reopenSource(const Request &request)
@@ -324,6 +328,8 @@ private:
 
     QString m_requestedPreset; // may be broken; the players have the last good one
     int m_revision = -1;
+    PresetOnDisk m_loaded; // the requested one
+    bool m_isLoaded = false;
     QString m_presetError;
     QString m_requestedSource; // likewise
     QString m_sourceError;
@@ -552,6 +558,7 @@ void Session::request(bool keepsHistories)
         m_slownessTimer.start();
     m_worker->request({.number = ++m_lastRequest,
                        .preset = m_preset,
+                       .needsPreset = m_loaded.name != m_preset,
                        .revision = m_revision,
                        .view = m_view,
                        .changes = changes(),
@@ -567,10 +574,12 @@ void Session::applyResult(const Result &result)
     if (isBusy())
         m_slownessTimer.start();
     if (result.preset && result.preset->name == m_preset) {
-        if (result.isPresetLoaded)
+        if (result.isPresetLoaded) {
             m_loaded = *result.preset;
-        else
+        } else {
+            m_loaded.name = m_preset;
             m_loaded.files = result.preset->files;
+        }
         watchFiles();
         if (result.isPresetLoaded)
             Q_EMIT parametersChanged();
