@@ -122,10 +122,11 @@ public:
 
     void initResources() override
     {
-        const vk::Instance instance = m_window.vulkanInstance()->vkInstance();
+        const VkInstance instance = m_window.vulkanInstance()->vkInstance();
         const auto getInstanceProcAddr = reinterpret_cast<PFN_vkGetInstanceProcAddr>(
                 m_window.vulkanInstance()->getInstanceProcAddr("vkGetInstanceProcAddr"));
-        VULKAN_HPP_DEFAULT_DISPATCHER.init(instance, getInstanceProcAddr, m_window.device());
+        VULKAN_HPP_DEFAULT_DISPATCHER.init(instance, getInstanceProcAddr);
+        VULKAN_HPP_DEFAULT_DISPATCHER.init(vk::Device(m_window.device()));
         const VulkanGraphRenderer::Device device{getInstanceProcAddr, instance,
                                                  m_window.physicalDevice(), m_window.device(),
                                                  m_window.graphicsQueueFamilyIndex()};

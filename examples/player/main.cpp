@@ -2,7 +2,6 @@
 
 #include <QCommandLineParser>
 #include <QGuiApplication>
-#include <QVersionNumber>
 
 VULKAN_HPP_DEFAULT_DISPATCH_LOADER_DYNAMIC_STORAGE
 
