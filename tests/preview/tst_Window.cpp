@@ -198,9 +198,9 @@ void TestWindow::savedFileIsReloaded_data()
     QTest::newRow("component, removed and written anew")
             << component << QByteArray("}") << red << true;
     QTest::newRow("include") << u"shaders/vulkan/include/component.glsl"_s
-                             << QByteArray("layout(location = 0) out vec4 fragColor;")
-                             << QByteArray("vec4 fragColor;\n"
-                                           "layout(location = 0) out vec4 swallowed;")
+                             << QByteArray("layout(location = 0) in vec2 texCoord;")
+                             << QByteArray("layout(location = 0) in vec2 given;\n"
+                                           "#define texCoord (0.5 * given)")
                              << false;
 }
 
