@@ -4,8 +4,6 @@
 #include <QDir>
 #include <QTemporaryDir>
 
-#include <vulkan/vulkan_raii.hpp>
-
 using namespace Qt::StringLiterals;
 
 // Draws every preset under Vulkan's validation layer with synchronization validation, which must
@@ -48,24 +46,25 @@ void TestValidation::cleanup()
 // Without this a layer that is not loaded would pass the test.
 void TestValidation::layerReportsHazards()
 {
-    const vk::raii::Context context;
-    const vk::raii::Instance instance(context, vk::InstanceCreateInfo());
-    const vk::raii::PhysicalDevice physical =
-            std::move(vk::raii::PhysicalDevices(instance).front());
-    const float priority = 1.0F;
-    const vk::DeviceQueueCreateInfo queue({}, 0, 1, &priority);
-    const vk::raii::Device device(physical, vk::DeviceCreateInfo({}, queue));
-    const vk::raii::CommandPool pool(device, vk::CommandPoolCreateInfo({}, 0));
-    const vk::raii::Buffer buffer(
-            device, vk::BufferCreateInfo({}, 16, vk::BufferUsageFlagBits::eTransferDst));
-    const vk::raii::DeviceMemory memory(
-            device, vk::MemoryAllocateInfo(buffer.getMemoryRequirements().size, 0));
-    buffer.bindMemory(*memory, 0);
-    const vk::raii::CommandBuffers commands(device, {*pool, vk::CommandBufferLevel::ePrimary, 1});
-    commands.front().begin(vk::CommandBufferBeginInfo());
-    commands.front().fillBuffer(*buffer, 0, 16, 1);
-    commands.front().fillBuffer(*buffer, 0, 16, 2); // without a barrier
-    commands.front().end();
+    std::unique_ptr<VulkanDevice> device;
+    std::unique_ptr<DeviceImage> image;
+    QString error;
+    QVERIFY2(VulkanDevice::open(softwareDevice(), device, error), qPrintable(error));
+    QVERIFY2(device->createImage({1, 1}, VK_FORMAT_R8G8B8A8_UNORM, VK_IMAGE_USAGE_TRANSFER_DST_BIT,
+                                 image, error),
+             qPrintable(error));
+    const VulkanGraphRenderer::Device handles = device->handles();
+    const auto clear = reinterpret_cast<PFN_vkCmdClearColorImage>(
+            handles.getInstanceProcAddr(handles.instance, "vkCmdClearColorImage"));
+    device->submitAndWait(
+            [&](VkCommandBuffer commands) {
+                const VkClearColorValue color = {};
+                const VkImageSubresourceRange range = {VK_IMAGE_ASPECT_COLOR_BIT, 0, 1, 0, 1};
+                for (int i = 0; i < 2; ++i) // without a barrier
+                    clear(commands, image->image(), VK_IMAGE_LAYOUT_GENERAL, &color, 1, &range);
+                return false; // not to be submitted
+            },
+            error);
     QVERIFY2(messages().contains("SYNC-HAZARD-WRITE"), messages().constData());
 }
 
