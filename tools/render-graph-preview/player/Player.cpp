@@ -49,6 +49,11 @@ void Player::setBackwards(bool isBackwards)
     m_state.frameDirection = isBackwards ? -1 : 1;
 }
 
+void Player::setFrameSeconds(float seconds)
+{
+    m_state.frameSeconds = seconds;
+}
+
 void Player::resetHistories()
 {
     if (m_renderer)
@@ -58,21 +63,37 @@ void Player::resetHistories()
 bool Player::drawFrame(int number, QString &error)
 {
     // The device may be lost, or there was no memory to go on.
-    auto release = qScopeGuard([this] {
-        m_renderer.reset();
-        m_hasGraph = false;
-        m_hasSource = false;
-    });
-    const bool isDrawn = tryDrawFrame(number, error);
+    auto failed = qScopeGuard([this] { release(); });
+    const bool isDrawn =
+            (m_renderer || OffscreenRenderer::create(m_device, m_outputs, m_renderer, error))
+            && prepareFrame(number, error) && m_renderer->drawFrame(m_state, error);
     if (isDrawn)
-        release.dismiss();
+        failed.dismiss();
     return isDrawn;
 }
 
-bool Player::tryDrawFrame(int number, QString &error)
+bool Player::recordFrame(const std::shared_ptr<VulkanDevice> &device, VkCommandBuffer commands,
+                         int submission, int number, QString &error)
 {
-    if (!m_renderer && !OffscreenRenderer::create(m_device, m_outputs, m_renderer, error))
-        return false;
+    auto failed = qScopeGuard([this] { release(); });
+    const bool isRecorded =
+            (m_renderer || OffscreenRenderer::create(device, m_outputs, m_renderer, error))
+            && prepareFrame(number, error)
+            && m_renderer->recordFrame(commands, submission, m_state, error);
+    if (isRecorded)
+        failed.dismiss();
+    return isRecorded;
+}
+
+void Player::release()
+{
+    m_renderer.reset();
+    m_hasGraph = false;
+    m_hasSource = false;
+}
+
+bool Player::prepareFrame(int number, QString &error)
+{
     if (!m_hasGraph && !m_renderer->setGraph(m_preset.graph, m_preset.modules, error))
         return false;
     m_hasGraph = true;
@@ -81,5 +102,5 @@ bool Player::tryDrawFrame(int number, QString &error)
         return false;
     m_hasSource = true;
     m_state.frameCount = std::uint32_t(number);
-    return m_renderer->drawFrame(m_state, error);
+    return true;
 }

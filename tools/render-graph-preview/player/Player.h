@@ -14,8 +14,8 @@
 #include <optional>
 
 // Draws the frames of a preset: with values of its parameters, from a source picture, on a Vulkan
-// device. Needs a preset and a source. The device is opened for the first frame, and again after it
-// failed.
+// device. Needs a preset and a source. Unless it is given one, the device is opened for the first
+// frame, and again after it failed.
 class Player
 {
 public:
@@ -47,6 +47,7 @@ public:
     void setHeadroom(std::optional<float> headroom); // empty: SDR
 
     void setBackwards(bool isBackwards); // the shaders' frameDirection
+    void setFrameSeconds(float seconds); // since the previous frame
 
     // The next frame is drawn as if the display had been showing its source for a long time.
     void resetHistories();
@@ -55,6 +56,13 @@ public:
     // failure returns false, with the reason in `error`.
     bool drawFrame(int number, QString &error);
 
+    // Records the same into the commands of a submission of that number on `device`, which it
+    // shares.
+    bool recordFrame(const std::shared_ptr<VulkanDevice> &device, VkCommandBuffer commands,
+                     int submission, int number, QString &error);
+    // Gives back all that it has on the device.
+    void release();
+
     // The renderer of the last frame; null if that failed.
     const OffscreenRenderer *renderer() const
     {
@@ -62,7 +70,7 @@ public:
     }
 
 private:
-    bool tryDrawFrame(int number, QString &error);
+    bool prepareFrame(int number, QString &error);
 
     QString m_device;
     OffscreenRenderer::Outputs m_outputs;

@@ -3,6 +3,7 @@
 #include <QFloat16>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <utility>
@@ -14,7 +15,7 @@ namespace {
 
 constexpr VkFormat kSourceFormat = VK_FORMAT_R32G32B32A32_SFLOAT;
 constexpr QImage::Format kPictureFormat = QImage::Format_RGBA32FPx4;
-constexpr VkImageLayout kTargetLayout = VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL;
+constexpr VkImageLayout kOutputLayout = VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL;
 
 float fromHalfBits(std::uint32_t bits)
 {
@@ -28,7 +29,15 @@ QRgbaFloat32 fromPackedFloats(std::uint32_t texel)
             fromHalfBits((texel >> 22U) << 5U), 1.0F};
 }
 
-// `pixels` has room for `count`.
+// The target's format has the precision of the final pass.
+VkFormat targetFormat(VulkanRenderGraph::Format format)
+{
+    return format == VulkanRenderGraph::Format::RGBA32F ? VK_FORMAT_R32G32B32A32_SFLOAT
+                                                        : VK_FORMAT_R16G16B16A16_SFLOAT;
+}
+
+} // namespace
+
 void readTexels(const void *texels, VulkanRenderGraph::Format format, QRgbaFloat32 *pixels,
                 std::size_t count)
 {
@@ -52,23 +61,21 @@ void readTexels(const void *texels, VulkanRenderGraph::Format format, QRgbaFloat
     }
 }
 
-// The target's format has the precision of the final pass.
-VkFormat targetFormat(VulkanRenderGraph::Format format)
-{
-    return format == VulkanRenderGraph::Format::RGBA32F ? VK_FORMAT_R32G32B32A32_SFLOAT
-                                                        : VK_FORMAT_R16G16B16A16_SFLOAT;
-}
-
-} // namespace
-
 class OffscreenRenderer::State
 {
 public:
-    State(std::unique_ptr<VulkanDevice> device, std::unique_ptr<VulkanGraphRenderer> renderer)
+    State(std::shared_ptr<VulkanDevice> device, std::unique_ptr<VulkanGraphRenderer> renderer)
         : m_device(std::move(device)),
           m_renderer(std::move(renderer))
     {
     }
+
+    ~State()
+    {
+        QString ignored;
+        m_device->waitForAll(ignored);
+    }
+    Q_DISABLE_COPY_MOVE(State)
 
     PhysicalDeviceInfo info() const
     {
@@ -77,6 +84,11 @@ public:
     bool setGraph(const VulkanRenderGraph &graph, const ShaderModules &modules, QString &error);
     bool setSource(const QImage &source, QString &error);
     bool drawFrame(const FrameState &state, QString &error);
+    bool recordFrame(VkCommandBuffer commands, int number, const FrameState &state, QString &error);
+    QList<std::optional<double>> milliseconds(int number) const
+    {
+        return m_renderer->milliseconds(number);
+    }
     void resetHistories()
     {
         m_renderer->resetHistories();
@@ -84,6 +96,12 @@ public:
     const QList<PassResult> &results() const
     {
         return m_results;
+    }
+    bool outputImage(int index, OutputImage &output, QString &error) const;
+    OutputImage sourceImage() const
+    {
+        return {m_source.image->image(), m_source.image->view(), m_source.image->size(),
+                VulkanRenderGraph::Format::RGBA32F};
     }
     bool output(int index, QImage &picture, QString &error) const;
     qint64 memoryHeld() const;
@@ -101,14 +119,16 @@ private:
     bool checkExtent(const QString &what, QSize size, QString &error) const;
     bool updateParameters(const QHash<QString, float> &params, QString &error);
     bool updateTarget(QSize size, QString &error);
+    bool recordSource(VkCommandBuffer commands, int number, QString &error);
 
-    std::unique_ptr<VulkanDevice> m_device;
+    std::shared_ptr<VulkanDevice> m_device;
     std::unique_ptr<VulkanGraphRenderer> m_renderer;
     VulkanGraphRenderer::PreparedGraph m_graph;
     std::vector<float> m_parameters; // of m_graph
     Registered<VulkanGraphRenderer::SourceId> m_source;
     Registered<VulkanGraphRenderer::TargetId> m_target;
-    bool m_hasNewSource = false;
+    QImage m_newSource; // null after its upload was recorded
+    std::array<std::shared_ptr<HostBuffer>, VulkanDevice::kFramesInFlight> m_uploads;
     QList<PassResult> m_results;
 };
 
@@ -141,15 +161,30 @@ bool OffscreenRenderer::State::setSource(const QImage &source, QString &error)
                                       VK_IMAGE_USAGE_SAMPLED_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT,
                                       added.image, error)
             || !m_renderer->addSource({added.image->view(), kSourceFormat, source.size()}, added.id,
-                                      error))
+                                      error)
+            || !m_device->waitForAll(error))
             return false;
         m_renderer->removeSource(m_source.id);
         std::swap(m_source, added);
     }
-    m_hasNewSource = true;
-    // Such rows have no padding.
-    return m_device->upload(*m_source.image, source.constBits(), std::size_t(source.sizeInBytes()),
-                            error);
+    m_newSource = source;
+    return true;
+}
+
+// Frames in flight may still read the image and the buffers of other numbers.
+bool OffscreenRenderer::State::recordSource(VkCommandBuffer commands, int number, QString &error)
+{
+    std::shared_ptr<HostBuffer> &upload = m_uploads.at(std::size_t(number));
+    if (m_newSource.isNull()) {
+        upload.reset();
+        return true;
+    }
+    const auto size = std::size_t(m_newSource.sizeInBytes()); // rows have no padding
+    if ((!upload || upload->size() != size)
+        && !m_device->createBuffer(size, VulkanDevice::Transfer::Upload, upload, error))
+        return false;
+    std::memcpy(upload->data(), m_newSource.constBits(), size);
+    return m_device->recordUpload(commands, *upload, *m_source.image, error);
 }
 
 bool OffscreenRenderer::State::checkExtent(const QString &what, QSize size, QString &error) const
@@ -185,15 +220,17 @@ bool OffscreenRenderer::State::updateTarget(QSize size, QString &error)
     Registered<VulkanGraphRenderer::TargetId> added;
     added.format = format;
     if (!checkExtent(u"the picture"_s, size, error)
-        || !m_device->createImage(
-                size, format, VK_IMAGE_USAGE_COLOR_ATTACHMENT_BIT | VK_IMAGE_USAGE_TRANSFER_SRC_BIT,
-                added.image, error)
+        || !m_device->createImage(size, format,
+                                  VK_IMAGE_USAGE_COLOR_ATTACHMENT_BIT | VK_IMAGE_USAGE_SAMPLED_BIT
+                                          | VK_IMAGE_USAGE_TRANSFER_SRC_BIT,
+                                  added.image, error)
         || !m_renderer->addTarget({.view = added.image->view(),
                                    .format = format,
                                    .size = size,
-                                   .layoutAfter = kTargetLayout,
-                                   .layoutBefore = kTargetLayout},
-                                  added.id, error))
+                                   .layoutAfter = kOutputLayout,
+                                   .layoutBefore = kOutputLayout},
+                                  added.id, error)
+        || !m_device->waitForAll(error))
         return false;
     m_renderer->removeTarget(m_target.id);
     std::swap(m_target, added);
@@ -201,6 +238,20 @@ bool OffscreenRenderer::State::updateTarget(QSize size, QString &error)
 }
 
 bool OffscreenRenderer::State::drawFrame(const FrameState &state, QString &error)
+{
+    const auto record = [&](VkCommandBuffer commands) {
+        return recordFrame(commands, 0, state, error);
+    };
+    if (!m_device->submit(0, record, error) || !m_device->wait(0, nullptr, error))
+        return false;
+    const QList<std::optional<double>> times = m_renderer->milliseconds(0);
+    for (int index = 0; index < m_results.size(); ++index)
+        m_results[index].milliseconds = times.value(index);
+    return true;
+}
+
+bool OffscreenRenderer::State::recordFrame(VkCommandBuffer commands, int number,
+                                           const FrameState &state, QString &error)
 {
     const char *const missing = m_graph.graph().passes.isEmpty() ? "there is no graph to draw"
             : !m_source.image                                    ? "there is no source picture"
@@ -213,8 +264,9 @@ bool OffscreenRenderer::State::drawFrame(const FrameState &state, QString &error
     if (!updateParameters(state.params, error) || !updateTarget(state.viewport, error))
         return false;
     VulkanGraphRenderer::Frame frame;
+    frame.frameInFlight = number;
     frame.source = m_source.id;
-    frame.hasNewSource = m_hasNewSource;
+    frame.hasNewSource = !m_newSource.isNull();
     frame.target = m_target.id;
     frame.parameters = m_parameters.data();
     frame.frameCount = state.frameCount;
@@ -223,59 +275,70 @@ bool OffscreenRenderer::State::drawFrame(const FrameState &state, QString &error
     frame.isHdr = state.hdrOutputActive;
     frame.hdrHeadroom = state.hdrHeadroom;
     frame.hasTimestamps = true;
-    if (!m_device->submitAndWait(
-                [&](VkCommandBuffer commands) {
-                    return m_renderer->record(commands, m_graph, frame, error);
-                },
-                error))
+    if (!recordSource(commands, number, error)
+        || !m_renderer->record(commands, m_graph, frame, error))
         return false;
-    m_hasNewSource = false;
+    m_newSource = {};
     m_results.clear();
     const QList<VulkanGraphRenderer::PassState> passes = m_renderer->passes();
-    const QList<std::optional<double>> times = m_renderer->milliseconds(0);
     for (int index = 0; index < passes.size(); ++index) {
         const VulkanGraphRenderer::PassState &pass = passes.at(index);
         m_results.append({.kind = pass.kind,
                           .size = pass.size,
                           .format = m_graph.graph().passes.at(index).format,
                           .bytes = pass.bytes,
-                          .milliseconds = times.value(index)});
+                          .milliseconds = {}});
     }
     return true;
 }
 
-bool OffscreenRenderer::State::output(int index, QImage &picture, QString &error) const
+bool OffscreenRenderer::State::outputImage(int index, OutputImage &output, QString &error) const
 {
     if (index < 0 || index >= m_results.size()) {
         error = "no pass %1 in the last frame"_L1.arg(QString::number(index));
         return false;
     }
     const PassResult &pass = m_results.at(index);
-    QImage read(pass.size, kPictureFormat);
+    output = {.size = pass.size,
+              .format = pass.format,
+              .blackAlpha = m_graph.graph().passes.at(index).constantBlackAlpha};
+    if (pass.kind == PassKind::ConstantBlack)
+        return true;
+    if (index == m_results.size() - 1) {
+        output.image = m_target.image->image();
+        output.view = m_target.image->view();
+    } else {
+        const VulkanGraphRenderer::Output kept = m_renderer->output(index);
+        output.image = kept.image;
+        output.view = kept.view;
+    }
+    if (output.image != VK_NULL_HANDLE)
+        return true;
+    error = "the output of pass %1 was not kept"_L1.arg(QString::number(index));
+    return false;
+}
+
+bool OffscreenRenderer::State::output(int index, QImage &picture, QString &error) const
+{
+    OutputImage output;
+    if (!outputImage(index, output, error))
+        return false;
+    QImage read(output.size, kPictureFormat);
     if (read.isNull()) {
         error = u"not enough memory: choose a smaller size or source"_s;
         return false;
     }
     auto *const pixels = reinterpret_cast<QRgbaFloat32 *>(read.bits()); // rows have no padding
     const std::size_t count = std::size_t(read.width()) * std::size_t(read.height());
-    if (pass.kind == PassKind::ConstantBlack) {
-        const float alpha = m_graph.graph().passes.at(index).constantBlackAlpha;
-        std::fill_n(pixels, count, QRgbaFloat32{0.0F, 0.0F, 0.0F, alpha});
-        picture = read;
-        return true;
+    if (output.image == VK_NULL_HANDLE) {
+        std::fill_n(pixels, count, QRgbaFloat32{0.0F, 0.0F, 0.0F, output.blackAlpha});
+    } else {
+        std::vector<std::uint8_t> texels(std::size_t(m_results.at(index).bytes));
+        if (!m_device->download(output.image, kOutputLayout, output.size, texels.data(),
+                                texels.size(), error))
+            return false;
+        readTexels(texels.data(), output.format, pixels, count);
     }
-    const bool isTarget = index == m_results.size() - 1;
-    const VkImage image = isTarget ? m_target.image->image() : m_renderer->output(index).image;
-    if (image == VK_NULL_HANDLE) {
-        error = "the output of pass %1 was not kept"_L1.arg(QString::number(index));
-        return false;
-    }
-    std::vector<std::uint8_t> texels(std::size_t(pass.bytes));
-    if (!m_device->download(image,
-                            isTarget ? kTargetLayout : VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL,
-                            pass.size, texels.data(), texels.size(), error))
-        return false;
-    readTexels(texels.data(), pass.format, pixels, count);
     picture = read;
     return true;
 }
@@ -305,14 +368,20 @@ bool OffscreenRenderer::create(const QString &device, Outputs outputs,
                                std::unique_ptr<OffscreenRenderer> &renderer, QString &error)
 {
     std::unique_ptr<VulkanDevice> opened;
+    return VulkanDevice::open(device, opened, error)
+            && create(std::move(opened), outputs, renderer, error);
+}
+
+bool OffscreenRenderer::create(std::shared_ptr<VulkanDevice> device, Outputs outputs,
+                               std::unique_ptr<OffscreenRenderer> &renderer, QString &error)
+{
     std::unique_ptr<VulkanGraphRenderer> created;
-    const VulkanGraphRenderer::Options options = {.framesInFlight = 1,
+    const VulkanGraphRenderer::Options options = {.framesInFlight = VulkanDevice::kFramesInFlight,
                                                   .keepsOutputs = outputs == Outputs::All};
-    if (!VulkanDevice::open(device, opened, error)
-        || !VulkanGraphRenderer::create(opened->handles(), options, created, error))
+    if (!VulkanGraphRenderer::create(device->handles(), options, created, error))
         return false;
     renderer.reset(
-            new OffscreenRenderer(std::make_unique<State>(std::move(opened), std::move(created))));
+            new OffscreenRenderer(std::make_unique<State>(std::move(device), std::move(created))));
     return true;
 }
 
@@ -341,6 +410,17 @@ bool OffscreenRenderer::drawFrame(const FrameState &state, QString &error)
     return m_state->drawFrame(state, error);
 }
 
+bool OffscreenRenderer::recordFrame(VkCommandBuffer commands, int number, const FrameState &state,
+                                    QString &error)
+{
+    return m_state->recordFrame(commands, number, state, error);
+}
+
+QList<std::optional<double>> OffscreenRenderer::milliseconds(int number) const
+{
+    return m_state->milliseconds(number);
+}
+
 void OffscreenRenderer::resetHistories()
 {
     m_state->resetHistories();
@@ -349,6 +429,16 @@ void OffscreenRenderer::resetHistories()
 QList<PassResult> OffscreenRenderer::passes() const
 {
     return m_state->results();
+}
+
+bool OffscreenRenderer::outputImage(int pass, OutputImage &output, QString &error) const
+{
+    return m_state->outputImage(pass, output, error);
+}
+
+OutputImage OffscreenRenderer::sourceImage() const
+{
+    return m_state->sourceImage();
 }
 
 bool OffscreenRenderer::output(int pass, QImage &picture, QString &error) const

@@ -44,7 +44,21 @@ struct PassResult
 };
 QLatin1StringView nameOf(PassKind kind); // "drawn", "unchanged", "black" or "left out"
 
-// Draws a graph on a device of its own, and reads the outputs back. Not thread-safe.
+// What is in an image of the device after a frame, in the layout for sampling.
+struct OutputImage
+{
+    VkImage image = VK_NULL_HANDLE; // null: constant black
+    VkImageView view = VK_NULL_HANDLE;
+    QSize size; // of the pass, also where it is black
+    VulkanRenderGraph::Format format = VulkanRenderGraph::Format::RGBA16F;
+    float blackAlpha = 1.0F;
+};
+
+// Converts texels as a transfer reads them. `pixels` has room for `count`.
+void readTexels(const void *texels, VulkanRenderGraph::Format format, QRgbaFloat32 *pixels,
+                std::size_t count);
+
+// Draws a graph, and reads the outputs back. Not thread-safe.
 //
 // Pictures are images of QImage::Format_RGBA32FPx4. Whether their colours are gamma-encoded or
 // linear depends on the pass that drew them; 1.0 is reference white in both.
@@ -63,6 +77,11 @@ public:
     static bool create(const QString &device, Outputs outputs,
                        std::unique_ptr<OffscreenRenderer> &renderer, QString &error);
 
+    // On a device that it shares with others of the same thread.
+    static bool create(std::shared_ptr<VulkanDevice> device, Outputs outputs,
+                       std::unique_ptr<OffscreenRenderer> &renderer, QString &error);
+
+    // Waits until all that the device was given is done.
     ~OffscreenRenderer();
     Q_DISABLE_COPY_MOVE(OffscreenRenderer)
 
@@ -72,16 +91,28 @@ public:
     // stays.
     bool setGraph(const VulkanRenderGraph &graph, const ShaderModules &modules, QString &error);
 
-    // Sets the picture that enters the graph, from the next frame on.
+    // Sets the picture that enters the graph, from the next frame on, which fails if there is no
+    // memory for it.
     bool setSource(const QImage &source, QString &error);
 
     // Draws all passes and waits until they are done. Needs a graph and a source.
     bool drawFrame(const FrameState &state, QString &error);
 
+    // Records all passes into the commands of a submission of that number: see VulkanDevice. The
+    // frame's passes have no times yet.
+    bool recordFrame(VkCommandBuffer commands, int number, const FrameState &state, QString &error);
+
+    // The time of each pass in the last frame of that number, when it is done.
+    QList<std::optional<double>> milliseconds(int number) const;
+
     void resetHistories();
 
     // The passes of the last frame. The last one is what is shown. Empty before the first frame.
     QList<PassResult> passes() const;
+
+    // The output of a pass in the last frame, and what it was drawn from, until the next frame.
+    bool outputImage(int pass, OutputImage &output, QString &error) const;
+    OutputImage sourceImage() const;
 
     // The output of a pass in the last frame.
     bool output(int pass, QImage &picture, QString &error) const;

@@ -1,5 +1,7 @@
 #include "VulkanDevice.h"
 
+#include "VulkanCalls.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -8,8 +10,6 @@
 #include <optional>
 #include <utility>
 #include <vector>
-
-#include <vulkan/vulkan_raii.hpp>
 
 using namespace Qt::StringLiterals;
 
@@ -25,36 +25,6 @@ struct PhysicalDevice
     std::uint32_t queueFamily;
     PhysicalDeviceInfo info;
 };
-
-// Host-visible memory for transfers.
-struct StagingBuffer
-{
-    vk::raii::DeviceMemory memory = nullptr;
-    vk::raii::Buffer buffer = nullptr;
-    void *mapped = nullptr;
-    bool isCoherent = true;
-};
-
-// Runs Vulkan calls. Their exceptions end here, as an error text.
-template<typename Action>
-bool runVulkan(QString &error, const Action &action)
-{
-    try {
-        action();
-        return true;
-    } catch (const vk::DeviceLostError &) {
-        error = u"the Vulkan device was lost: start again, or choose another one"_s;
-    } catch (const vk::OutOfDeviceMemoryError &) {
-        error = u"the Vulkan device has not enough memory: choose a smaller size or source"_s;
-    } catch (const vk::OutOfHostMemoryError &) {
-        error = u"not enough memory: choose a smaller size or source"_s;
-    } catch (const std::bad_alloc &) {
-        error = u"not enough memory: choose a smaller size or source"_s;
-    } catch (const std::exception &exception) {
-        error = "Vulkan: "_L1 + QString::fromLocal8Bit(exception.what());
-    }
-    return false;
-}
 
 vk::raii::Instance createInstance(const vk::raii::Context &context)
 {
@@ -138,6 +108,14 @@ vk::raii::Device createDevice(const PhysicalDevice &device)
     return {device.physical, vk::DeviceCreateInfo({}, queue)};
 }
 
+// Commands, and whether they are done.
+struct Submission
+{
+    vk::raii::CommandBuffer commands = nullptr;
+    vk::raii::Fence done = nullptr;
+    bool isPending = false;
+};
+
 vk::raii::CommandBuffer createCommands(const vk::raii::Device &device,
                                        const vk::raii::CommandPool &pool)
 {
@@ -165,23 +143,26 @@ LayoutUse useOf(Layout layout)
     }
 }
 
-void transitionLayout(const vk::raii::CommandBuffer &commands, VkImage image, Layout from,
-                      Layout to)
+void transitionLayout(const vk::raii::Device &device, VkCommandBuffer commands, VkImage image,
+                      Layout from, Layout to)
 {
     const LayoutUse before = useOf(from);
     const LayoutUse after = useOf(to);
-    commands.pipelineBarrier(before.stages, after.stages, {}, {}, {},
-                             vk::ImageMemoryBarrier(before.access, after.access, from, to,
-                                                    VK_QUEUE_FAMILY_IGNORED,
-                                                    VK_QUEUE_FAMILY_IGNORED, image,
-                                                    {vk::ImageAspectFlagBits::eColor, 0, 1, 0, 1}));
+    const vk::ImageMemoryBarrier barrier(before.access, after.access, from, to,
+                                         VK_QUEUE_FAMILY_IGNORED, VK_QUEUE_FAMILY_IGNORED, image,
+                                         {vk::ImageAspectFlagBits::eColor, 0, 1, 0, 1});
+    vk::CommandBuffer(commands).pipelineBarrier(before.stages, after.stages, {}, {}, {}, barrier,
+                                                *device.getDispatcher());
 }
 
-vk::BufferImageCopy wholeImage(QSize size)
+vk::BufferImageCopy copyOf(const QRect &rectangle, std::size_t offset = 0)
 {
-    return {0,  0,
-            0,  {vk::ImageAspectFlagBits::eColor, 0, 0, 1},
-            {}, {std::uint32_t(size.width()), std::uint32_t(size.height()), 1}};
+    return {offset,
+            0,
+            0,
+            {vk::ImageAspectFlagBits::eColor, 0, 0, 1},
+            {rectangle.x(), rectangle.y(), 0},
+            {std::uint32_t(rectangle.width()), std::uint32_t(rectangle.height()), 1}};
 }
 
 } // namespace
@@ -232,9 +213,10 @@ struct VulkanDevice::State
           commandPool(
                   device,
                   {vk::CommandPoolCreateFlagBits::eResetCommandBuffer, physicalDevice.queueFamily}),
-          commands(createCommands(device, commandPool)),
-          done(device, vk::FenceCreateInfo())
+          submissions(kFramesInFlight + 1)
     {
+        for (Submission &submission : submissions)
+            submission = {createCommands(device, commandPool), {device, vk::FenceCreateInfo()}};
     }
 
     // Memory of the first type that has all of `flags` and, if there is one, also `wanted`.
@@ -253,27 +235,12 @@ struct VulkanDevice::State
         throw vk::OutOfDeviceMemoryError("no memory of the kind that is needed");
     }
 
-    // Whoever reads asks for cached memory: uncached reads are slow on most devices.
-    StagingBuffer createStagingBuffer(std::size_t size, vk::BufferUsageFlags usage) const
+    void wait(Submission &submission) const
     {
-        const bool isRead = bool(usage & vk::BufferUsageFlagBits::eTransferDst);
-        StagingBuffer staging;
-        staging.buffer = vk::raii::Buffer(device, vk::BufferCreateInfo({}, size, usage));
-        vk::MemoryPropertyFlags found;
-        staging.memory = allocate(staging.buffer.getMemoryRequirements(), Memory::eHostVisible,
-                                  isRead ? Memory::eHostCached : Memory::eHostCoherent, found);
-        staging.isCoherent = bool(found & Memory::eHostCoherent);
-        staging.buffer.bindMemory(*staging.memory, 0);
-        staging.mapped = staging.memory.mapMemory(0, VK_WHOLE_SIZE);
-        return staging;
-    }
-
-    void submitAndWait() const
-    {
-        device.resetFences(*done);
-        queue.submit(vk::SubmitInfo({}, {}, *commands), *done);
-        const vk::Result result =
-                device.waitForFences(*done, VK_TRUE, std::numeric_limits<std::uint64_t>::max());
+        if (!std::exchange(submission.isPending, false))
+            return;
+        const vk::Result result = device.waitForFences(*submission.done, VK_TRUE,
+                                                       std::numeric_limits<std::uint64_t>::max());
         if (result != vk::Result::eSuccess)
             throw vk::DeviceLostError("a fence that never ends");
     }
@@ -285,9 +252,37 @@ struct VulkanDevice::State
     vk::raii::Device device;
     vk::raii::Queue queue;
     vk::raii::CommandPool commandPool;
-    vk::raii::CommandBuffer commands;
-    vk::raii::Fence done;
+    std::vector<Submission> submissions; // the last one is for upload() and download()
 };
+
+struct HostBuffer::Data
+{
+    std::shared_ptr<const VulkanDevice::State> device;
+    vk::raii::DeviceMemory memory = nullptr;
+    vk::raii::Buffer buffer = nullptr;
+    std::size_t size = 0;
+    void *mapped = nullptr;
+    bool isCoherent = true;
+};
+
+HostBuffer::HostBuffer(std::unique_ptr<Data> data) : m_data(std::move(data)) { }
+
+HostBuffer::~HostBuffer() = default;
+
+VkBuffer HostBuffer::buffer() const
+{
+    return *m_data->buffer;
+}
+
+std::size_t HostBuffer::size() const
+{
+    return m_data->size;
+}
+
+void *HostBuffer::data() const
+{
+    return m_data->mapped;
+}
 
 bool VulkanDevice::list(QList<PhysicalDeviceInfo> &devices, QString &error)
 {
@@ -317,12 +312,12 @@ bool VulkanDevice::open(const QString &device, std::unique_ptr<VulkanDevice> &op
     }
     return runVulkan(error, [&] {
         opened.reset(new VulkanDevice(
-                std::make_unique<State>(std::move(*context), std::move(instance),
+                std::make_shared<State>(std::move(*context), std::move(instance),
                                         std::move(devices.at(std::size_t(index))))));
     });
 }
 
-VulkanDevice::VulkanDevice(std::unique_ptr<State> state) : m_state(std::move(state)) { }
+VulkanDevice::VulkanDevice(std::shared_ptr<State> state) : m_state(std::move(state)) { }
 
 VulkanDevice::~VulkanDevice() = default;
 
@@ -338,6 +333,20 @@ VulkanGraphRenderer::Device VulkanDevice::handles() const
             .physicalDevice = *m_state->physicalDevice.physical,
             .device = *m_state->device,
             .queueFamily = m_state->physicalDevice.queueFamily};
+}
+
+const vk::raii::Device &VulkanDevice::raiiDevice() const
+{
+    return m_state->device;
+}
+
+double VulkanDevice::timestampPeriod() const
+{
+    const vk::raii::PhysicalDevice &physical = m_state->physicalDevice.physical;
+    const std::uint32_t family = m_state->physicalDevice.queueFamily;
+    return physical.getQueueFamilyProperties().at(family).timestampValidBits == 0
+            ? 0.0
+            : double(physical.getProperties().limits.timestampPeriod);
 }
 
 bool VulkanDevice::createImage(QSize size, VkFormat format, VkImageUsageFlags usage,
@@ -367,64 +376,130 @@ bool VulkanDevice::createImage(QSize size, VkFormat format, VkImageUsageFlags us
     });
 }
 
+bool VulkanDevice::createBuffer(std::size_t size, Transfer transfer,
+                                std::shared_ptr<HostBuffer> &buffer, QString &error) const
+{
+    return runVulkan(error, [&] {
+        const vk::raii::Device &device = m_state->device;
+        // Uncached reads are slow on most devices.
+        const bool isRead = transfer == Transfer::Download;
+        auto data = std::make_unique<HostBuffer::Data>();
+        data->device = m_state;
+        data->size = size;
+        data->buffer = vk::raii::Buffer(
+                device,
+                vk::BufferCreateInfo({}, size,
+                                     isRead ? vk::BufferUsageFlagBits::eTransferDst
+                                            : vk::BufferUsageFlagBits::eTransferSrc));
+        vk::MemoryPropertyFlags found;
+        data->memory =
+                m_state->allocate(data->buffer.getMemoryRequirements(), Memory::eHostVisible,
+                                  isRead ? Memory::eHostCached : Memory::eHostCoherent, found);
+        data->isCoherent = bool(found & Memory::eHostCoherent);
+        data->buffer.bindMemory(*data->memory, 0);
+        data->mapped = data->memory.mapMemory(0, VK_WHOLE_SIZE);
+        buffer.reset(new HostBuffer(std::move(data)));
+    });
+}
+
 bool VulkanDevice::upload(const DeviceImage &image, const void *texels, std::size_t size,
                           QString &error)
 {
+    std::shared_ptr<HostBuffer> staging;
+    if (!createBuffer(size, Transfer::Upload, staging, error))
+        return false;
+    std::memcpy(staging->data(), texels, size);
+    return submit(
+                   kFramesInFlight,
+                   [&](VkCommandBuffer commands) {
+                       return recordUpload(commands, *staging, image, error);
+                   },
+                   error)
+            && wait(kFramesInFlight, nullptr, error);
+}
+
+bool VulkanDevice::recordUpload(VkCommandBuffer commands, const HostBuffer &texels,
+                                const DeviceImage &image, QString &error) const
+{
     return runVulkan(error, [&] {
-        const StagingBuffer staging =
-                m_state->createStagingBuffer(size, vk::BufferUsageFlagBits::eTransferSrc);
-        std::memcpy(staging.mapped, texels, size);
-        if (!staging.isCoherent)
+        if (!texels.m_data->isCoherent)
             m_state->device.flushMappedMemoryRanges(
-                    vk::MappedMemoryRange(*staging.memory, 0, VK_WHOLE_SIZE));
-        const vk::raii::CommandBuffer &commands = m_state->commands;
-        commands.begin({vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
-        transitionLayout(commands, image.image(), Layout::eUndefined, Layout::eTransferDstOptimal);
-        commands.copyBufferToImage(*staging.buffer, image.image(), Layout::eTransferDstOptimal,
-                                   wholeImage(image.size()));
-        transitionLayout(commands, image.image(), Layout::eTransferDstOptimal,
+                    vk::MappedMemoryRange(*texels.m_data->memory, 0, VK_WHOLE_SIZE));
+        transitionLayout(m_state->device, commands, image.image(), Layout::eUndefined,
+                         Layout::eTransferDstOptimal);
+        vk::CommandBuffer(commands).copyBufferToImage(
+                texels.buffer(), image.image(), Layout::eTransferDstOptimal,
+                copyOf({QPoint(), image.size()}), *m_state->device.getDispatcher());
+        transitionLayout(m_state->device, commands, image.image(), Layout::eTransferDstOptimal,
                          Layout::eShaderReadOnlyOptimal);
-        commands.end();
-        m_state->submitAndWait();
     });
+}
+
+void VulkanDevice::recordDownload(VkCommandBuffer commands, VkImage image, VkImageLayout layout,
+                                  const QRect &rectangle, const HostBuffer &texels,
+                                  std::size_t offset) const
+{
+    const vk::CommandBuffer recorded(commands);
+    const auto &dispatcher = *m_state->device.getDispatcher();
+    transitionLayout(m_state->device, commands, image, Layout(layout), Layout::eTransferSrcOptimal);
+    recorded.copyImageToBuffer(image, Layout::eTransferSrcOptimal, texels.buffer(),
+                               copyOf(rectangle, offset), dispatcher);
+    transitionLayout(m_state->device, commands, image, Layout::eTransferSrcOptimal, Layout(layout));
+    recorded.pipelineBarrier(
+            vk::PipelineStageFlagBits::eTransfer, vk::PipelineStageFlagBits::eHost, {},
+            vk::MemoryBarrier(vk::AccessFlagBits::eTransferWrite, vk::AccessFlagBits::eHostRead),
+            {}, {}, dispatcher);
 }
 
 bool VulkanDevice::download(VkImage image, VkImageLayout layout, QSize extent, void *texels,
                             std::size_t size, QString &error)
 {
-    return runVulkan(error, [&] {
-        const StagingBuffer staging =
-                m_state->createStagingBuffer(size, vk::BufferUsageFlagBits::eTransferDst);
-        const vk::raii::CommandBuffer &commands = m_state->commands;
-        commands.begin({vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
-        transitionLayout(commands, image, Layout(layout), Layout::eTransferSrcOptimal);
-        commands.copyImageToBuffer(image, Layout::eTransferSrcOptimal, *staging.buffer,
-                                   wholeImage(extent));
-        transitionLayout(commands, image, Layout::eTransferSrcOptimal, Layout(layout));
-        commands.pipelineBarrier(vk::PipelineStageFlagBits::eTransfer,
-                                 vk::PipelineStageFlagBits::eHost, {},
-                                 vk::MemoryBarrier(vk::AccessFlagBits::eTransferWrite,
-                                                   vk::AccessFlagBits::eHostRead),
-                                 {}, {});
-        commands.end();
-        m_state->submitAndWait();
-        if (!staging.isCoherent)
-            m_state->device.invalidateMappedMemoryRanges(
-                    vk::MappedMemoryRange(*staging.memory, 0, VK_WHOLE_SIZE));
-        std::memcpy(texels, staging.mapped, size);
-    });
+    std::shared_ptr<HostBuffer> staging;
+    const auto record = [&](VkCommandBuffer commands) {
+        recordDownload(commands, image, layout, {QPoint(), extent}, *staging, 0);
+        return true;
+    };
+    if (!createBuffer(size, Transfer::Download, staging, error)
+        || !submit(kFramesInFlight, record, error) || !wait(kFramesInFlight, staging.get(), error))
+        return false;
+    std::memcpy(texels, staging->data(), size);
+    return true;
 }
 
-bool VulkanDevice::submitAndWait(const std::function<bool(VkCommandBuffer)> &record, QString &error)
+bool VulkanDevice::submit(int number, const std::function<bool(VkCommandBuffer)> &record,
+                          QString &error)
 {
     bool isRecorded = false;
     const bool isDone = runVulkan(error, [&] {
-        const vk::raii::CommandBuffer &commands = m_state->commands;
-        commands.begin({vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
-        isRecorded = record(*commands);
-        commands.end();
-        if (isRecorded)
-            m_state->submitAndWait();
+        Submission &submission = m_state->submissions.at(std::size_t(number));
+        m_state->wait(submission);
+        submission.commands.reset(); // an error may have ended the recording
+        submission.commands.begin({vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
+        isRecorded = record(*submission.commands);
+        submission.commands.end();
+        if (!isRecorded)
+            return;
+        m_state->device.resetFences(*submission.done);
+        m_state->queue.submit(vk::SubmitInfo({}, {}, *submission.commands), *submission.done);
+        submission.isPending = true;
     });
     return isDone && isRecorded;
+}
+
+bool VulkanDevice::wait(int number, const HostBuffer *written, QString &error)
+{
+    return runVulkan(error, [&] {
+        m_state->wait(m_state->submissions.at(std::size_t(number)));
+        if (written != nullptr && !written->m_data->isCoherent)
+            m_state->device.invalidateMappedMemoryRanges(
+                    vk::MappedMemoryRange(*written->m_data->memory, 0, VK_WHOLE_SIZE));
+    });
+}
+
+bool VulkanDevice::waitForAll(QString &error)
+{
+    return runVulkan(error, [&] {
+        for (Submission &submission : m_state->submissions)
+            m_state->wait(submission);
+    });
 }

@@ -4,45 +4,62 @@
 
 #include <QWidget>
 
-// Shows a frame: enlarged by an integer, in pixels of the screen, or as large as fits. If it is
-// compared with another picture, that one is shown left of a split line, which can be dragged or
-// moved with [ and ].
+// Shows a frame's view, and has what it is shown with: enlarged by an integer, in pixels of the
+// screen, or as large as fits. The wheel zooms at the pointer, dragging moves the picture or the
+// split line of a comparison. Keys: 1 and F zoom, the arrows move the pixel that is read, [ and ]
+// the split line, M changes the comparison, Space shows what is compared with while it is held, E
+// and Shift+E change the exposure, and R, G, B and A show one channel.
 class PictureView : public QWidget
 {
     Q_OBJECT
 
 public:
-    static constexpr int kFitToWindow = 0;
+    static constexpr int kZooms[] = {DisplaySettings::kFit, 1, 2, 3, 4, 6, 8};
 
     explicit PictureView(QWidget *parent = nullptr);
 
     // `preset` is the one that was chosen: the picture says if it is another's.
-    void setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &preset,
-                  const QString &comparedName);
-    void setZoom(int zoom); // or kFitToWindow
+    void setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &preset);
+    void setZoom(int zoom);
 
-    // The rectangle of the picture, in pixels of the screen.
-    QRect pictureRect() const;
+    // Sets all but the pass, what is compared with and the size of thumbnails.
+    void update(DisplaySettings &display) const;
+
+    QSize sizeInPixels() const; // of the screen
+    // How the shown frame is zoomed, such as "fit, 0.73:1, averaged".
+    QString zoomText() const;
+    // What the last frame took to be painted, in milliseconds.
+    double paintMilliseconds() const
+    {
+        return m_paintMilliseconds;
+    }
 
 Q_SIGNALS:
-    // The mouse or the arrow keys moved to this pixel of the picture.
-    void pixelHovered(QPoint pixel);
+    void displayChanged();
+    void zoomChanged(int zoom);
+    void resized();
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
 
 private:
-    void updateSize();
-    void moveToPixel(QPoint pixel);
-    int splitX() const;
+    double shownZoom() const;
+    void zoomAt(QPointF position, int zoom);
+    void moveSplit(double split);
+    bool moveToPixel(QPoint pixel);
+    QRect placementAt(QPointF position) const;
 
     std::shared_ptr<const FrameResult> m_frame;
     QString m_preset;
-    QString m_comparedName;
-    int m_zoom = kFitToWindow;
-    double m_split = 0.5; // of the width
-    QPoint m_pixel;
+    DisplaySettings m_display;
+    bool m_showsOther = false;
+    bool m_isSplitDragged = false;
+    QPointF m_dragged; // in pixels of the screen
+    double m_paintMilliseconds = 0.0;
 };

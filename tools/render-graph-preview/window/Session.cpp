@@ -1,15 +1,16 @@
 #include "Session.h"
 
+#include <GlslCompiler.h>
 #include <Player.h>
 #include <TestPictures.h>
 #include <Tuning.h>
 
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QUndoCommand>
 #include <QUndoStack>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <condition_variable>
 #include <mutex>
@@ -24,31 +25,27 @@ namespace {
 constexpr int kReloadDebounceMilliseconds = 50;
 constexpr int kSlowMilliseconds = 500;
 constexpr double kFramesPerSecond = 60.0;
-
-// Compresses HDR light into SDR, gamma-encoded: up to reference white it gets a little darker, to
-// make room for the headroom above. Does nothing at a headroom of 1.
-float toneMapped(float linear, float headroom)
-{
-    const float light = std::max(0.0F, linear);
-    return std::pow(light * (1.0F + light / (headroom * headroom)) / (1.0F + light), 1.0F / 2.2F);
-}
-
-QImage shownImage(const QImage &picture, std::optional<float> headroom)
-{
-    if (!headroom)
-        return displayImage(picture);
-    QImage mapped = newImage(picture.size(), picture.format());
-    for (int y = 0; y < mapped.height(); ++y) {
-        const auto *const linear = reinterpret_cast<const QRgbaFloat32 *>(picture.constScanLine(y));
-        auto *const row = reinterpret_cast<QRgbaFloat32 *>(mapped.scanLine(y));
-        for (int x = 0; x < mapped.width(); ++x)
-            row[x] = {toneMapped(linear[x].r, *headroom), toneMapped(linear[x].g, *headroom),
-                      toneMapped(linear[x].b, *headroom), linear[x].a};
-    }
-    return displayImage(mapped);
-}
+constexpr int kThumbnailMilliseconds = 250; // at least, between two of a picture that moves
 
 } // namespace
+
+QRect placePicture(QSize picture, QSize view, const DisplaySettings &display)
+{
+    QSize room = view;
+    if (display.state.comparison == ViewState::Comparison::SideBySide)
+        room.setWidth(std::max(1, room.width() / 2));
+    const QSize shown = display.zoom == DisplaySettings::kFit
+            ? picture.scaled(room, Qt::KeepAspectRatio)
+            : picture * display.zoom;
+    const auto begin = [](int length, int within, double center) {
+        return length <= within
+                ? (within - length) / 2
+                : std::clamp(int(std::lround(within / 2.0 - center * length)), within - length, 0);
+    };
+    return {QPoint(begin(shown.width(), room.width(), display.center.x()),
+                   begin(shown.height(), room.height(), display.center.y())),
+            shown.expandedTo({1, 1})};
+}
 
 // Replaces what was set for a preset.
 class Session::ValuesChange : public QUndoCommand
@@ -95,14 +92,18 @@ private:
 
 struct Session::Request
 {
+    Redraw redraw = Redraw::Frame;
+    bool keepsState = false;
+    QString picturePath; // where the picture is saved, if it is
     std::uint64_t number = 0;
     QString preset;
     bool needsPreset = false; // even if it has not changed
     int revision = 0;
     ViewSettings view;
+    DisplaySettings display;
     Changes changes;
     int frame = 0;
-    bool keepsHistories = false; // of the previous frame
+    float frameSeconds = 0.0F;
 };
 
 struct Session::Result
@@ -114,15 +115,17 @@ struct Session::Result
     QString message;
 };
 
-// The thread that draws, and the data that only it uses.
+// The thread that draws, and the data that only it uses. While frames run, it reads a frame while
+// the next one is drawn.
 class Session::Worker
 {
 public:
-    Worker(Session &session, QString shadersDir, const QString &device)
+    Worker(Session &session, QString shadersDir, QString device)
         : m_session(session),
           m_shadersDir(std::move(shadersDir)),
-          m_player(device),
-          m_tunedPlayer(device),
+          m_deviceName(std::move(device)),
+          m_player(m_deviceName),
+          m_otherPlayer(m_deviceName),
           m_thread([this] { run(); })
     {
     }
@@ -142,73 +145,165 @@ public:
         return m_wake.wait_for(lock, patience, [this] { return m_isDone; });
     }
 
+    // A request that waits is replaced, but what it draws, keeps and saves is done.
     void request(Request request)
     {
         {
             const std::scoped_lock lock(m_mutex);
+            if (m_waiting) {
+                if (request.redraw == Redraw::View)
+                    request.redraw = m_waiting->redraw;
+                request.keepsState |= m_waiting->keepsState;
+                if (request.picturePath.isEmpty())
+                    request.picturePath = m_waiting->picturePath;
+            }
             m_waiting = std::move(request);
         }
         m_wake.notify_one();
     }
 
 private:
+    using Against = DisplaySettings::Against;
+
+    // A preset as it was drawn.
+    struct State
+    {
+        PresetOnDisk preset;
+        QHash<QString, float> values;
+    };
+
+    // A frame that the device draws.
+    struct Flight
+    {
+        Result result;
+        std::shared_ptr<FrameResult> frame;
+        int submission = 0;
+        bool isDrawn = false; // not only viewed
+    };
+
     void run()
     {
-        while (const std::optional<Request> request = next()) {
-            Result result;
-            try {
-                answer(*request, result);
-            } catch (const std::bad_alloc &) {
-                m_requestedPreset.clear(); // what was not read is read again
-                m_requestedSource.clear();
-                result = {};
-                result.message = kNotEnoughMemory;
+        for (;;) {
+            const std::optional<Request> request = next();
+            std::optional<Flight> drawn = std::exchange(m_flight, std::nullopt);
+            if (!request && !drawn)
+                break;
+            if (drawn && (!request || request->redraw != Redraw::NextFrame)) {
+                deliver(*drawn);
+                drawn.reset();
             }
-            result.number = request->number;
-            const bool isDrawn = result.frame != nullptr;
-            postToGui([&session = m_session, result = std::move(result)] {
-                session.applyResult(result);
-            });
-            if (isDrawn)
-                drawThumbnails(request->view.headroom);
+            if (request && !draw(*request))
+                continue; // nothing is left on the device
+            if (drawn)
+                deliver(*drawn);
         }
+        release();
         const std::scoped_lock lock(m_mutex);
         m_isDone = true;
         m_wake.notify_all();
     }
 
-    void answer(const Request &request, Result &result)
-    {
-        QString error;
-        reopenSource(request);
-        reloadPreset(request, result);
-        if (!m_player.preset().graph.passes.isEmpty() && !m_player.source().isNull()) {
-            auto frame = std::make_shared<FrameResult>();
-            if (drawFrame(request, *frame, error))
-                result.frame = std::move(frame);
-        }
-        QStringList errors = {m_presetError, m_sourceError, error};
-        errors.removeAll(QString());
-        result.message = errors.join(u'\n');
-    }
-
+    // Empty where nothing waits but a frame in flight, and at the end.
     std::optional<Request> next()
     {
         std::unique_lock lock(m_mutex);
-        m_wake.wait(lock, [this] { return m_isClosing || m_waiting; });
+        const auto isAwake = [this] { return m_isClosing || m_waiting || m_flight; };
+        if (m_hasOldThumbnails && !isAwake()) {
+            m_wake.wait_for(lock, std::chrono::milliseconds(kThumbnailMilliseconds), isAwake);
+            if (!isAwake()) {
+                Request again = m_last;
+                again.redraw = Redraw::View;
+                return again;
+            }
+        }
+        m_wake.wait(lock, isAwake);
         return m_isClosing ? std::nullopt : std::exchange(m_waiting, std::nullopt);
     }
 
-    bool isInterrupted()
+    // Returns whether it was submitted.
+    bool draw(const Request &request)
     {
-        const std::scoped_lock lock(m_mutex);
-        return m_isClosing || m_waiting;
+        Flight flight;
+        flight.result.number = request.number;
+        QString error;
+        bool isSubmitted = false;
+        try {
+            reopenSource(request);
+            reloadPreset(request, flight.result);
+            if (!m_player.preset().graph.passes.isEmpty() && !m_player.source().isNull())
+                isSubmitted = submit(request, flight, error);
+            if (isSubmitted && !request.picturePath.isEmpty())
+                savePicture(request, flight.frame->pass);
+        } catch (const std::bad_alloc &) {
+            m_requestedPreset.clear(); // what was not read is read again
+            m_requestedSource.clear();
+            flight.result.preset.reset();
+            error = kNotEnoughMemory;
+            isSubmitted = false;
+        }
+        QStringList errors = {m_presetError, m_sourceError, error};
+        errors.removeAll(QString());
+        flight.result.message = errors.join(u'\n');
+        if (isSubmitted) {
+            m_flight = std::move(flight);
+            return true;
+        }
+        release();
+        post(std::move(flight.result));
+        return false;
+    }
+
+    // Waits for it.
+    void deliver(Flight &flight)
+    {
+        ViewOutput view;
+        QString error;
+        if (!m_viewPass->read(flight.submission, view, error)) {
+            if (m_flight)
+                flight.result.number = m_flight->result.number;
+            flight.result.message = error;
+            release();
+            return post(std::move(flight.result));
+        }
+        FrameResult &frame = *flight.frame;
+        if (flight.isDrawn) {
+            const QList<std::optional<double>> times =
+                    m_player.renderer()->milliseconds(flight.submission);
+            for (int i = 0; i < frame.passes.size(); ++i)
+                frame.passes[i].milliseconds = times.value(i);
+            m_passes = frame.passes;
+            m_drawMilliseconds = view.drawMilliseconds;
+            m_transferMilliseconds = view.transferMilliseconds;
+        }
+        frame.drawMilliseconds = m_drawMilliseconds;
+        frame.transferMilliseconds = m_transferMilliseconds;
+        frame.image = view.image;
+        frame.texel = view.texel;
+        frame.thumbnails = view.thumbnails;
+        flight.result.frame = flight.frame;
+        post(std::move(flight.result));
+    }
+
+    void post(Result result)
+    {
+        postToGui([&session = m_session, result = std::move(result)] {
+            session.applyResult(result);
+        });
     }
 
     template<typename Function>
     void postToGui(Function function)
     {
         QMetaObject::invokeMethod(&m_session, std::move(function), Qt::QueuedConnection);
+    }
+
+    void release()
+    {
+        m_flight.reset();
+        m_player.release();
+        m_otherPlayer.release();
+        m_viewPass.reset();
+        m_device.reset();
     }
 
     void reloadPreset(const Request &request, Result &result)
@@ -219,14 +314,27 @@ private:
             m_presetError.clear();
             m_isLoaded = loadPreset(m_shadersDir, request.preset, m_loaded, m_presetError);
             if (m_isLoaded) {
+                keepBeforeSave();
                 m_player.setPreset(m_loaded);
-                m_tunedPlayer.setPreset(m_loaded);
+                ++m_loads;
+                m_isNew = true;
             }
         } else if (!request.needsPreset) {
             return;
         }
         result.preset = m_loaded;
         result.isPresetLoaded = m_isLoaded;
+    }
+
+    // Files may have been saved as they were.
+    void keepBeforeSave()
+    {
+        const PresetOnDisk &before = m_player.preset();
+        if (before.name != m_loaded.name)
+            m_beforeSave.reset();
+        else if (before.modules != m_loaded.modules
+                 || initialValues(before.parameters) != initialValues(m_loaded.parameters))
+            m_beforeSave = before;
     }
 
     void reopenSource(const Request &request)
@@ -239,10 +347,27 @@ private:
         if (!SourcePicture::open(m_requestedSource, source, m_sourceError))
             return;
         m_player.setSource(source);
-        m_tunedPlayer.setSource(source);
+        m_otherPlayer.setSource(source);
+        m_isNew = true;
     }
 
-    static bool drawBy(Player &player, const Request &request, QString &error)
+    bool openDevice(QString &error)
+    {
+        if (m_viewPass)
+            return true;
+        std::unique_ptr<VulkanDevice> opened;
+        QStringList files;
+        QByteArray vertex;
+        QByteArray fragment;
+        if (!VulkanDevice::open(m_deviceName, opened, error)
+            || !compileGlsl(u":/view.vert"_s, ShaderStage::Vertex, vertex, files, error)
+            || !compileGlsl(u":/view.frag"_s, ShaderStage::Fragment, fragment, files, error))
+            return false;
+        m_device = std::move(opened);
+        return ViewPass::create(m_device, vertex, fragment, m_viewPass, error);
+    }
+
+    static void prepare(Player &player, const Request &request)
     {
         QSize viewport = request.view.viewport;
         if (request.view.keepsAspectRatio)
@@ -250,16 +375,59 @@ private:
         player.setViewport(viewport.expandedTo({1, 1}));
         player.setHeadroom(request.view.headroom);
         player.setBackwards(request.view.isBackwards);
-        if (!request.keepsHistories)
+        player.setFrameSeconds(request.frameSeconds);
+        if (request.redraw != Redraw::NextFrame)
             player.resetHistories();
-        return player.drawFrame(request.frame, error);
     }
 
-    bool drawFrame(const Request &request, FrameResult &frame, QString &error)
+    // Returns whether it is another preset than before.
+    bool updateOther(const Request &request)
     {
-        using Comparison = ViewSettings::Comparison;
-        QElapsedTimer timer;
-        timer.start();
+        const Against against = request.display.against;
+        if (against == Against::Kept && !m_kept)
+            keepState();
+        const std::array<int, 3> id = {int(against), m_keeps, m_loads};
+        const bool isNew = std::exchange(m_otherId, id) != id;
+        if (isNew)
+            m_otherPlayer.setPreset(against == Against::Kept ? m_kept->preset
+                                            : against == Against::BeforeSave
+                                            ? m_beforeSave.value_or(m_player.preset())
+                                            : m_player.preset());
+        const QHash<QString, float> values = against == Against::Kept ? m_kept->values
+                : against == Against::BeforeSave                      ? m_player.values()
+                                                                      : QHash<QString, float>();
+        for (auto value = values.cbegin(); value != values.cend(); ++value)
+            m_otherPlayer.setValue(value.key(), value.value());
+        return isNew;
+    }
+
+    void keepState()
+    {
+        m_kept = {m_player.preset(), m_player.values()};
+        ++m_keeps;
+    }
+
+    QString nameOf(Against against) const
+    {
+        switch (against) {
+        case Against::Nothing:
+            break;
+        case Against::Source:
+            return u"source"_s;
+        case Against::TunedValues:
+            return u"tuned values (declared)"_s;
+        case Against::Kept:
+            return u"A (kept, %1)"_s.arg(m_kept->preset.name);
+        case Against::BeforeSave:
+            return m_beforeSave ? u"before the last save"_s : u"before the last save: none yet"_s;
+        }
+        return {};
+    }
+
+    bool submit(const Request &request, Flight &flight, QString &error)
+    {
+        flight.frame = std::make_shared<FrameResult>();
+        FrameResult &frame = *flight.frame;
         frame.preset = m_player.preset().name;
         m_player.resetValues();
         for (const PresetParamMeta &parameter : m_player.preset().parameters) {
@@ -268,74 +436,143 @@ private:
                 m_player.setValue(parameter.id,
                                   std::clamp(change->value, parameter.min, parameter.max));
         }
-        if (!drawBy(m_player, request, error))
+        if (request.keepsState)
+            keepState();
+        if (!openDevice(error))
             return false;
-        frame.milliseconds = double(timer.nsecsElapsed()) * 1e-6;
+
+        const bool isDrawn = request.redraw != Redraw::View || m_isNew || !m_player.renderer();
+        const bool hasOther = request.display.against > Against::Source;
+        bool isOtherDrawn = hasOther && updateOther(request);
+        isOtherDrawn |= hasOther && (isDrawn || !m_otherPlayer.renderer());
+        if (isDrawn)
+            prepare(m_player, request);
+        if (isOtherDrawn)
+            prepare(m_otherPlayer, request);
+        m_submission = (m_submission + 1) % VulkanDevice::kFramesInFlight;
+        flight.submission = m_submission;
+        flight.isDrawn = isDrawn;
+        const auto record = [&](VkCommandBuffer commands) {
+            m_viewPass->begin(commands, m_submission);
+            ViewInput input;
+            return (!isDrawn
+                    || m_player.recordFrame(m_device, commands, m_submission, request.frame, error))
+                    && (!isOtherDrawn
+                        || m_otherPlayer.recordFrame(m_device, commands, m_submission,
+                                                     request.frame, error))
+                    && describe(request, isDrawn, frame, input, error)
+                    && m_viewPass->record(commands, m_submission, input, error);
+        };
+        if (!m_device->submit(m_submission, record, error))
+            return false;
+        m_isNew = false;
+        m_last = request;
+        m_last.keepsState = false;
+        m_last.picturePath.clear();
+        m_last.needsPreset = false;
+        return true;
+    }
+
+    // What is shown of a frame that was recorded.
+    bool describe(const Request &request, bool isDrawn, FrameResult &frame, ViewInput &input,
+                  QString &error)
+    {
         const OffscreenRenderer &renderer = *m_player.renderer();
+        const DisplaySettings &display = request.display;
+        const QList<PassResult> passes = renderer.passes();
+        const int last = int(passes.size()) - 1;
+        const auto shownPass = [&display](int lastPass) {
+            return display.pass < 0 ? lastPass : std::min(display.pass, lastPass);
+        };
         frame.number = request.frame;
-        frame.passes = renderer.passes();
+        frame.passes = isDrawn ? passes : m_passes;
         for (const VulkanRenderGraph::Pass &pass : m_player.preset().graph.passes)
             frame.components.append(pass.debugName);
-        frame.device = renderer.device().name;
-
-        const int last = int(frame.passes.size()) - 1;
-        frame.pass = request.view.pass >= 0 ? std::min(request.view.pass, last) : last;
+        frame.device = m_device->info().name;
+        frame.pass = shownPass(last);
+        frame.size = passes.at(frame.pass).size;
         frame.isToneMapped = request.view.headroom && frame.pass == last;
-        const std::optional<float> headroom =
-                frame.isToneMapped ? request.view.headroom : std::nullopt;
-        if (!renderer.output(frame.pass, frame.picture, error))
+        frame.comparedName = nameOf(display.against);
+        frame.texelPosition = display.texel;
+        frame.state = display.state;
+        frame.state.size = display.state.size.expandedTo({1, 1});
+        frame.state.placement = placePicture(frame.size, frame.state.size, display);
+        frame.state.headroom = frame.isToneMapped ? *request.view.headroom : 0.0F;
+        if (display.against == Against::Nothing)
+            frame.state.comparison = ViewState::Comparison::None;
+        if (display.against == Against::Source)
+            input.compared = renderer.sourceImage();
+        else
+            input.comparedHeadroom = frame.state.headroom;
+        input.state = frame.state;
+        input.texel = display.texel;
+        const OffscreenRenderer *const other = m_otherPlayer.renderer();
+        if (!renderer.outputImage(frame.pass, input.picture, error)
+            || (display.against > Against::Source
+                && !other->outputImage(shownPass(int(other->passes().size()) - 1), input.compared,
+                                       error)))
             return false;
-        frame.image = shownImage(frame.picture, headroom);
 
-        if (request.view.comparison == Comparison::Source)
-            frame.compared = m_player.source().frame(request.frame);
-        if (request.view.comparison == Comparison::Tuned) {
-            QImage tuned;
-            if (!drawBy(m_tunedPlayer, request, error)
-                || !m_tunedPlayer.renderer()->output(frame.pass, tuned, error))
+        m_hasOldThumbnails |= isDrawn;
+        if (!m_hasOldThumbnails
+            || (m_thumbnailAge.isValid() && !m_thumbnailAge.hasExpired(kThumbnailMilliseconds)))
+            return true;
+        m_hasOldThumbnails = false;
+        m_thumbnailAge.start();
+        input.thumbnailSize = passes.last()
+                                      .size.scaled(display.thumbnailSize, Qt::KeepAspectRatio)
+                                      .expandedTo({1, 1});
+        input.lastHeadroom = request.view.headroom.value_or(0.0F);
+        input.thumbnails.resize(passes.size());
+        for (int i = 0; i <= last; ++i) {
+            if (!renderer.outputImage(i, input.thumbnails[i], error))
                 return false;
-            frame.compared = shownImage(tuned, headroom);
         }
         return true;
     }
 
-    // All of them, or one per frame if the next request is waiting already.
-    void drawThumbnails(std::optional<float> headroom)
+    void savePicture(const Request &request, int pass)
     {
         const OffscreenRenderer &renderer = *m_player.renderer();
-        const int count = int(renderer.passes().size());
-        for (int drawn = 0; drawn < count && (drawn == 0 || !isInterrupted()); ++drawn) {
-            m_thumbnail = (m_thumbnail + 1) % count;
-            QString error;
-            QImage picture;
-            try {
-                if (!renderer.output(m_thumbnail, picture, error))
-                    return; // the next frame will report it
-                picture = shownImage(picture, m_thumbnail == count - 1 ? headroom : std::nullopt)
-                                  .scaled(kThumbnailSize, Qt::KeepAspectRatio,
-                                          Qt::SmoothTransformation);
-            } catch (const std::bad_alloc &) {
-                return; // likewise
-            }
-            postToGui([&session = m_session, pass = m_thumbnail, picture] {
-                Q_EMIT session.thumbnailDrawn(pass, picture);
-            });
-        }
+        const bool isLast = pass == renderer.passes().size() - 1;
+        QImage picture;
+        QString error;
+        if (!renderer.output(pass, picture, error)
+            || !savePng(displayImage(picture, isLast ? request.view.headroom : std::nullopt),
+                        request.picturePath, error))
+            postToGui([&session = m_session, error] { Q_EMIT session.pictureNotSaved(error); });
     }
 
     Session &m_session;
     QString m_shadersDir;
+    QString m_deviceName;
 
     QString m_requestedPreset; // may be broken; the players have the last good one
     int m_revision = -1;
     PresetOnDisk m_loaded; // the requested one
     bool m_isLoaded = false;
+    int m_loads = 0; // counts
     QString m_presetError;
     QString m_requestedSource; // likewise
     QString m_sourceError;
+    std::shared_ptr<VulkanDevice> m_device;
+    std::unique_ptr<ViewPass> m_viewPass; // null without a device
     Player m_player;
-    Player m_tunedPlayer; // draws the tuned values, to compare with
-    int m_thumbnail = -1;
+    bool m_isNew = false; // its preset or source were not drawn yet
+    Player m_otherPlayer; // draws what the picture is compared with
+    std::array<int, 3> m_otherId = {};
+    std::optional<State> m_kept;
+    int m_keeps = 0; // counts
+    std::optional<PresetOnDisk> m_beforeSave;
+    int m_submission = 0;
+    std::optional<Flight> m_flight;
+    Request m_last; // that was drawn
+    bool m_hasOldThumbnails = false;
+    QElapsedTimer m_thumbnailAge;
+    // Of the last frame that was drawn.
+    QList<PassResult> m_passes;
+    std::optional<double> m_drawMilliseconds;
+    std::optional<double> m_transferMilliseconds;
 
     std::mutex m_mutex; // of the following members
     std::condition_variable m_wake;
@@ -364,10 +601,9 @@ Session::Session(const QString &shadersDir, const QString &device)
         ++m_revision;
         request();
     });
-    connect(&m_frameTimer, &QTimer::timeout, this, [this] {
-        if (!isBusy())
-            step();
-    });
+    m_frameTimer.setTimerType(Qt::PreciseTimer);
+    m_clock.start();
+    connect(&m_frameTimer, &QTimer::timeout, this, &Session::drawNextFrame);
     m_slownessTimer.setSingleShot(true);
     m_slownessTimer.setInterval(kSlowMilliseconds);
     connect(&m_slownessTimer, &QTimer::timeout, this, [this] { Q_EMIT slownessChanged(true); });
@@ -401,6 +637,28 @@ void Session::setView(const ViewSettings &view)
     m_view = view;
     watchFiles();
     request();
+}
+
+void Session::setDisplay(const DisplaySettings &display)
+{
+    m_display = display;
+    request(Redraw::View);
+}
+
+void Session::keepState()
+{
+    Request kept;
+    kept.redraw = Redraw::View;
+    kept.keepsState = true;
+    request(kept);
+}
+
+void Session::savePicture(const QString &path)
+{
+    Request saved;
+    saved.redraw = Redraw::View;
+    saved.picturePath = path;
+    request(saved);
 }
 
 float Session::value(const PresetParamMeta &parameter) const
@@ -532,8 +790,9 @@ void Session::setRunning(bool isRunning)
 {
     if (isRunning == m_frameTimer.isActive())
         return;
+    m_nextFrame = 0.0;
     if (isRunning)
-        m_frameTimer.start();
+        m_frameTimer.start(0);
     else
         m_frameTimer.stop();
     Q_EMIT runningChanged(isRunning);
@@ -541,29 +800,55 @@ void Session::setRunning(bool isRunning)
 
 void Session::setSpeed(double framesPerSecond)
 {
-    m_frameTimer.setInterval(std::max(1, int(std::lround(1000.0 / framesPerSecond))));
+    m_period = 1000.0 / framesPerSecond;
 }
 
 void Session::step()
 {
-    ++m_frameNumber;
-    request(true);
+    m_frameNumber = std::floor(m_frameNumber) + 1.0;
+    request(Redraw::NextFrame);
 }
 
-void Session::request(bool keepsHistories)
+// Timers count whole milliseconds, so each interval makes up for what the previous one lost.
+void Session::drawNextFrame()
+{
+    const double now = double(m_clock.nsecsElapsed()) * 1e-6;
+    m_nextFrame = std::max(m_nextFrame + m_period, now);
+    m_frameTimer.start(int(std::lround(m_nextFrame - now)));
+    if (m_lastRequest - m_lastResult >= VulkanDevice::kFramesInFlight)
+        return;
+    m_frameNumber += frameAdvance();
+    request(Redraw::NextFrame);
+}
+
+double Session::frameAdvance() const
+{
+    return std::min(1.0, m_period * kFramesPerSecond / 1000.0);
+}
+
+void Session::request(Redraw redraw)
+{
+    Request request;
+    request.redraw = redraw == Redraw::Frame && isRunning() ? Redraw::NextFrame : redraw;
+    this->request(std::move(request));
+}
+
+void Session::request(Request request)
 {
     if (m_preset.isEmpty() || m_view.source.isEmpty())
         return;
     if (!isBusy())
         m_slownessTimer.start();
-    m_worker->request({.number = ++m_lastRequest,
-                       .preset = m_preset,
-                       .needsPreset = m_loaded.name != m_preset,
-                       .revision = m_revision,
-                       .view = m_view,
-                       .changes = changes(),
-                       .frame = m_frameNumber,
-                       .keepsHistories = keepsHistories || isRunning()});
+    request.number = ++m_lastRequest;
+    request.preset = m_preset;
+    request.needsPreset = m_loaded.name != m_preset;
+    request.revision = m_revision;
+    request.view = m_view;
+    request.display = m_display;
+    request.changes = changes();
+    request.frame = int(m_frameNumber);
+    request.frameSeconds = float(frameAdvance() / kFramesPerSecond);
+    m_worker->request(std::move(request));
 }
 
 void Session::applyResult(const Result &result)

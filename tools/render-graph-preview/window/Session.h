@@ -1,8 +1,9 @@
 #pragma once
 
-#include <OffscreenRenderer.h>
 #include <PresetOnDisk.h>
+#include <ViewPass.h>
 
+#include <QElapsedTimer>
 #include <QFileSystemWatcher>
 #include <QHash>
 #include <QImage>
@@ -15,39 +16,60 @@
 #include <memory>
 #include <optional>
 
-constexpr QSize kThumbnailSize = {128, 96};
-
 // The organization and the application of QSettings.
 inline const QString kSettings = QStringLiteral("render-graph-preview");
 
-// The settings of a view of a preset, except the preset and its values.
+// What a preset is drawn with, except its values.
 struct ViewSettings
 {
-    enum class Comparison : std::uint8_t { None, Source, Tuned };
-
     QString source; // a test picture's name or a file
     QSize viewport = {640, 480};
     bool keepsAspectRatio =
             true; // draws the largest picture of the source's shape that fits the viewport
     std::optional<float> headroom; // empty: SDR
     bool isBackwards = false; // the shaders' frameDirection
-    int pass = -1; // the pass whose output is shown; -1: the last one
-    Comparison comparison = Comparison::None;
 };
+
+// What is shown of it.
+struct DisplaySettings
+{
+    static constexpr int kFit = 0;
+
+    // What the picture is compared with: the source, or what other values or code draw.
+    enum class Against : std::uint8_t { Nothing, Source, TunedValues, Kept, BeforeSave };
+
+    int pass = -1; // the pass whose output is shown; -1: the last one
+    Against against = Against::Nothing;
+    ViewState state; // except placement and headroom, and where nothing is compared
+    int zoom = kFit; // pixels of the view for each of the picture
+    QPointF center = {0.5,
+                      0.5}; // what is in the middle if the picture exceeds the view, of its size
+    QPoint texel; // is read
+    QSize thumbnailSize = {128, 96}; // at most, in the picture's shape
+};
+
+// Where a picture of that size is shown in a view.
+QRect placePicture(QSize picture, QSize view, const DisplaySettings &display);
 
 struct FrameResult
 {
     QString preset; // the last one that could be drawn
     int number = 0;
     int pass = 0;
-    QImage picture; // the output of that pass, in floats
-    QImage image; // the same, converted for display
-    bool isToneMapped = false; // `image` is tone-mapped from HDR
-    QImage compared; // what `image` is compared with, of any size, or null
+    QSize size; // of the output of that pass
+    QImage image; // the view
+    ViewState state; // of the view
+    QString comparedName; // empty: nothing is compared
+    bool isToneMapped = false; // from HDR
+    QPoint texelPosition;
+    std::optional<QRgbaFloat32> texel; // of the output, there
+    QList<QImage> thumbnails; // by pass; empty if they are the previous ones
     QStringList components; // by pass
     QList<PassResult> passes;
     QString device;
-    double milliseconds = 0.0; // of the whole frame
+    // Of the last frame that was not only viewed; empty if the device cannot tell.
+    std::optional<double> drawMilliseconds;
+    std::optional<double> transferMilliseconds;
 };
 
 // A preset that is being tuned: its values, and its frames, which a worker thread draws. The values
@@ -75,6 +97,17 @@ public:
         return m_view;
     }
     void setView(const ViewSettings &view);
+
+    const DisplaySettings &display() const
+    {
+        return m_display;
+    }
+    // Shows the last frame anew.
+    void setDisplay(const DisplaySettings &display);
+    // Keeps the preset as it is, to compare with it. That is done for the first comparison as well.
+    void keepState();
+    // Saves the whole output of the shown pass. HDR is saved as linear light.
+    void savePicture(const QString &path);
 
     // Of the last version of the preset that compiled; empty before there is one.
     const QList<PresetParamMeta> &parameters() const
@@ -108,7 +141,8 @@ public:
         return m_frameTimer.isActive();
     }
     void setRunning(bool isRunning);
-    void setSpeed(double framesPerSecond); // an upper limit
+    // At most, up to the display's rate. Below the rate that presets are made for, time is slower.
+    void setSpeed(double framesPerSecond);
     void step();
 
     // Whether the latest request is not done yet.
@@ -133,13 +167,12 @@ Q_SIGNALS:
     void parametersChanged(); // the preset was compiled: also the initial values may have changed
     void valuesChanged();
     void frameDrawn();
-    void thumbnailDrawn(int pass, const QImage &image);
+    void pictureNotSaved(const QString &error);
     void messageChanged(const QString &message); // one line per error, or empty
     void runningChanged(bool isRunning);
     void slownessChanged(bool isSlow); // whether a frame takes longer than half a second
 
 private:
-    struct Request;
     struct Result;
     class Worker;
     class ValuesChange;
@@ -161,12 +194,18 @@ private:
     void pushChanges(const QString &preset, const Changes &changes);
     void applyChanges(const QString &preset, const Changes &changes);
     void restoreChanges();
-    void request(bool keepsHistories = false);
+    enum class Redraw : std::uint8_t { View, Frame, NextFrame };
+    struct Request;
+    void request(Redraw redraw = Redraw::Frame);
+    void request(Request request);
+    void drawNextFrame();
+    double frameAdvance() const; // in frames of the rate that presets are made for
     void applyResult(const Result &result);
     void watchFiles();
 
     QString m_preset;
     ViewSettings m_view;
+    DisplaySettings m_display;
     PresetOnDisk m_loaded; // with its files only, if it is broken
     QHash<QString, Changes> m_changes; // by preset
     QUndoGroup m_undoGroup;
@@ -174,7 +213,7 @@ private:
     int m_drag = 0; // counts drags
     bool m_isDragging = false;
     QSettings m_settings;
-    int m_frameNumber = 0;
+    double m_frameNumber = 0.0; // fractions where the display is faster than presets are made for
     int m_revision = 0; // counts changes of the watched files
     std::uint64_t m_lastRequest = 0; // requests are numbered
     std::uint64_t m_lastResult = 0;
@@ -183,6 +222,9 @@ private:
     QFileSystemWatcher m_watcher;
     QTimer m_reloadDebounce; // saving a file often gives several notifications
     QTimer m_frameTimer;
+    QElapsedTimer m_clock;
+    double m_period = 1.0; // of frames, in milliseconds
+    double m_nextFrame = 0.0; // on the clock
     QTimer m_slownessTimer;
     std::unique_ptr<Worker> m_worker; // last, so that its thread ends before the other members go
 };

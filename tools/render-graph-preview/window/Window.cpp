@@ -21,7 +21,7 @@
 #include <QListWidget>
 #include <QMenuBar>
 #include <QMimeData>
-#include <QScrollArea>
+#include <QScreen>
 #include <QScrollBar>
 #include <QSettings>
 #include <QStatusBar>
@@ -41,10 +41,10 @@ struct Size
 constexpr Size kSizes[] = {{"as the view", {}},         {"640x480", {640, 480}},
                            {"960x720", {960, 720}},     {"1440x1080", {1440, 1080}},
                            {"1920x1440", {1920, 1440}}, {"3840x2160", {3840, 2160}}};
-constexpr const char *kZooms[] = {"fit", "1:1", "2:1", "3:1", "4:1", "6:1", "8:1"};
-constexpr const char *kComparisons[] = {"nothing", "source", "tuned values"};
+constexpr const char *kComparisons[] = {"nothing", "source", "tuned values (declared)", "A (kept)",
+                                        "before the last save"};
 constexpr int kNoticeMilliseconds = 10000;
-constexpr double kSpeeds[] = {60.0, 30.0, 10.0, 2.0};
+constexpr double kSpeeds[] = {30.0, 10.0, 2.0};
 
 QString timeText(const PassResult &pass)
 {
@@ -58,7 +58,6 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     : m_session(shadersDir, device),
       m_parameters(new ParameterPanel(m_session)),
       m_picture(new PictureView),
-      m_pictureArea(new QScrollArea),
       m_strip(new QListWidget),
       m_message(new QLabel),
       m_times(new QLabel),
@@ -71,17 +70,14 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     m_message->setMargin(6);
     m_message->setStyleSheet(u"background: #7a1f1f; color: white"_s);
     m_message->hide();
-    m_pictureArea->setWidgetResizable(true);
-    m_pictureArea->setFocusPolicy(Qt::NoFocus);
-    m_pictureArea->setWidget(m_picture);
-    m_pictureArea->viewport()->installEventFilter(this);
     m_strip->setObjectName(u"strip"_s);
     m_strip->setViewMode(QListView::IconMode);
     m_strip->setFlow(QListView::LeftToRight);
     m_strip->setWrapping(false);
     m_strip->setMovement(QListView::Static);
-    m_strip->setIconSize(kThumbnailSize);
-    m_strip->setGridSize(kThumbnailSize + QSize(32, 4 * fontMetrics().height()));
+    const QSize thumbnail = m_session.display().thumbnailSize;
+    m_strip->setIconSize(thumbnail);
+    m_strip->setGridSize(thumbnail + QSize(32, 4 * fontMetrics().height()));
     m_strip->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_strip->setFixedHeight(m_strip->gridSize().height() + 2 * m_strip->frameWidth()
                             + m_strip->horizontalScrollBar()->sizeHint().height());
@@ -91,7 +87,7 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     auto *const layout = new QVBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_message);
-    layout->addWidget(m_pictureArea, 1);
+    layout->addWidget(m_picture, 1);
     layout->addWidget(m_strip);
     setCentralWidget(central);
     auto *const dock = new QDockWidget(u"Parameters"_s);
@@ -114,13 +110,15 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
 
     createToolBars();
     createActions();
-    connect(m_picture, &PictureView::pixelHovered, this, &Window::showPixel);
-    connect(m_strip, &QListWidget::currentRowChanged, this, &Window::updateView);
+    connect(m_picture, &PictureView::displayChanged, this, &Window::updateDisplay);
+    connect(m_picture, &PictureView::zoomChanged, this,
+            [this](int zoom) { m_zooms->setCurrentIndex(m_zooms->findData(zoom)); });
+    connect(m_picture, &PictureView::resized, this,
+            [this] { m_sizes->currentIndex() == 0 ? updateView() : updateDisplay(); });
+    connect(m_strip, &QListWidget::currentRowChanged, this, &Window::updateDisplay);
     connect(&m_session, &Session::frameDrawn, this, &Window::showFrame);
-    connect(&m_session, &Session::thumbnailDrawn, this, [this](int pass, const QImage &image) {
-        if (QListWidgetItem *const item = m_strip->item(pass))
-            item->setIcon(QPixmap::fromImage(image));
-    });
+    connect(&m_session, &Session::pictureNotSaved, this,
+            [this](const QString &error) { statusBar()->showMessage(error, kNoticeMilliseconds); });
     connect(&m_session, &Session::messageChanged, this, [this](const QString &message) {
         m_message->setText(message);
         m_message->setVisible(!message.isEmpty());
@@ -161,10 +159,10 @@ void Window::createToolBars()
     for (const Size &size : kSizes)
         m_sizes->addItem(QLatin1StringView(size.name), size.size);
     m_zooms = addChoice(u"Zoo&m"_s, "zoom");
-    for (const char *const zoom : kZooms)
-        m_zooms->addItem(QLatin1StringView(zoom));
-    connect(m_zooms, &QComboBox::currentTextChanged, m_picture,
-            [this](const QString &zoom) { m_picture->setZoom(zoom.section(u':', 0, 0).toInt()); });
+    for (const int zoom : PictureView::kZooms)
+        m_zooms->addItem(zoom == DisplaySettings::kFit ? u"fit"_s : u"%1:1"_s.arg(zoom), zoom);
+    connect(m_zooms, &QComboBox::currentIndexChanged, m_picture,
+            [this] { m_picture->setZoom(m_zooms->currentData().toInt()); });
     m_comparisons = addChoice(u"&Compare with"_s, "comparison");
     for (const char *const comparison : kComparisons)
         m_comparisons->addItem(QLatin1StringView(comparison));
@@ -176,13 +174,14 @@ void Window::createToolBars()
     m_headroom->setSpecialValueText(u"off"_s);
     m_headroom->setToolTip(u"The display's peak over its reference white"_s);
     add(u"&HDR headroom"_s, m_headroom);
-    QComboBox *const speeds = addChoice(u"Spee&d"_s, "speed");
+    m_speeds = addChoice(u"Spee&d"_s, "speed");
+    m_speeds->addItem(u"display"_s, 0.0);
     for (const double speed : kSpeeds)
-        speeds->addItem(u"%1 fps"_s.arg(speed), speed);
-    connect(speeds, &QComboBox::currentIndexChanged, this,
-            [this, speeds] { m_session.setSpeed(speeds->currentData().toDouble()); });
-    for (QComboBox *const box : {m_sources, m_sizes, m_comparisons})
+        m_speeds->addItem(u"%1 fps"_s.arg(speed), speed);
+    connect(m_speeds, &QComboBox::currentIndexChanged, this, &Window::updateSpeed);
+    for (QComboBox *const box : {m_sources, m_sizes})
         connect(box, &QComboBox::currentIndexChanged, this, &Window::updateView);
+    connect(m_comparisons, &QComboBox::currentIndexChanged, this, &Window::updateDisplay);
     connect(m_headroom, &QDoubleSpinBox::valueChanged, this, &Window::updateView);
 }
 
@@ -207,6 +206,7 @@ void Window::createActions()
     QMenu *const frames = menuBar()->addMenu(u"F&rames"_s);
     QAction *const run = add(frames, u"&Run"_s, Qt::Key_F5);
     run->setCheckable(true);
+    connect(run, &QAction::toggled, this, &Window::updateSpeed);
     connect(run, &QAction::toggled, &m_session, &Session::setRunning);
     connect(&m_session, &Session::runningChanged, run, &QAction::setChecked);
     QAction *const step = add(frames, u"S&tep"_s, Qt::Key_F6);
@@ -214,6 +214,9 @@ void Window::createActions()
     m_backwards = add(frames, u"&Backwards"_s, Qt::Key_F7);
     m_backwards->setCheckable(true);
     connect(m_backwards, &QAction::toggled, this, &Window::updateView);
+
+    QAction *const keep = add(frames, u"&Keep as A"_s, Qt::Key_F8);
+    connect(keep, &QAction::triggered, &m_session, &Session::keepState);
 
     QMenu *const parameters = menuBar()->addMenu(u"P&arameters"_s);
     QAction *const copy =
@@ -248,7 +251,7 @@ void Window::createActions()
 
     QToolBar *const bar = addToolBar(u"Actions"_s);
     bar->setMovable(false);
-    bar->addActions({run, step, m_backwards});
+    bar->addActions({run, step, m_backwards, keep});
     auto *const values = new QToolBar;
     values->addActions({undo, redo, copy, reset, forget});
     m_parameters->layout()->addWidget(values);
@@ -288,11 +291,8 @@ void Window::savePicture()
         return;
     const QString path = QFileDialog::getSaveFileName(this, u"Save picture"_s,
                                                       frame->preset + ".png"_L1, u"PNG (*.png)"_s);
-    const std::optional<float> headroom =
-            frame->isToneMapped ? m_session.view().headroom : std::nullopt;
-    QString error;
-    if (!path.isEmpty() && !savePng(displayImage(frame->picture, headroom), path, error))
-        statusBar()->showMessage(error, kNoticeMilliseconds);
+    if (!path.isEmpty())
+        m_session.savePicture(path);
 }
 
 void Window::saveValues()
@@ -332,38 +332,70 @@ void Window::restoreSettings()
         openSource(source);
 }
 
-bool Window::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() == QEvent::Resize && m_sizes->currentIndex() == 0)
-        updateView();
-    return QMainWindow::eventFilter(watched, event);
-}
-
 void Window::updateView()
 {
     ViewSettings view = m_session.view();
     view.source = m_sources->currentData().toString();
     const QSize size = m_sizes->currentData().toSize();
     view.keepsAspectRatio = size.isEmpty();
-    view.viewport = size.isEmpty()
-            ? (QSizeF(m_pictureArea->maximumViewportSize()) * devicePixelRatioF()).toSize()
-            : size;
-    view.comparison = ViewSettings::Comparison(m_comparisons->currentIndex());
+    view.viewport = size.isEmpty() ? m_picture->sizeInPixels() : size;
     // A display's peak is at least its reference white.
     view.headroom.reset();
     if (m_headroom->value() > 0.0)
         view.headroom = std::max(1.0F, float(m_headroom->value()));
     view.isBackwards = m_backwards->isChecked();
-    const int row = m_strip->currentRow();
-    view.pass = row == m_strip->count() - 1 ? -1 : row;
+    updateDisplay();
     m_session.setView(view);
+}
+
+void Window::updateDisplay()
+{
+    DisplaySettings display = m_session.display();
+    m_picture->update(display);
+    display.against = DisplaySettings::Against(m_comparisons->currentIndex());
+    const int row = m_strip->currentRow();
+    display.pass = row == m_strip->count() - 1 ? -1 : row;
+    display.thumbnailSize = (QSizeF(m_strip->iconSize()) * devicePixelRatioF()).toSize();
+    m_session.setDisplay(display);
+}
+
+void Window::updateSpeed()
+{
+    const double speed = m_speeds->currentData().toDouble();
+    m_session.setSpeed(speed > 0.0 ? speed : screen()->refreshRate());
 }
 
 void Window::showFrame()
 {
     const FrameResult &frame = *m_session.frame();
-    m_picture->setFrame(m_session.frame(), m_session.preset(), m_comparisons->currentText());
+    m_picture->setFrame(m_session.frame(), m_session.preset());
+    showStrip(frame);
+    showPixel(frame);
 
+    ++m_secondFrames;
+    if (!m_secondTimer.isValid() || m_secondTimer.hasExpired(1000)) {
+        m_framesPerSecond = m_secondTimer.isValid()
+                ? 1000.0 * m_secondFrames / double(m_secondTimer.restart())
+                : 0.0;
+        m_secondTimer.start();
+        m_secondFrames = 0;
+    }
+    QStringList texts = {frame.device, m_picture->zoomText(), u"frame %1"_s.arg(frame.number)};
+    if (m_session.isRunning())
+        texts.append(u"%1 a second"_s.arg(m_framesPerSecond, 0, 'f', 1));
+    const auto time = [&texts](const QString &name, std::optional<double> milliseconds) {
+        if (milliseconds)
+            texts.append(u"%1 %2 ms"_s.arg(name).arg(*milliseconds, 0, 'f', 1));
+    };
+    time(u"device"_s, frame.drawMilliseconds);
+    time(u"transfer"_s, frame.transferMilliseconds);
+    time(u"interface"_s, m_picture->paintMilliseconds());
+    m_times->setText(texts.join(u" | "_s));
+    m_times->setToolTip(m_times->text());
+}
+
+void Window::showStrip(const FrameResult &frame)
+{
     const bool isOtherPreset = frame.components != m_components;
     if (isOtherPreset) {
         m_components = frame.components;
@@ -376,39 +408,37 @@ void Window::showFrame()
         }
         m_strip->setCurrentRow(m_strip->count() - 1);
     }
-    QStringList times;
     for (int i = 0; i < m_strip->count(); ++i) {
         const PassResult &pass = frame.passes.at(i);
-        const QString time = timeText(pass);
-        m_strip->item(i)->setText(u"%1 %2\n%3x%4 %5\n%6"_s.arg(
+        QListWidgetItem *const item = m_strip->item(i);
+        item->setText(u"%1 %2\n%3x%4 %5\n%6"_s.arg(
                 QString::number(i), m_components.at(i), QString::number(pass.size.width()),
                 QString::number(pass.size.height()),
-                QString(VulkanRenderGraph::formatName(pass.format)), time));
-        times.append(u"%1: %2"_s.arg(i).arg(time));
+                QString(VulkanRenderGraph::formatName(pass.format)), timeText(pass)));
+        if (i >= frame.thumbnails.size())
+            continue;
+        QPixmap thumbnail = QPixmap::fromImage(frame.thumbnails.at(i));
+        thumbnail.setDevicePixelRatio(devicePixelRatioF());
+        QIcon icon(thumbnail);
+        icon.addPixmap(thumbnail, QIcon::Selected); // else it is tinted
+        item->setIcon(icon);
     }
-    m_times->setText(u"%1 | frame %2, %3 ms | %4"_s.arg(frame.device, QString::number(frame.number),
-                                                        QString::number(frame.milliseconds, 'f', 1),
-                                                        times.join(u"  "_s)));
-    m_times->setToolTip(times.join(u'\n'));
-    showPixel(m_pixelPosition);
-    if (isOtherPreset)
-        m_strip->scrollToItem(m_strip->currentItem());
-    if (isOtherPreset && m_session.view().pass >= 0)
-        updateView();
+    if (!isOtherPreset)
+        return;
+    m_strip->scrollToItem(m_strip->currentItem());
+    if (m_session.display().pass >= 0)
+        updateDisplay();
 }
 
-void Window::showPixel(QPoint pixel)
+void Window::showPixel(const FrameResult &frame)
 {
-    const std::shared_ptr<const FrameResult> frame = m_session.frame();
-    m_pixelPosition = pixel;
-    if (!frame || !frame->image.rect().contains(pixel))
+    if (!frame.texel)
         return m_pixelValues->clear();
-    const auto *const row =
-            reinterpret_cast<const QRgbaFloat32 *>(frame->picture.constScanLine(pixel.y()));
-    const auto &[red, green, blue, alpha] = row[pixel.x()];
+    const auto &[red, green, blue, alpha] = *frame.texel;
     QStringList channels;
     for (const float channel : {red, green, blue, alpha})
         channels.append(QString::number(double(channel), 'f', 4));
-    m_pixelValues->setText(
-            u"(%1, %2): %3"_s.arg(pixel.x()).arg(pixel.y()).arg(channels.join(u"  "_s)));
+    m_pixelValues->setText(u"(%1, %2): %3"_s.arg(frame.texelPosition.x())
+                                   .arg(frame.texelPosition.y())
+                                   .arg(channels.join(u"  "_s)));
 }

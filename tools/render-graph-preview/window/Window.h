@@ -11,7 +11,6 @@ class QComboBox;
 class QDoubleSpinBox;
 class QLabel;
 class QListWidget;
-class QScrollArea;
 
 // The main window: a session and its controls. Closing it keeps its geometry, preset, source and
 // zoom in the application's settings; the next one restores all but the preset, which is given.
@@ -34,7 +33,6 @@ protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void createToolBars();
@@ -44,13 +42,15 @@ private:
     void saveValues();
     void restoreSettings();
     void updateView();
+    void updateDisplay();
+    void updateSpeed();
     void showFrame();
-    void showPixel(QPoint pixel);
+    void showStrip(const FrameResult &frame);
+    void showPixel(const FrameResult &frame);
 
     Session m_session;
     ParameterPanel *m_parameters;
     PictureView *m_picture;
-    QScrollArea *m_pictureArea;
     QListWidget *m_strip;
     QLabel *m_message;
     QLabel *m_times;
@@ -60,8 +60,11 @@ private:
     QComboBox *m_sizes = nullptr;
     QComboBox *m_zooms = nullptr;
     QComboBox *m_comparisons = nullptr;
+    QComboBox *m_speeds = nullptr;
     QDoubleSpinBox *m_headroom = nullptr;
     QAction *m_backwards = nullptr;
     QStringList m_components; // in the strip
-    QPoint m_pixelPosition;
+    QElapsedTimer m_secondTimer; // for frames a second
+    int m_secondFrames = 0;
+    double m_framesPerSecond = 0.0;
 };

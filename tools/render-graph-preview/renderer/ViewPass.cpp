@@ -1,0 +1,485 @@
+#include "ViewPass.h"
+
+#include "VulkanCalls.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr vk::Format kFormat = vk::Format::eB8G8R8A8Unorm; // QImage::Format_RGB32
+constexpr std::uint32_t kTimestamps = 3; // at the beginning, after the view, after its copy
+constexpr std::size_t kTexelBytes = 16; // at most; the view comes after it
+
+// As in view.frag.
+struct Constants
+{
+    std::array<float, 4> placement;
+    float shift;
+    float split;
+    float differenceGain;
+    float headroom;
+    float comparedHeadroom;
+    float exposure;
+    std::int32_t channel;
+};
+
+struct Target
+{
+    std::unique_ptr<DeviceImage> image;
+    vk::raii::Framebuffer framebuffer = nullptr;
+};
+
+// What a submission uses.
+struct Flight
+{
+    vk::raii::DescriptorPool sets = nullptr;
+    std::uint32_t setCapacity = 0;
+    vk::raii::QueryPool timestamps = nullptr;
+    std::shared_ptr<HostBuffer> buffer;
+    QSize size; // of the view
+    std::optional<QRgbaFloat32> texel; // if it is known
+    std::optional<VulkanRenderGraph::Format> texelFormat; // if it is read
+    QSize atlasSize;
+    QList<QRect> thumbnails; // in the atlas
+};
+
+std::size_t bytesOf(QSize size)
+{
+    return std::size_t(size.width()) * std::size_t(size.height()) * 4;
+}
+
+// Drawing waits for earlier copies of the image, and later copies wait for the drawing.
+vk::raii::RenderPass createRenderPass(const vk::raii::Device &device)
+{
+    const vk::AttachmentDescription attachment(
+            {}, kFormat, vk::SampleCountFlagBits::e1, vk::AttachmentLoadOp::eDontCare,
+            vk::AttachmentStoreOp::eStore, vk::AttachmentLoadOp::eDontCare,
+            vk::AttachmentStoreOp::eDontCare, vk::ImageLayout::eUndefined,
+            vk::ImageLayout::eTransferSrcOptimal);
+    const vk::AttachmentReference color(0, vk::ImageLayout::eColorAttachmentOptimal);
+    const vk::SubpassDescription subpass({}, vk::PipelineBindPoint::eGraphics, {}, color);
+    const std::array<vk::SubpassDependency, 2> dependencies = {
+            vk::SubpassDependency(VK_SUBPASS_EXTERNAL, 0,
+                                  vk::PipelineStageFlagBits::eTransfer
+                                          | vk::PipelineStageFlagBits::eColorAttachmentOutput,
+                                  vk::PipelineStageFlagBits::eColorAttachmentOutput,
+                                  vk::AccessFlagBits::eColorAttachmentWrite,
+                                  vk::AccessFlagBits::eColorAttachmentWrite),
+            vk::SubpassDependency(
+                    0, VK_SUBPASS_EXTERNAL, vk::PipelineStageFlagBits::eColorAttachmentOutput,
+                    vk::PipelineStageFlagBits::eTransfer, vk::AccessFlagBits::eColorAttachmentWrite,
+                    vk::AccessFlagBits::eTransferRead)};
+    return {device, vk::RenderPassCreateInfo({}, attachment, subpass, dependencies)};
+}
+
+vk::raii::DescriptorSetLayout createSetLayout(const vk::raii::Device &device, vk::Sampler sampler)
+{
+    const std::array<vk::Sampler, 1> samplers = {sampler};
+    const auto binding = [&samplers](std::uint32_t number) {
+        return vk::DescriptorSetLayoutBinding(number, vk::DescriptorType::eCombinedImageSampler,
+                                              vk::ShaderStageFlagBits::eFragment, samplers);
+    };
+    const std::array<vk::DescriptorSetLayoutBinding, 2> bindings = {binding(0), binding(1)};
+    return {device, vk::DescriptorSetLayoutCreateInfo({}, bindings)};
+}
+
+vk::raii::PipelineLayout createLayout(const vk::raii::Device &device,
+                                      const vk::raii::DescriptorSetLayout &sets)
+{
+    const vk::PushConstantRange constants(vk::ShaderStageFlagBits::eFragment, 0, sizeof(Constants));
+    return {device, vk::PipelineLayoutCreateInfo({}, *sets, constants)};
+}
+
+vk::raii::ShaderModule createModule(const vk::raii::Device &device, const QByteArray &spirv)
+{
+    std::vector<std::uint32_t> words(std::size_t(spirv.size()) / sizeof(std::uint32_t));
+    std::memcpy(words.data(), spirv.constData(), words.size() * sizeof(std::uint32_t));
+    return {device, vk::ShaderModuleCreateInfo({}, words)};
+}
+
+vk::raii::Pipeline createPipeline(const vk::raii::Device &device, vk::PipelineLayout layout,
+                                  vk::RenderPass renderPass, const QByteArray &vertex,
+                                  const QByteArray &fragment)
+{
+    const vk::raii::ShaderModule vertexModule = createModule(device, vertex);
+    const vk::raii::ShaderModule fragmentModule = createModule(device, fragment);
+    const std::array<vk::PipelineShaderStageCreateInfo, 2> stages = {
+            vk::PipelineShaderStageCreateInfo({}, vk::ShaderStageFlagBits::eVertex, *vertexModule,
+                                              "main"),
+            vk::PipelineShaderStageCreateInfo({}, vk::ShaderStageFlagBits::eFragment,
+                                              *fragmentModule, "main")};
+    const vk::PipelineVertexInputStateCreateInfo vertices;
+    const vk::PipelineInputAssemblyStateCreateInfo assembly({},
+                                                            vk::PrimitiveTopology::eTriangleList);
+    const vk::PipelineViewportStateCreateInfo viewport({}, 1, nullptr, 1, nullptr);
+    vk::PipelineRasterizationStateCreateInfo rasterization;
+    rasterization.lineWidth = 1.0F;
+    const vk::PipelineMultisampleStateCreateInfo samples({}, vk::SampleCountFlagBits::e1);
+    vk::PipelineColorBlendAttachmentState attachment;
+    attachment.colorWriteMask = vk::ColorComponentFlagBits::eR | vk::ColorComponentFlagBits::eG
+            | vk::ColorComponentFlagBits::eB | vk::ColorComponentFlagBits::eA;
+    const vk::PipelineColorBlendStateCreateInfo blending({}, VK_FALSE, vk::LogicOp::eCopy,
+                                                         attachment);
+    const std::array<vk::DynamicState, 2> states = {vk::DynamicState::eViewport,
+                                                    vk::DynamicState::eScissor};
+    const vk::PipelineDynamicStateCreateInfo dynamic({}, states);
+    return {device, nullptr,
+            vk::GraphicsPipelineCreateInfo({}, stages, &vertices, &assembly, nullptr, &viewport,
+                                           &rasterization, &samples, nullptr, &blending, &dynamic,
+                                           layout, renderPass)};
+}
+
+} // namespace
+
+// Its functions throw Vulkan's exceptions, except those that take an error.
+class ViewPass::State
+{
+public:
+    State(std::shared_ptr<VulkanDevice> shared, const QByteArray &vertex,
+          const QByteArray &fragment)
+        : m_device(std::move(shared)),
+          m_raii(m_device->raiiDevice()),
+          m_sampler(m_raii, vk::SamplerCreateInfo()),
+          m_setLayout(createSetLayout(m_raii, *m_sampler)),
+          m_layout(createLayout(m_raii, m_setLayout)),
+          m_renderPass(createRenderPass(m_raii)),
+          m_pipeline(createPipeline(m_raii, *m_layout, *m_renderPass, vertex, fragment))
+    {
+        if (m_device->timestampPeriod() == 0.0)
+            return;
+        for (Flight &flight : m_flights)
+            flight.timestamps = {
+                    m_raii, vk::QueryPoolCreateInfo({}, vk::QueryType::eTimestamp, kTimestamps)};
+    }
+
+    ~State()
+    {
+        QString ignored;
+        m_device->waitForAll(ignored);
+    }
+    Q_DISABLE_COPY_MOVE(State)
+
+    bool createBlack(QString &error)
+    {
+        constexpr std::uint32_t kBlack = 0xFF000000;
+        return m_device->createImage({1, 1}, VkFormat(kFormat),
+                                     VK_IMAGE_USAGE_SAMPLED_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT,
+                                     m_black, error)
+                && m_device->upload(*m_black, &kBlack, sizeof(kBlack), error);
+    }
+
+    const auto &dispatcher() const
+    {
+        return *m_raii.getDispatcher();
+    }
+
+    void begin(VkCommandBuffer commands, int number)
+    {
+        if (const vk::raii::QueryPool &stamps = flight(number).timestamps; *stamps) {
+            vk::CommandBuffer(commands).resetQueryPool(*stamps, 0, kTimestamps, dispatcher());
+            writeTimestamp(commands, number, 0);
+        }
+    }
+
+    bool record(VkCommandBuffer commands, int number, const ViewInput &input, QString &error);
+    bool read(int number, ViewOutput &output, QString &error);
+
+private:
+    Flight &flight(int number)
+    {
+        return m_flights.at(std::size_t(number));
+    }
+    void writeTimestamp(VkCommandBuffer commands, int number, std::uint32_t index)
+    {
+        if (const vk::raii::QueryPool &stamps = flight(number).timestamps; *stamps)
+            vk::CommandBuffer(commands).writeTimestamp(vk::PipelineStageFlagBits::eBottomOfPipe,
+                                                       *stamps, index, dispatcher());
+    }
+
+    bool updateTarget(Target &target, QSize size, QString &error);
+    bool updateBuffer(Flight &flight, std::size_t size, QString &error);
+    void updateSets(Flight &flight, std::uint32_t count) const;
+    void beginDrawing(VkCommandBuffer commands, const Target &target) const;
+    void draw(VkCommandBuffer commands, const Flight &flight, const OutputImage &picture,
+              const OutputImage &compared, const QRect &area, const Constants &constants) const;
+
+    std::shared_ptr<VulkanDevice> m_device;
+    const vk::raii::Device &m_raii;
+    vk::raii::Sampler m_sampler;
+    vk::raii::DescriptorSetLayout m_setLayout;
+    vk::raii::PipelineLayout m_layout;
+    vk::raii::RenderPass m_renderPass;
+    vk::raii::Pipeline m_pipeline;
+    std::unique_ptr<DeviceImage> m_black;
+    Target m_view;
+    Target m_atlas;
+    std::vector<std::shared_ptr<HostBuffer>> m_buffers; // those that images use, and spare ones
+    std::array<Flight, VulkanDevice::kFramesInFlight> m_flights;
+};
+
+bool ViewPass::State::updateTarget(Target &target, QSize size, QString &error)
+{
+    if (target.image && target.image->size() == size)
+        return true;
+    Target created;
+    const bool isDone = m_device->createImage(size, VkFormat(kFormat),
+                                              VK_IMAGE_USAGE_COLOR_ATTACHMENT_BIT
+                                                      | VK_IMAGE_USAGE_TRANSFER_SRC_BIT,
+                                              created.image, error)
+            && runVulkan(error,
+                         [&] {
+                             const std::array<vk::ImageView, 1> views = {created.image->view()};
+                             created.framebuffer = {
+                                     m_raii,
+                                     vk::FramebufferCreateInfo({}, *m_renderPass, views,
+                                                               std::uint32_t(size.width()),
+                                                               std::uint32_t(size.height()), 1)};
+                         })
+            && m_device->waitForAll(error);
+    if (isDone)
+        std::swap(target, created);
+    return isDone;
+}
+
+// Takes a buffer that no image uses any more.
+bool ViewPass::State::updateBuffer(Flight &flight, std::size_t size, QString &error)
+{
+    flight.buffer.reset();
+    std::erase_if(m_buffers, [size](const std::shared_ptr<HostBuffer> &buffer) {
+        return buffer.use_count() == 1 && (buffer->size() < size || buffer->size() / 2 > size);
+    });
+    const auto spare =
+            std::ranges::find_if(m_buffers, [](const std::shared_ptr<HostBuffer> &buffer) {
+                return buffer.use_count() == 1;
+            });
+    if (spare != m_buffers.end()) {
+        std::atomic_thread_fence(std::memory_order_acquire); // after the image's last reader
+        flight.buffer = *spare;
+        return true;
+    }
+    if (!m_device->createBuffer(size, VulkanDevice::Transfer::Download, flight.buffer, error))
+        return false;
+    m_buffers.push_back(flight.buffer);
+    return true;
+}
+
+void ViewPass::State::updateSets(Flight &flight, std::uint32_t count) const
+{
+    if (flight.setCapacity >= count) {
+        flight.sets.reset();
+        return;
+    }
+    const vk::DescriptorPoolSize size(vk::DescriptorType::eCombinedImageSampler, 2 * count);
+    flight.sets = {m_raii, vk::DescriptorPoolCreateInfo({}, count, size)};
+    flight.setCapacity = count;
+}
+
+void ViewPass::State::beginDrawing(VkCommandBuffer commands, const Target &target) const
+{
+    const vk::CommandBuffer recorded(commands);
+    const vk::Extent2D extent(std::uint32_t(target.image->size().width()),
+                              std::uint32_t(target.image->size().height()));
+    recorded.beginRenderPass({*m_renderPass, *target.framebuffer, {{}, extent}},
+                             vk::SubpassContents::eInline, dispatcher());
+    recorded.bindPipeline(vk::PipelineBindPoint::eGraphics, *m_pipeline, dispatcher());
+}
+
+void ViewPass::State::draw(VkCommandBuffer commands, const Flight &flight,
+                           const OutputImage &picture, const OutputImage &compared,
+                           const QRect &area, const Constants &constants) const
+{
+    // The pool frees its sets.
+    const vk::DescriptorSetAllocateInfo info(*flight.sets, *m_setLayout);
+    const vk::DescriptorSet set = (*m_raii).allocateDescriptorSets(info, dispatcher()).front();
+    const auto input = [this](const OutputImage &image) {
+        return vk::DescriptorImageInfo({},
+                                       image.view == VK_NULL_HANDLE ? m_black->view() : image.view,
+                                       vk::ImageLayout::eShaderReadOnlyOptimal);
+    };
+    const std::array<vk::DescriptorImageInfo, 2> inputs = {input(picture), input(compared)};
+    m_raii.updateDescriptorSets(
+            vk::WriteDescriptorSet(set, 0, 0, vk::DescriptorType::eCombinedImageSampler, inputs),
+            {});
+    const vk::CommandBuffer recorded(commands);
+    recorded.bindDescriptorSets(vk::PipelineBindPoint::eGraphics, *m_layout, 0, set, {},
+                                dispatcher());
+    recorded.setViewport(0,
+                         vk::Viewport(float(area.x()), float(area.y()), float(area.width()),
+                                      float(area.height()), 0.0F, 1.0F),
+                         dispatcher());
+    recorded.setScissor(0,
+                        vk::Rect2D({area.x(), area.y()},
+                                   {std::uint32_t(area.width()), std::uint32_t(area.height())}),
+                        dispatcher());
+    recorded.pushConstants<Constants>(*m_layout, vk::ShaderStageFlagBits::eFragment, 0, constants,
+                                      dispatcher());
+    recorded.draw(3, 1, 0, 0, dispatcher());
+}
+
+bool ViewPass::State::record(VkCommandBuffer commands, int number, const ViewInput &input,
+                             QString &error)
+{
+    using Comparison = ViewState::Comparison;
+    Flight &flight = this->flight(number);
+    const ViewState &state = input.state;
+    const qsizetype count = input.thumbnails.size();
+    // In columns, as a wide atlas may exceed what the device supports.
+    constexpr int kRows = 8;
+    const auto cellOf = [&input](qsizetype index) {
+        const QSize size = input.thumbnailSize;
+        return QRect(QPoint(int(index / kRows) * size.width(), int(index % kRows) * size.height()),
+                     size);
+    };
+    flight.size = state.size;
+    flight.atlasSize = {};
+    flight.thumbnails.clear();
+    for (qsizetype i = 0; i < count; ++i) {
+        flight.thumbnails.append(cellOf(i));
+        flight.atlasSize =
+                flight.atlasSize.expandedTo({cellOf(i).right() + 1, cellOf(i).bottom() + 1});
+    }
+    const bool hasTexel = QRect(QPoint(), input.picture.size).contains(input.texel);
+    const bool isTexelKnown = hasTexel && input.picture.image == VK_NULL_HANDLE;
+    flight.texel.reset();
+    flight.texelFormat.reset();
+    if (isTexelKnown)
+        flight.texel = {0.0F, 0.0F, 0.0F, input.picture.blackAlpha};
+    else if (hasTexel)
+        flight.texelFormat = input.picture.format;
+
+    const std::size_t viewBytes = bytesOf(state.size);
+    if (!updateTarget(m_view, state.size, error)
+        || (count > 0 && !updateTarget(m_atlas, flight.atlasSize, error))
+        || !updateBuffer(flight, kTexelBytes + viewBytes + bytesOf(flight.atlasSize), error))
+        return false;
+    return runVulkan(error, [&] {
+        updateSets(flight, std::uint32_t(count) + 1);
+        const auto left = float(state.placement.left());
+        const auto width = float(state.placement.width());
+        Constants constants = {.placement = {left, float(state.placement.top()), width,
+                                             float(state.placement.height())},
+                               .shift = 0.0F,
+                               .split = -2.0F,
+                               .differenceGain = 0.0F,
+                               .headroom = state.headroom,
+                               .comparedHeadroom = input.comparedHeadroom,
+                               .exposure = state.exposure,
+                               .channel = state.channel};
+        if (state.comparison == Comparison::Split)
+            constants.split = std::round(left + state.split * width);
+        else if (state.comparison == Comparison::SideBySide)
+            constants.shift = float(state.size.width() / 2);
+        else if (state.comparison == Comparison::Difference)
+            constants.differenceGain = float(ViewState::kDifferenceGain);
+        const bool showsOther = state.comparison == Comparison::Other;
+        if (showsOther)
+            constants.headroom = input.comparedHeadroom;
+        const OutputImage &picture = showsOther ? input.compared : input.picture;
+        beginDrawing(commands, m_view);
+        draw(commands, flight, picture,
+             state.comparison == Comparison::None ? input.picture : input.compared,
+             {QPoint(), state.size}, constants);
+        vk::CommandBuffer(commands).endRenderPass(dispatcher());
+        writeTimestamp(commands, number, 1);
+        const HostBuffer &buffer = *flight.buffer;
+        m_device->recordDownload(commands, m_view.image->image(),
+                                 VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL, {QPoint(), state.size},
+                                 buffer, kTexelBytes);
+        if (flight.texelFormat)
+            m_device->recordDownload(commands, input.picture.image,
+                                     VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL,
+                                     {input.texel, QSize(1, 1)}, buffer, 0);
+        writeTimestamp(commands, number, 2);
+        if (count == 0)
+            return;
+        beginDrawing(commands, m_atlas);
+        for (qsizetype i = 0; i < count; ++i) {
+            const QRect cell = flight.thumbnails.at(i);
+            draw(commands, flight, input.thumbnails.at(i), input.thumbnails.at(i), cell,
+                 {.placement = {float(cell.x()), float(cell.y()), float(cell.width()),
+                                float(cell.height())},
+                  .shift = 0.0F,
+                  .split = -2.0F,
+                  .differenceGain = 0.0F,
+                  .headroom = i == count - 1 ? input.lastHeadroom : 0.0F,
+                  .comparedHeadroom = 0.0F,
+                  .exposure = 1.0F,
+                  .channel = -1});
+        }
+        vk::CommandBuffer(commands).endRenderPass(dispatcher());
+        m_device->recordDownload(commands, m_atlas.image->image(),
+                                 VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL, {QPoint(), flight.atlasSize},
+                                 buffer, kTexelBytes + viewBytes);
+    });
+}
+
+bool ViewPass::State::read(int number, ViewOutput &output, QString &error)
+{
+    Flight &flight = this->flight(number);
+    if (!m_device->wait(number, flight.buffer.get(), error))
+        return false;
+    const auto *const bytes = static_cast<const uchar *>(flight.buffer->data());
+    const uchar *const view = bytes + kTexelBytes;
+    output.texel = flight.texel;
+    if (flight.texelFormat) {
+        output.texel.emplace();
+        readTexels(bytes, *flight.texelFormat, &*output.texel, 1);
+    }
+    const QImage atlas(view + bytesOf(flight.size), flight.atlasSize.width(),
+                       flight.atlasSize.height(), QImage::Format_RGB32);
+    output.thumbnails.clear();
+    for (const QRect &cell : std::as_const(flight.thumbnails))
+        output.thumbnails.append(atlas.copy(cell));
+    // The image keeps the buffer.
+    auto *const keeper = new std::shared_ptr<HostBuffer>(std::move(flight.buffer));
+    output.image = QImage(
+            view, flight.size.width(), flight.size.height(), QImage::Format_RGB32,
+            [](void *kept) { delete static_cast<std::shared_ptr<HostBuffer> *>(kept); }, keeper);
+    return runVulkan(error, [&] {
+        if (!*flight.timestamps)
+            return;
+        const auto [result, times] = flight.timestamps.getResults<std::uint64_t>(
+                0, kTimestamps, kTimestamps * sizeof(std::uint64_t), sizeof(std::uint64_t),
+                vk::QueryResultFlagBits::e64);
+        if (result != vk::Result::eSuccess)
+            return;
+        const double period = m_device->timestampPeriod() * 1e-6;
+        output.drawMilliseconds = double(times[1] - times[0]) * period;
+        output.transferMilliseconds = double(times[2] - times[1]) * period;
+    });
+}
+
+bool ViewPass::create(const std::shared_ptr<VulkanDevice> &device, const QByteArray &vertex,
+                      const QByteArray &fragment, std::unique_ptr<ViewPass> &pass, QString &error)
+{
+    std::unique_ptr<State> state;
+    if (!runVulkan(error, [&] { state = std::make_unique<State>(device, vertex, fragment); })
+        || !state->createBlack(error))
+        return false;
+    pass.reset(new ViewPass(std::move(state)));
+    return true;
+}
+
+ViewPass::ViewPass(std::unique_ptr<State> state) : m_state(std::move(state)) { }
+
+ViewPass::~ViewPass() = default;
+
+void ViewPass::begin(VkCommandBuffer commands, int number)
+{
+    m_state->begin(commands, number);
+}
+
+bool ViewPass::record(VkCommandBuffer commands, int number, const ViewInput &input, QString &error)
+{
+    return m_state->record(commands, number, input, error);
+}
+
+bool ViewPass::read(int number, ViewOutput &output, QString &error)
+{
+    return m_state->read(number, output, error);
+}
