@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <numbers>
 
 using namespace Qt::StringLiterals;
 using namespace RenderGraphManifestData;
@@ -47,6 +48,14 @@ FloatImage staircase(float even, float odd)
         const float level = x % 2 == 0 ? even : odd;
         return x > y ? level : 0.0F;
     });
+}
+
+// An ordered 4x4 dither, so many sixteenths of it bright.
+bool isBright(int sixteenths, int x, int y)
+{
+    static constexpr int kOrder[4][4] = {
+            {0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+    return kOrder[y % 4][x % 4] < sixteenths;
 }
 
 // Three times as large, by the preset's scaler at these values.
@@ -92,6 +101,12 @@ private Q_SLOTS:
     void grain();
     void scalerKeepsStraightEdges_data();
     void scalerKeepsStraightEdges();
+    void scalerKeepsADither_data();
+    void scalerKeepsADither();
+    void scalerDrawsLetters_data();
+    void scalerDrawsLetters();
+    void scalerDrawsADisc_data();
+    void scalerDrawsADisc();
     void scalerRoundsABend();
     void scalerSmoothsAStaircase();
     void scalerComparesByItsThreshold_data();
@@ -556,6 +571,111 @@ void TestLcdShaders::scalerKeepsStraightEdges()
     }
 }
 
+// No dot of it joins another.
+void TestLcdShaders::scalerKeepsADither_data()
+{
+    QTest::addColumn<int>("sixteenthsAbove");
+    QTest::addColumn<int>("sixteenthsBelow");
+    for (int sixteenths = 3; sixteenths <= 13; ++sixteenths)
+        QTest::addRow("%d of 16", sixteenths) << sixteenths << sixteenths;
+    QTest::newRow("gradient") << 4 << 10;
+}
+
+void TestLcdShaders::scalerKeepsADither()
+{
+    QFETCH(int, sixteenthsAbove);
+    QFETCH(int, sixteenthsBelow);
+    const FloatImage picture = painted({16, 16}, [=](int x, int y) {
+        const int sixteenths = sixteenthsAbove + (sixteenthsBelow - sixteenthsAbove) * y / 15;
+        return isBright(sixteenths, x, y) ? 0.6F : 0.3F;
+    });
+    const FloatImage larger = tripled(picture);
+    for (int y = 6; y < 42; ++y) {
+        for (int x = 6; x < 42; ++x)
+            QVERIFY(isNear(encoded(double(larger.at(x, y)[0])), double(picture.at(x / 3, y / 3)[0]),
+                           2e-3));
+    }
+}
+
+// Strokes keep their widths and bows are round: no stem is wedge-shaped, and nothing grows out of
+// it.
+void TestLcdShaders::scalerDrawsLetters_data()
+{
+    QTest::addColumn<QByteArrayList>("letter");
+    QTest::addColumn<QByteArrayList>("expected");
+    // The lower five of its seven rows.
+    const auto row = [](const char *name, const QByteArrayList &letter,
+                        const QByteArrayList &expected) {
+        QTest::newRow(name) << letter << expected;
+    };
+    row("h", {"#....", "#....", "#.##.", "##..#", "#...#", "#...#", "#...#"},
+        {"###....###.....", "###...######...", "###..########..", "########...###.",
+         "######......##.", "#####.......###", "####........###", "####........###",
+         "###.........###", "###.........###", "###.........###", "###.........###",
+         "###.........###", "###.........###", ".#...........#."});
+    row("k", {"#....", "#....", "#..#.", "#.#..", "##...", "#.#..", "#..#."},
+        {"###.......#....", "###......###...", "###.....###....", "###....###.....",
+         "###...###......", "###..###.......", "#######........", "######.........",
+         "#######........", "###..###.......", "###...###......", "###....###.....",
+         "###.....###....", "###......###...", ".#........#...."});
+    row("n", {".....", ".....", "#.##.", "##..#", "#...#", "#...#", "#...#"},
+        {".##...####.....", "###...######...", "###..########..", "########...###.",
+         "######......##.", "#####.......###", "####........###", "####........###",
+         "###.........###", "###.........###", "###.........###", "###.........###",
+         "###.........###", "###.........###", ".#...........#."});
+    row("m", {".....", ".....", "##.#.", "#.#.#", "#.#.#", "#.#.#", "#.#.#"},
+        {".#####...##....", "######...###...", "#######.#####..", "####.#####.###.",
+         "###...###...##.", "###...###...###", "###...###...###", "###...###...###",
+         "###...###...###", "###...###...###", "###...###...###", "###...###...###",
+         "###...###...###", "###...###...###", ".##...###...##."});
+}
+
+void TestLcdShaders::scalerDrawsLetters()
+{
+    QFETCH(QByteArrayList, letter);
+    QFETCH(QByteArrayList, expected);
+    const FloatImage picture = painted({11, 11}, [&](int x, int y) {
+        return x >= 3 && x < 8 && y >= 2 && y < 9 && letter[y - 2][x - 3] == '#';
+    });
+    const FloatImage larger = tripled(picture, {{u"SFX_SAA"_s, 0.0F}});
+    for (int y = 0; y < 15; ++y) {
+        QByteArray row;
+        for (int x = 0; x < 15; ++x)
+            row.append(larger.at(9 + x, 12 + y)[0] > 0.5F ? '#' : '.');
+        QCOMPARE(row, expected[y]);
+    }
+}
+
+// How far its outline is from a circle, in source pixels: the mean over the circle.
+void TestLcdShaders::scalerDrawsADisc_data()
+{
+    QTest::addColumn<int>("sixteenths"); // of the dither around it
+    QTest::addColumn<double>("most");
+    QTest::newRow("on a flat ground") << 0 << 0.12;
+    QTest::newRow("on a dither") << 7 << 0.12;
+}
+
+void TestLcdShaders::scalerDrawsADisc()
+{
+    QFETCH(int, sixteenths);
+    QFETCH(double, most);
+    const FloatImage picture = painted({29, 29}, [=](int x, int y) {
+        const bool isDisc = std::hypot(x - 14, y - 14) < 12.0;
+        return isDisc ? 1.0F : isBright(sixteenths, x, y) ? 0.6F : 0.4F;
+    });
+    const FloatImage larger = tripled(picture);
+    const auto isDisc = [&](int x, int y) { return encoded(double(larger.at(x, y)[0])) > 0.8; };
+    int area = 0;
+    for (int i = 0; i < 87 * 87; ++i)
+        area += isDisc(i % 87, i / 87) ? 1 : 0;
+    const double radius = std::sqrt(double(area) / std::numbers::pi);
+    int beside = 0;
+    for (int i = 0; i < 87 * 87; ++i)
+        beside += isDisc(i % 87, i / 87) != (std::hypot(i % 87 - 43, i / 87 - 43) < radius) ? 1 : 0;
+    const double away = beside / (2.0 * std::numbers::pi * radius) / 3.0;
+    QVERIFY(isBetween(away, 0.0, most));
+}
+
 // Both sides of it, and so it keeps its width.
 void TestLcdShaders::scalerRoundsABend()
 {
@@ -584,21 +704,29 @@ void TestLcdShaders::scalerSmoothsAStaircase()
     QCOMPARE(hard.at(21, 23)[0], 0.0F);
 }
 
-// The steps' two bright neighbours differ by 0.3, and by 0.7 at least from the dark pixel.
+// Of the steps of the edge: their two bright neighbours and their contrast to the dark pixel.
 void TestLcdShaders::scalerComparesByItsThreshold_data()
 {
+    QTest::addColumn<float>("even");
+    QTest::addColumn<float>("odd");
     QTest::addColumn<float>("threshold");
     QTest::addColumn<bool>("isCut");
-    QTest::newRow("just too strict") << 0.41F << false;
-    QTest::newRow("just lenient enough") << 0.45F << true;
+    QTest::newRow("bright and darker, just too strict") << 0.7F << 1.0F << 0.14F << false;
+    QTest::newRow("bright and darker, just lenient enough") << 0.7F << 1.0F << 0.15F << true;
+    QTest::newRow("faint, strictest") << 0.25F << 0.25F << 0.01F << false;
+    QTest::newRow("faint, just too strict") << 0.1F << 0.1F << 0.037F << false;
+    QTest::newRow("faint, just lenient enough") << 0.1F << 0.1F << 0.042F << true;
+    QTest::newRow("strong, strictest") << 1.0F << 1.0F << 0.01F << true;
 }
 
 void TestLcdShaders::scalerComparesByItsThreshold()
 {
+    QFETCH(float, even);
+    QFETCH(float, odd);
     QFETCH(float, threshold);
     QFETCH(bool, isCut);
     const FloatImage hard =
-            tripled(staircase(0.7F, 1.0F), {{u"SFX_CLR"_s, threshold}, {u"SFX_SAA"_s, 0.0F}});
+            tripled(staircase(even, odd), {{u"SFX_CLR"_s, threshold}, {u"SFX_SAA"_s, 0.0F}});
     QCOMPARE(hard.at(23, 21)[0] > 0.0F, isCut);
 }
 

@@ -8,6 +8,7 @@ const int kFlagBit = 8;
 const int kStraightAcross = 0; // a horizontal edge runs straight through the lower right corner
 const int kStraightDown = 1; // a vertical one does
 const int kSmooth = 2; // edges are to be blended
+const int kDithered = 3; // the pixel is a dot of a dither
 
 int levelOf(vec4 corners, int corner)
 {
@@ -31,6 +32,15 @@ vec4 fetchOrZero(sampler2D image, ivec2 at)
     ivec2 size = textureSize(image, 0);
     bool inside = all(greaterThanEqual(at, ivec2(0))) && all(lessThan(at, size));
     return inside ? texelFetch(image, at, 0) : vec4(0.0);
+}
+
+// A colour as scalefx-pass0 writes it. Beyond its edge the picture is mirrored, so that a dither
+// goes on.
+vec3 colorAt(sampler2D colors, ivec2 at)
+{
+    ivec2 last = textureSize(colors, 0) - 1;
+    ivec2 mirrored = last - abs(last - abs(at));
+    return texelFetch(colors, max(mirrored, ivec2(0)), 0).rgb;
 }
 
 // What the last pass reads for each side of a pixel. From either end of the side a wedge of the
