@@ -20,6 +20,13 @@ FloatImage beam(const FloatImage &light, QSize size, const Params &params, std::
                     [frame](FrameState &state) { state.frameCount = frame; });
 }
 
+// The light that halation starts from, as the tube's face shows it.
+FloatImage faceLight(const FloatImage &light, QSize size, const Params &params)
+{
+    const FloatImage face = grey({320, 240}, 0.0F);
+    return evaluate(u"crt-optics-down"_s, {{.picture = &face}, {.picture = &light}}, size, params);
+}
+
 FloatImage amplified(const FloatImage &light, float megahertz, float microseconds)
 {
     return evaluate(
@@ -110,6 +117,9 @@ private Q_SLOTS:
     void blackLineOnWhite();
     void rowsLieOnLines_data();
     void rowsLieOnLines();
+    void halationStartsFromTheFace_data();
+    void halationStartsFromTheFace();
+    void halationHasNoLightBeyondTheCorners();
     void fieldsAlternate_data();
     void fieldsAlternate();
     void beamKeepsItsEnergy_data();
@@ -339,13 +349,61 @@ void TestCrtRaster::rowsLieOnLines()
     QFETCH(int, row);
     QFETCH(double, middle);
     QFETCH(double, light);
-    const Params params =
-            with(kScanline, {{u"raster_lines"_s, lines}, {u"raster_offset"_s, offset}});
-    const FloatImage drawn = beam(litRow({32, rows}, row), {160, 720}, params);
+    const Params raster = {{u"raster_lines"_s, lines}, {u"raster_offset"_s, offset}};
+    const FloatImage lit = litRow({32, rows}, row);
+    const FloatImage drawn = beam(lit, {160, 720}, with(kScanline, raster));
     const Spot spot = spotOf(drawn);
     QVERIFY(isNear(spot.y, middle, 1e-4));
     // A little is lost beyond the picture's sides.
     QVERIFY(isNear(spot.light / light, 1.0, 2e-3));
+    // Halation takes each row from its own place; a line can show the mean of two rows.
+    const Spot onFace = spotOf(faceLight(lit, {8, 720}, raster));
+    QVERIFY(isNear(onFace.y, middle, 0.51 / rows));
+    QVERIFY(isNear(onFace.light / light, 1.0, 2e-3));
+}
+
+// A patch a quarter of the way into the picture: where each gun shows it on the face, in parts of
+// the face, and its light, in parts of white all over the face.
+void TestCrtRaster::halationStartsFromTheFace_data()
+{
+    QTest::addColumn<Params>("params");
+    QTest::addColumn<QList<QPointF>>("middles");
+    QTest::addColumn<double>("light");
+    const auto row = [](const char *name, const Params &params, const QList<QPointF> &middles,
+                        double light) { QTest::newRow(name) << params << middles << light; };
+    const QPointF quarter(0.25, 0.25);
+    row("plain", {}, {quarter, quarter, quarter}, 6.25e-4);
+    const QPointF enlarged(0.205882, 0.1875);
+    row("overscan", {{u"overscan"_s, 0.1F}}, {enlarged, enlarged, enlarged}, 9.1912e-4);
+    const QPointF bent(0.23919, 0.23919);
+    row("curved", {{u"barrel_distortion"_s, 0.1F}}, {bent, bent, bent}, 6.1656e-4);
+    row("guns apart",
+        {{u"conv_rx"_s, 2.0F}, {u"conv_ry"_s, -1.0F}, {u"conv_bx"_s, -3.0F}, {u"conv_by"_s, 2.0F}},
+        {{0.25625, 0.245833}, quarter, {0.240625, 0.258333}}, 6.25e-4);
+}
+
+void TestCrtRaster::halationStartsFromTheFace()
+{
+    QFETCH(Params, params);
+    QFETCH(QList<QPointF>, middles);
+    QFETCH(double, light);
+    const FloatImage patch = painted(
+            {960, 240}, [](int x, int y) { return x >= 228 && x < 252 && y >= 57 && y < 63; });
+    const FloatImage drawn = faceLight(patch, {320, 240}, params);
+    for (std::size_t c = 0; c < 3; ++c) {
+        const Spot spot = spotOf(drawn, c);
+        QVERIFY(isNear(spot.x, middles[int(c)].x(), 2e-4));
+        QVERIFY(isNear(spot.y, middles[int(c)].y(), 2e-4));
+        QVERIFY(isNear(spot.light / light, 1.0, 2e-3));
+    }
+}
+
+// A rounded corner lacks (1 - pi / 4) radius^2.
+void TestCrtRaster::halationHasNoLightBeyondTheCorners()
+{
+    const FloatImage white = grey({32, 240}, 1.0F);
+    const FloatImage drawn = faceLight(white, {320, 240}, {{u"corner_radius"_s, 0.1F}});
+    QVERIFY(isNear(mean(drawn, 1), 0.993562, 2e-4));
 }
 
 void TestCrtRaster::fieldsAlternate_data()

@@ -271,7 +271,8 @@ void TestCrtScreen::haloIsRound()
     FloatImage point(size, {0.0F, 0.0F, 0.0F, 1.0F});
     point.at(size.width() / 2, size.height() / 2) = {100.0F, 100.0F, 100.0F, 1.0F};
     const Params params = {{u"halation_sigma"_s, sigma}};
-    FloatImage halo = evaluate(u"crt-optics-down"_s, {{.picture = &point}}, {320, 240});
+    FloatImage halo =
+            evaluate(u"crt-optics-down"_s, {{.picture = &point}, {.picture = &point}}, {320, 240});
     const auto blur = [&](const char *component) {
         const FloatImage last = halo;
         halo = evaluate(QString::fromLatin1(component), {{.picture = &last, .linearFilter = true}},

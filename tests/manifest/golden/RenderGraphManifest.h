@@ -318,7 +318,19 @@ inline constexpr PassEntry kPass_crt_pvm_9 = {
   kParams_crt_pvm_9, 3,
 };
 
-inline constexpr int kSampledInputs_crt_pvm_10[] = {9};
+inline constexpr int kSampledInputs_crt_pvm_10[] = {9, 7};
+inline constexpr ParamEntry kParams_crt_pvm_10[] = {
+  { "barrel_distortion", 0u },
+  { "conv_bx", 1u },
+  { "conv_by", 2u },
+  { "conv_rx", 3u },
+  { "conv_ry", 4u },
+  { "corner_radius", 5u },
+  { "overscan", 6u },
+  { "raster_interlace", 7u },
+  { "raster_lines", 8u },
+  { "raster_offset", 9u },
+};
 inline constexpr PassEntry kPass_crt_pvm_10 = {
   ":/shaders/vulkan/spirv/crt-optics-down.frag.spv",
   ":/shaders/vulkan/spirv/fullscreen.vert.spv",
@@ -334,8 +346,8 @@ inline constexpr PassEntry kPass_crt_pvm_10 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_pvm_10, 1,
-  nullptr, 0,
+  kSampledInputs_crt_pvm_10, 2,
+  kParams_crt_pvm_10, 10,
 };
 
 inline constexpr int kSampledInputs_crt_pvm_11[] = {10};
@@ -818,7 +830,19 @@ inline constexpr PassEntry kPass_crt_bvm_9 = {
   kParams_crt_bvm_9, 3,
 };
 
-inline constexpr int kSampledInputs_crt_bvm_10[] = {9};
+inline constexpr int kSampledInputs_crt_bvm_10[] = {9, 7};
+inline constexpr ParamEntry kParams_crt_bvm_10[] = {
+  { "barrel_distortion", 0u },
+  { "conv_bx", 1u },
+  { "conv_by", 2u },
+  { "conv_rx", 3u },
+  { "conv_ry", 4u },
+  { "corner_radius", 5u },
+  { "overscan", 6u },
+  { "raster_interlace", 7u },
+  { "raster_lines", 8u },
+  { "raster_offset", 9u },
+};
 inline constexpr PassEntry kPass_crt_bvm_10 = {
   ":/shaders/vulkan/spirv/crt-optics-down.frag.spv",
   ":/shaders/vulkan/spirv/fullscreen.vert.spv",
@@ -834,8 +858,8 @@ inline constexpr PassEntry kPass_crt_bvm_10 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_bvm_10, 1,
-  nullptr, 0,
+  kSampledInputs_crt_bvm_10, 2,
+  kParams_crt_bvm_10, 10,
 };
 
 inline constexpr int kSampledInputs_crt_bvm_11[] = {10};
@@ -1318,7 +1342,19 @@ inline constexpr PassEntry kPass_crt_arcade_9 = {
   kParams_crt_arcade_9, 3,
 };
 
-inline constexpr int kSampledInputs_crt_arcade_10[] = {9};
+inline constexpr int kSampledInputs_crt_arcade_10[] = {9, 7};
+inline constexpr ParamEntry kParams_crt_arcade_10[] = {
+  { "barrel_distortion", 0u },
+  { "conv_bx", 1u },
+  { "conv_by", 2u },
+  { "conv_rx", 3u },
+  { "conv_ry", 4u },
+  { "corner_radius", 5u },
+  { "overscan", 6u },
+  { "raster_interlace", 7u },
+  { "raster_lines", 8u },
+  { "raster_offset", 9u },
+};
 inline constexpr PassEntry kPass_crt_arcade_10 = {
   ":/shaders/vulkan/spirv/crt-optics-down.frag.spv",
   ":/shaders/vulkan/spirv/fullscreen.vert.spv",
@@ -1334,8 +1370,8 @@ inline constexpr PassEntry kPass_crt_arcade_10 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_arcade_10, 1,
-  nullptr, 0,
+  kSampledInputs_crt_arcade_10, 2,
+  kParams_crt_arcade_10, 10,
 };
 
 inline constexpr int kSampledInputs_crt_arcade_11[] = {10};
@@ -1818,7 +1854,19 @@ inline constexpr PassEntry kPass_crt_pc_9 = {
   kParams_crt_pc_9, 3,
 };
 
-inline constexpr int kSampledInputs_crt_pc_10[] = {9};
+inline constexpr int kSampledInputs_crt_pc_10[] = {9, 7};
+inline constexpr ParamEntry kParams_crt_pc_10[] = {
+  { "barrel_distortion", 0u },
+  { "conv_bx", 1u },
+  { "conv_by", 2u },
+  { "conv_rx", 3u },
+  { "conv_ry", 4u },
+  { "corner_radius", 5u },
+  { "overscan", 6u },
+  { "raster_interlace", 7u },
+  { "raster_lines", 8u },
+  { "raster_offset", 9u },
+};
 inline constexpr PassEntry kPass_crt_pc_10 = {
   ":/shaders/vulkan/spirv/crt-optics-down.frag.spv",
   ":/shaders/vulkan/spirv/fullscreen.vert.spv",
@@ -1834,8 +1882,8 @@ inline constexpr PassEntry kPass_crt_pc_10 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_pc_10, 1,
-  nullptr, 0,
+  kSampledInputs_crt_pc_10, 2,
+  kParams_crt_pc_10, 10,
 };
 
 inline constexpr int kSampledInputs_crt_pc_11[] = {10};
@@ -2318,7 +2366,19 @@ inline constexpr PassEntry kPass_crt_bw_9 = {
   kParams_crt_bw_9, 3,
 };
 
-inline constexpr int kSampledInputs_crt_bw_10[] = {9};
+inline constexpr int kSampledInputs_crt_bw_10[] = {9, 7};
+inline constexpr ParamEntry kParams_crt_bw_10[] = {
+  { "barrel_distortion", 0u },
+  { "conv_bx", 1u },
+  { "conv_by", 2u },
+  { "conv_rx", 3u },
+  { "conv_ry", 4u },
+  { "corner_radius", 5u },
+  { "overscan", 6u },
+  { "raster_interlace", 7u },
+  { "raster_lines", 8u },
+  { "raster_offset", 9u },
+};
 inline constexpr PassEntry kPass_crt_bw_10 = {
   ":/shaders/vulkan/spirv/crt-optics-down.frag.spv",
   ":/shaders/vulkan/spirv/fullscreen.vert.spv",
@@ -2334,8 +2394,8 @@ inline constexpr PassEntry kPass_crt_bw_10 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_bw_10, 1,
-  nullptr, 0,
+  kSampledInputs_crt_bw_10, 2,
+  kParams_crt_bw_10, 10,
 };
 
 inline constexpr int kSampledInputs_crt_bw_11[] = {10};
@@ -2846,7 +2906,19 @@ inline constexpr PassEntry kPass_crt_consumer_10 = {
   kParams_crt_consumer_10, 3,
 };
 
-inline constexpr int kSampledInputs_crt_consumer_11[] = {10};
+inline constexpr int kSampledInputs_crt_consumer_11[] = {10, 8};
+inline constexpr ParamEntry kParams_crt_consumer_11[] = {
+  { "barrel_distortion", 0u },
+  { "conv_bx", 1u },
+  { "conv_by", 2u },
+  { "conv_rx", 3u },
+  { "conv_ry", 4u },
+  { "corner_radius", 5u },
+  { "overscan", 6u },
+  { "raster_interlace", 7u },
+  { "raster_lines", 8u },
+  { "raster_offset", 9u },
+};
 inline constexpr PassEntry kPass_crt_consumer_11 = {
   ":/shaders/vulkan/spirv/crt-optics-down.frag.spv",
   ":/shaders/vulkan/spirv/fullscreen.vert.spv",
@@ -2862,8 +2934,8 @@ inline constexpr PassEntry kPass_crt_consumer_11 = {
   false,
   1,
   false, false, false,
-  kSampledInputs_crt_consumer_11, 1,
-  nullptr, 0,
+  kSampledInputs_crt_consumer_11, 2,
+  kParams_crt_consumer_11, 10,
 };
 
 inline constexpr int kSampledInputs_crt_consumer_12[] = {11};
