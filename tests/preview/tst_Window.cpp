@@ -16,6 +16,7 @@
 #include <QElapsedTimer>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLayout>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
@@ -64,6 +65,12 @@ private Q_SLOTS:
     void resetValueIsNotPinned();
     void doubleClickResetsTheValue();
     void switchIsACheckBox();
+    void namedChoicesAreAList();
+    void choicesAreInTheDescription_data();
+    void choicesAreInTheDescription();
+    void parametersAreGrouped_data();
+    void parametersAreGrouped();
+    void groupsAreFolded();
     void tapeIsRewound();
     void settingsAreKept();
     void lastPresetIsOpened_data();
@@ -472,13 +479,12 @@ void TestWindow::doubleClickResetsTheValue()
 void TestWindow::switchIsACheckBox()
 {
     const auto window = open(u"gba-lcd"_s);
-    const auto isVisible = [&window](const QString &name) {
-        return window->findChild<QWidget *>(name)->isVisible();
+    const auto has = [&window](const QString &name) {
+        return window->findChild<QWidget *>(name) != nullptr;
     };
-    QVERIFY(isVisible(u"LCD_COLOR_PROFILE.check"_s));
-    QVERIFY(!isVisible(u"LCD_COLOR_PROFILE.slider"_s));
-    QVERIFY(!isVisible(u"LCD_COLOR_PROFILE.number"_s));
-    QVERIFY(!isVisible(u"ghost_rise.check"_s));
+    QVERIFY(!has(u"LCD_COLOR_PROFILE.slider"_s));
+    QVERIFY(!has(u"LCD_COLOR_PROFILE.number"_s));
+    QVERIFY(!has(u"ghost_rise.check"_s));
     auto *const check = window->findChild<QCheckBox *>(u"LCD_COLOR_PROFILE.check"_s);
     QVERIFY(check->isChecked());
     const QImage before = waitForImage(*window);
@@ -486,6 +492,170 @@ void TestWindow::switchIsACheckBox()
     QVERIFY(waitForImage(*window) != before);
     window->session().resetAll();
     QVERIFY(check->isChecked());
+}
+
+void TestWindow::namedChoicesAreAList()
+{
+    const auto window = open(u"crt-arcade"_s);
+    auto *const choice = window->findChild<QComboBox *>(u"mask_type.choice"_s);
+    QVERIFY(choice != nullptr);
+    QVERIFY(window->findChild<QWidget *>(u"mask_type.slider"_s) == nullptr);
+    QVERIFY(window->findChild<QWidget *>(u"mask_duty.choice"_s) == nullptr);
+    QCOMPARE(choice->currentText(), u"slots"_s);
+    QTest::keyClick(choice, Qt::Key_Up);
+    QCOMPARE(choice->currentText(), u"dots"_s);
+    QVERIFY(window->session().overrides().contains(u"{.id = \"mask_type\", .value = 1.0F}"_s));
+    window->session().resetAll();
+    QCOMPARE(choice->currentText(), u"slots"_s);
+}
+
+void TestWindow::choicesAreInTheDescription_data()
+{
+    QTest::addColumn<QString>("description");
+    QTest::addColumn<float>("min");
+    QTest::addColumn<float>("step");
+    QTest::addColumn<QStringList>("choices");
+    QTest::newRow("numbered") << u"Mask Type (0 grille, 1 dots, 2 slots)"_s << 0.0F << 1.0F
+                              << QStringList({u"grille"_s, u"dots"_s, u"slots"_s});
+    QTest::newRow("from 1") << u"Mask Type (1 dots, 2 slots)"_s << 1.0F << 1.0F
+                            << QStringList({u"dots"_s, u"slots"_s});
+    QTest::newRow("slashes") << u"Phosphor Gamut (709/SMPTE-C/240 lines)"_s << 0.0F << 1.0F
+                             << QStringList({u"709"_s, u"SMPTE-C"_s, u"240 lines"_s});
+    QTest::newRow("a name is missing")
+            << u"Mask Type (0 grille, 2 slots)"_s << 0.0F << 1.0F << QStringList();
+    QTest::newRow("a name too many") << u"Mask Type (a/b/c/d)"_s << 0.0F << 1.0F << QStringList();
+    QTest::newRow("half steps") << u"Mask Type (a/b/c)"_s << 0.0F << 0.5F << QStringList();
+    QTest::newRow("not at the end") << u"Mask (a/b/c) Type"_s << 0.0F << 1.0F << QStringList();
+    QTest::newRow("only one step") << u"Mask Type (dots)"_s << 2.0F << 1.0F << QStringList();
+    QTest::newRow("none") << u"Mask Type"_s << 0.0F << 1.0F << QStringList();
+}
+
+void TestWindow::choicesAreInTheDescription()
+{
+    QFETCH(QString, description);
+    QFETCH(float, min);
+    QFETCH(float, step);
+    QFETCH(QStringList, choices);
+    QCOMPARE(choiceNames({.id = {},
+                          .description = description,
+                          .initialValue = 2.0F,
+                          .defaultValue = 2.0F,
+                          .min = min,
+                          .max = 2.0F,
+                          .step = step}),
+             choices);
+}
+
+void TestWindow::parametersAreGrouped_data()
+{
+    QTest::addColumn<QString>("preset");
+    QTest::addColumn<QStringList>("shown");
+    // gba-subpixel has LCD_COLOR_PROFILE too.
+    QTest::newRow("shared parameter")
+            << u"gba-lcd"_s
+            << QStringList({u"gba-color"_s, u"LCD_COLOR_PROFILE"_s, u"gba-ghost"_s, u"ghost_rise"_s,
+                            u"ghost_fall"_s, u"ghost_hdr_speed"_s, u"gba-subpixel"_s,
+                            u"lcd_aperture_x"_s, u"lcd_aperture_y"_s, u"lcd_diffuse"_s,
+                            u"lcd_grid_contrast"_s, u"lcd_spill"_s});
+    QTest::newRow("declared in another order") << u"crt-arcade"_s
+                                               << QStringList({u"crt-linearize"_s,
+                                                               u"crt_gamma_out"_s,
+                                                               u"gun_cutoff"_s,
+                                                               u"color_saturation"_s,
+                                                               u"desaturate"_s,
+                                                               u"crt-abl"_s,
+                                                               u"abl_strength"_s,
+                                                               u"abl_current_limit"_s,
+                                                               u"crt-drive"_s,
+                                                               u"color_temperature"_s,
+                                                               u"mono_warmth"_s,
+                                                               u"crt-horizontal"_s,
+                                                               u"signal_bandwidth_mhz"_s,
+                                                               u"signal_active_us"_s,
+                                                               u"crt-persistence"_s,
+                                                               u"persist_r"_s,
+                                                               u"persist_g"_s,
+                                                               u"persist_b"_s,
+                                                               u"crt-scanline"_s,
+                                                               u"beam_min"_s,
+                                                               u"beam_max"_s,
+                                                               u"rgb_beam"_s,
+                                                               u"raster_lines"_s,
+                                                               u"raster_offset"_s,
+                                                               u"raster_interlace"_s,
+                                                               u"conv_rx"_s,
+                                                               u"conv_ry"_s,
+                                                               u"conv_bx"_s,
+                                                               u"conv_by"_s,
+                                                               u"barrel_distortion"_s,
+                                                               u"corner_radius"_s,
+                                                               u"overscan"_s,
+                                                               u"crt-halation-blur-h"_s,
+                                                               u"halation_sigma"_s,
+                                                               u"crt-phosphor-tile"_s,
+                                                               u"mask_type"_s,
+                                                               u"mask_duty"_s,
+                                                               u"mask_edge"_s,
+                                                               u"crt-screen"_s,
+                                                               u"phosphor_gamut"_s,
+                                                               u"halation_strength"_s,
+                                                               u"halation_wide"_s,
+                                                               u"black_floor"_s,
+                                                               u"crt_white"_s,
+                                                               u"vignette_strength"_s,
+                                                               u"mask_pitch"_s,
+                                                               u"mask_strength"_s,
+                                                               u"hdr_peak"_s});
+}
+
+// The components are in the order of the passes, each with the parameters that it is the first to
+// declare.
+void TestWindow::parametersAreGrouped()
+{
+    QFETCH(QString, preset);
+    QFETCH(QStringList, shown);
+    const auto window = open(preset);
+    QStringList texts;
+    const QWidget *const rows =
+            window->findChild<QToolButton *>(shown.first() + u".group"_s)->parentWidget();
+    for (int i = 0; i < rows->layout()->count(); ++i) {
+        const QWidget *const row = rows->layout()->itemAt(i)->widget();
+        if (const auto *const header = qobject_cast<const QToolButton *>(row))
+            texts.append(header->text());
+        else if (row != nullptr)
+            texts.append(row->findChild<QLabel *>()->objectName().section(u'.', 0, 0));
+    }
+    QCOMPARE(texts, shown);
+}
+
+void TestWindow::groupsAreFolded()
+{
+    const auto window = open(u"gba-lcd"_s);
+    const auto isVisible = [&window](const QString &name) {
+        return window->findChild<QWidget *>(name)->isVisible();
+    };
+    QVERIFY(isVisible(u"ghost_rise.slider"_s));
+    QTest::keyClick(window->findChild<QToolButton *>(u"gba-ghost.group"_s), Qt::Key_Space);
+    QVERIFY(!isVisible(u"ghost_rise.slider"_s));
+    QVERIFY(isVisible(u"lcd_spill.slider"_s));
+    // Also after another preset.
+    auto *const presets = window->findChild<QComboBox *>(u"preset"_s);
+    presets->setCurrentText(u"stock"_s);
+    waitForImage(*window);
+    presets->setCurrentText(u"gba-lcd"_s);
+    waitForImage(*window);
+    QVERIFY(!isVisible(u"ghost_rise.slider"_s));
+    QVERIFY(isVisible(u"lcd_spill.slider"_s));
+    // The filter opens the groups that have hits, and hides the others.
+    auto *const filter = window->findChild<QLineEdit *>(u"filter"_s);
+    filter->setText(u"rise"_s);
+    QVERIFY(isVisible(u"ghost_rise.slider"_s));
+    QVERIFY(!isVisible(u"gba-subpixel.group"_s));
+    filter->clear();
+    QVERIFY(!isVisible(u"ghost_rise.slider"_s));
+    QVERIFY(isVisible(u"gba-subpixel.group"_s));
+    window->findChild<QToolButton *>(u"gba-ghost.group"_s)->click();
+    QVERIFY(isVisible(u"ghost_rise.slider"_s));
 }
 
 void TestWindow::tapeIsRewound()
@@ -882,12 +1052,13 @@ void TestWindow::tabMovesThroughTheParameters()
     window->session().setValue(u"LCD_COLOR_PROFILE"_s, 0.0F);
     QTest::keyClick(window.get(), Qt::Key_F, Qt::ControlModifier);
     QStringList visited;
-    for (int i = 0; i < 5; ++i) {
+    for (int i = 0; i < 7; ++i) {
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         visited.append(QApplication::focusWidget()->objectName());
     }
     QCOMPARE(visited,
-             QStringList({u"LCD_COLOR_PROFILE.check"_s, u"LCD_COLOR_PROFILE.reset"_s,
+             QStringList({u"gba-color.group"_s, u"LCD_COLOR_PROFILE.check"_s,
+                          u"LCD_COLOR_PROFILE.reset"_s, u"gba-ghost.group"_s,
                           u"ghost_rise.slider"_s, u"ghost_rise.number"_s, u"ghost_fall.slider"_s}));
 }
 
@@ -1124,17 +1295,20 @@ void TestWindow::handleIsAtItsMark()
 
 void TestWindow::wheelNeedsTheFocus_data()
 {
+    QTest::addColumn<QString>("preset");
     QTest::addColumn<QString>("name");
-    QTest::newRow("slider") << u"ghost_rise.slider"_s;
-    QTest::newRow("number") << u"ghost_rise.number"_s;
-    QTest::newRow("chooser") << u"preset"_s;
-    QTest::newRow("headroom") << u"headroom"_s;
+    QTest::newRow("slider") << u"gba-lcd"_s << u"ghost_rise.slider"_s;
+    QTest::newRow("number") << u"gba-lcd"_s << u"ghost_rise.number"_s;
+    QTest::newRow("chooser") << u"gba-lcd"_s << u"preset"_s;
+    QTest::newRow("list") << u"crt-arcade"_s << u"mask_type.choice"_s;
+    QTest::newRow("headroom") << u"gba-lcd"_s << u"headroom"_s;
 }
 
 void TestWindow::wheelNeedsTheFocus()
 {
+    QFETCH(QString, preset);
     QFETCH(QString, name);
-    const auto window = open(u"gba-lcd"_s);
+    const auto window = open(preset);
     window->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(window.get()));
     auto *const widget = window->findChild<QWidget *>(name);
@@ -1147,7 +1321,7 @@ void TestWindow::wheelNeedsTheFocus()
         QApplication::sendEvent(widget, &event);
         return event.isAccepted();
     };
-    const char *const property = name == "preset"_L1 ? "currentIndex" : "value";
+    const char *const property = qobject_cast<QComboBox *>(widget) ? "currentIndex" : "value";
     const QVariant before = widget->property(property);
     isTakenBy();
     QCOMPARE(widget->property(property), before);

@@ -5,11 +5,13 @@
 #include <Tuning.h>
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -130,74 +132,55 @@ public:
     }
 };
 
-// Calls a function when it is clicked twice.
-class NameLabel : public QLabel
-{
-public:
-    std::function<void()> onDoubleClick;
-
-protected:
-    void mouseDoubleClickEvent(QMouseEvent * /*event*/) override
-    {
-        onDoubleClick();
-    }
-};
-
 } // namespace
+
+QStringList choiceNames(const PresetParamMeta &parameter)
+{
+    static const QRegularExpression kList(u"\\(([^()]+)\\)$"_s);
+    static const QRegularExpression kSeparator(u" *[,/] *"_s);
+    QStringList names = kList.match(parameter.description).captured(1).split(kSeparator);
+    if (names.size() < 2 || parameter.step != 1.0F
+        || float(names.size() - 1) != parameter.max - parameter.min)
+        return {};
+    for (int i = 0; i < names.size(); ++i) {
+        const QString number = QString::number(int(parameter.min) + i) + u' ';
+        if (names.at(i).startsWith(number))
+            names[i].remove(0, number.size());
+    }
+    return names;
+}
 
 class ParameterPanel::Row : public QWidget
 {
 public:
-    Row(PresetParamMeta shown, Session &session)
+    // `header` is that of the row's group.
+    Row(PresetParamMeta shown, Session &session, QToolButton *header)
         : parameter(std::move(shown)),
-          m_label(new NameLabel),
-          m_slider(new ParameterSlider(parameter)),
-          m_number(new NumberField(parameter)),
-          m_check(new QCheckBox),
-          m_reset(new QToolButton)
+          group(header),
+          m_session(session),
+          m_layout(new QGridLayout(this)),
+          m_label(new QLabel)
     {
         m_label->setObjectName(parameter.id + ".label"_L1);
         m_label->setWordWrap(true);
         setToolTip(u"%1 to %2 by %3, default %4, tuned %5"_s.arg(
                 numberText(parameter.min), numberText(parameter.max), numberText(parameter.step),
                 numberText(parameter.defaultValue), numberText(parameter.initialValue)));
-        m_slider->setObjectName(parameter.id + ".slider"_L1);
-        m_slider->setAccessibleName(parameter.description);
-        m_number->setObjectName(parameter.id + ".number"_L1);
-        m_number->setAccessibleName(parameter.description);
-        m_check->setObjectName(parameter.id + ".check"_L1);
-        m_check->setAccessibleName(parameter.description);
-        m_reset->setObjectName(parameter.id + ".reset"_L1);
+        m_layout->setContentsMargins(0, 0, 0, 0);
+        m_layout->addWidget(m_label, 0, 0, 1, 3);
+        const QStringList choices = choiceNames(parameter);
+        if (!choices.isEmpty())
+            addChoice(choices);
+        else if (parameter.min == 0.0F && parameter.max == 1.0F && parameter.step == 1.0F)
+            addSwitch();
+        else
+            addSlider();
+        m_reset = add<QToolButton>(u".reset"_s, 2, 1);
         m_reset->setAccessibleName(u"Reset %1"_s.arg(parameter.description));
         m_reset->setText(u"\u21ba"_s);
         m_reset->setFocusPolicy(Qt::StrongFocus);
-
-        auto *const layout = new QGridLayout(this);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(m_label, 0, 0, 1, 3);
-        layout->addWidget(m_slider, 1, 0);
-        layout->addWidget(m_number, 1, 1);
-        layout->addWidget(m_check, 1, 0, 1, 2);
-        const bool isSwitch =
-                parameter.min == 0.0F && parameter.max == 1.0F && parameter.step == 1.0F;
-        m_slider->setHidden(isSwitch);
-        m_number->setHidden(isSwitch);
-        m_check->setHidden(!isSwitch);
-        layout->addWidget(m_reset, 1, 2);
-
-        connect(m_slider, &QSlider::valueChanged, this, [this, &session](int position) {
-            session.setValue(parameter.id, m_slider->valueAt(position));
-        });
-        connect(m_number, &QDoubleSpinBox::valueChanged, this,
-                [this, &session](double value) { session.setValue(parameter.id, float(value)); });
-        connect(m_check, &QCheckBox::clicked, this, [this, &session](bool isChecked) {
-            session.setValue(parameter.id, isChecked ? 1.0F : 0.0F);
-        });
-        connect(m_slider, &QSlider::sliderPressed, this, [&session] { session.setDragging(true); });
-        connect(m_slider, &QSlider::sliderReleased, this,
-                [&session] { session.setDragging(false); });
-        m_label->onDoubleClick = [this, &session] { session.resetValue(parameter.id); };
-        connect(m_reset, &QToolButton::clicked, this, m_label->onDoubleClick);
+        connect(m_reset, &QToolButton::clicked, this,
+                [this] { m_session.resetValue(parameter.id); });
     }
 
     // `replaced` is the tuned value at the time when the value was set.
@@ -209,32 +192,75 @@ public:
             name += u"<br>This was tuned to %1, and is tuned to %2 now."_s.arg(
                     numberText(replaced), numberText(parameter.initialValue));
         m_label->setText(name);
-        const QSignalBlocker sliderBlocker(m_slider);
-        const QSignalBlocker numberBlocker(m_number);
-        m_slider->setValue(m_slider->positionOf(value));
-        m_number->setValue(asDeclared(value));
-        m_check->setChecked(value != 0.0F);
+        m_show(value);
         m_reset->setEnabled(value != parameter.initialValue || replaced != value);
     }
 
-    // Puts the row after a widget in the tab order, and returns the row's last widget.
-    QWidget *insertAfter(QWidget *widget)
+    const PresetParamMeta parameter;
+    QToolButton *const group;
+
+protected:
+    void mouseDoubleClickEvent(QMouseEvent * /*event*/) override
     {
-        setTabOrder(widget, m_slider);
-        setTabOrder(m_slider, m_number);
-        setTabOrder(m_number, m_check);
-        setTabOrder(m_check, m_reset);
-        return m_reset;
+        m_session.resetValue(parameter.id);
     }
 
-    const PresetParamMeta parameter;
-
 private:
-    NameLabel *m_label;
-    ParameterSlider *m_slider;
-    NumberField *m_number;
-    QCheckBox *m_check;
+    template<typename Widget, typename... Arguments>
+    Widget *add(const QString &name, int column, int columns, const Arguments &...arguments)
+    {
+        auto *const widget = new Widget(arguments...);
+        widget->setObjectName(parameter.id + name);
+        widget->setAccessibleName(parameter.description);
+        m_layout->addWidget(widget, 1, column, 1, columns);
+        return widget;
+    }
+
+    void addChoice(const QStringList &choices)
+    {
+        auto *const choice = add<WithoutStrayWheel<QComboBox>>(u".choice"_s, 0, 2);
+        choice->addItems(choices);
+        connect(choice, &QComboBox::activated, this, [this](int index) {
+            m_session.setValue(parameter.id, parameter.min + float(index));
+        });
+        m_show = [this, choice](float value) {
+            choice->setCurrentIndex(int(std::lround(value - parameter.min)));
+        };
+    }
+
+    void addSwitch()
+    {
+        auto *const check = add<QCheckBox>(u".check"_s, 0, 2);
+        connect(check, &QCheckBox::clicked, this, [this](bool isChecked) {
+            m_session.setValue(parameter.id, isChecked ? 1.0F : 0.0F);
+        });
+        m_show = [check](float value) { check->setChecked(value != 0.0F); };
+    }
+
+    void addSlider()
+    {
+        auto *const slider = add<ParameterSlider>(u".slider"_s, 0, 1, parameter);
+        auto *const number = add<NumberField>(u".number"_s, 1, 1, parameter);
+        connect(slider, &QSlider::valueChanged, this, [this, slider](int position) {
+            m_session.setValue(parameter.id, slider->valueAt(position));
+        });
+        connect(number, &QDoubleSpinBox::valueChanged, this,
+                [this](double value) { m_session.setValue(parameter.id, float(value)); });
+        connect(slider, &QSlider::sliderPressed, this, [this] { m_session.setDragging(true); });
+        connect(slider, &QSlider::sliderReleased, this, [this] { m_session.setDragging(false); });
+        m_show = [slider, number](float value) {
+            const QSignalBlocker sliderBlocker(slider);
+            const QSignalBlocker numberBlocker(number);
+            slider->setValue(slider->positionOf(value));
+            number->setValue(asDeclared(value));
+        };
+    }
+
+    Session &m_session;
+    QGridLayout *m_layout;
+    QLabel *m_label;
     QToolButton *m_reset;
+    std::function<void(float)> m_show;
 };
 
 ParameterPanel::ParameterPanel(Session &session, QWidget *parent)
@@ -263,23 +289,67 @@ ParameterPanel::ParameterPanel(Session &session, QWidget *parent)
 
 void ParameterPanel::showParameters()
 {
+    QHash<QString, qsizetype> firstPasses; // that declare a parameter, by id
+    const QList<VulkanRenderGraph::Pass> &passes = m_session.graph().passes;
+    for (qsizetype i = passes.size() - 1; i >= 0; --i) {
+        for (const auto &param : passes.at(i).params)
+            firstPasses.insert(param.id, i);
+    }
+    const auto passOf = [&](const PresetParamMeta &parameter) {
+        return firstPasses.value(parameter.id);
+    };
+    const auto component = [&](const PresetParamMeta &parameter) {
+        return passes.at(passOf(parameter)).debugName;
+    };
+    QList<PresetParamMeta> parameters = m_session.parameters();
+    std::ranges::stable_sort(parameters, {}, passOf);
     // Keeps the rows if the parameters are the same, so that saving a component does not move the
     // focus.
-    const auto isSame = [](const Row *row, const PresetParamMeta &parameter) {
-        return row->parameter == parameter;
+    const auto isSame = [&](const Row *row, const PresetParamMeta &parameter) {
+        return row->parameter == parameter && row->group->text() == component(parameter);
     };
-    if (!std::ranges::equal(m_rows, m_session.parameters(), isSame)) {
+    if (!std::ranges::equal(m_rows, parameters, isSame)) {
         qDeleteAll(std::exchange(m_rows, {}));
+        qDeleteAll(std::exchange(m_groups, {}));
         m_session.setDragging(false); // by a slider that is gone
         QWidget *last = m_filter;
-        for (const PresetParamMeta &parameter : m_session.parameters()) {
-            m_rows.append(new Row(parameter, m_session));
+        for (const PresetParamMeta &parameter : std::as_const(parameters)) {
+            if (m_groups.isEmpty() || m_groups.last()->text() != component(parameter)) {
+                addGroup(component(parameter));
+                setTabOrder(last, m_groups.last());
+                last = m_groups.last();
+            }
+            m_rows.append(new Row(parameter, m_session, m_groups.last()));
             m_layout->insertWidget(m_layout->count() - 1, m_rows.last());
-            last = m_rows.last()->insertAfter(last);
+            for (auto *const next :
+                 m_rows.last()->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+                if (next->focusPolicy() != Qt::NoFocus)
+                    setTabOrder(std::exchange(last, next), next);
+            }
         }
         applyFilter();
     }
     showValues();
+}
+
+void ParameterPanel::addGroup(const QString &component)
+{
+    auto *const header = new QToolButton;
+    header->setObjectName(component + ".group"_L1);
+    header->setText(component);
+    header->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    header->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    header->setFocusPolicy(Qt::StrongFocus);
+    header->setCheckable(true);
+    connect(header, &QToolButton::clicked, this, [this, component](bool isOpen) {
+        if (isOpen)
+            m_folded.remove(component);
+        else
+            m_folded.insert(component);
+        showRows();
+    });
+    m_layout->insertWidget(m_layout->count() - 1, header);
+    m_groups.append(header);
 }
 
 void ParameterPanel::showValues()
@@ -288,9 +358,26 @@ void ParameterPanel::showValues()
         row->showValue(m_session.value(row->parameter), m_session.replacedValue(row->parameter));
 }
 
+// Opens the groups that have hits.
 void ParameterPanel::applyFilter()
 {
-    for (Row *const row : std::as_const(m_rows))
-        row->setVisible((row->parameter.id + u' ' + row->parameter.description)
-                                .contains(m_filter->text(), Qt::CaseInsensitive));
+    for (QToolButton *const group : std::as_const(m_groups))
+        group->setChecked(!m_filter->text().isEmpty() || !m_folded.contains(group->text()));
+    showRows();
+}
+
+void ParameterPanel::showRows()
+{
+    QSet<QToolButton *> shown;
+    for (Row *const row : std::as_const(m_rows)) {
+        const bool isHit = (row->parameter.id + u' ' + row->parameter.description)
+                                   .contains(m_filter->text(), Qt::CaseInsensitive);
+        row->setVisible(isHit && row->group->isChecked());
+        if (isHit)
+            shown.insert(row->group);
+    }
+    for (QToolButton *const group : std::as_const(m_groups)) {
+        group->setVisible(shown.contains(group));
+        group->setArrowType(group->isChecked() ? Qt::DownArrow : Qt::RightArrow);
+    }
 }

@@ -114,6 +114,10 @@ public:
     {
         return m_loaded.parameters;
     }
+    const VulkanRenderGraph &graph() const // likewise
+    {
+        return m_loaded.graph;
+    }
     float value(const PresetParamMeta &parameter) const;
     // The tuned value that a parameter had when its value was set; else the tuned value.
     float replacedValue(const PresetParamMeta &parameter) const;
