@@ -19,11 +19,13 @@
 #include <QLayout>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSettings>
 #include <QSlider>
+#include <QTextDocumentFragment>
 #include <QTimer>
 #include <QToolButton>
 #include <QToolTip>
@@ -89,6 +91,9 @@ private Q_SLOTS:
     void droppedPictureBecomesTheSource();
     void pictureIsSaved();
     void keyboardReachesEverything();
+    void fieldsFitIntoASmallWindow();
+    void keysAreListed();
+    void surroundIsDark();
     void tabMovesThroughTheParameters();
     void picturePixelsAreScreenPixels();
     void closingWhileDrawing();
@@ -1041,6 +1046,63 @@ void TestWindow::keyboardReachesEverything()
     QTest::keyClick(view, Qt::Key_BracketRight);
     waitForImage(*window);
     QCOMPARE(view->grab().toImage(), middle);
+}
+
+void TestWindow::fieldsFitIntoASmallWindow()
+{
+    copiedShaders();
+    const QString longName = QString(100, u'x') + u".png"_s;
+    QVERIFY(QImage(5, 4, QImage::Format_RGB32).save(longName));
+    QSettings(kSettings, kSettings).setValue("source"_L1, longName);
+    const auto window = open(u"stock"_s);
+    window->resize(1024, 700);
+    const QStringList fields = {u"preset"_s,     u"source"_s,   u"size"_s, u"zoom"_s,
+                                u"comparison"_s, u"headroom"_s, u"speed"_s};
+    for (const QString &name : fields) {
+        const auto *const field = window->findChild<QWidget *>(name);
+        QTRY_VERIFY2(field->isVisible(), qPrintable(name));
+        QVERIFY2(field->visibleRegion().boundingRect() == field->rect(), qPrintable(name));
+    }
+    for (const QToolButton *const button : window->findChildren<QToolButton *>())
+        QVERIFY(button->objectName() != "qt_toolbar_ext_button"_L1 || !button->isVisible());
+    QCOMPARE(window->width(), 1024);
+}
+
+// Also below the picture and behind the thumbnails.
+void TestWindow::surroundIsDark()
+{
+    const auto window = open(u"stock"_s);
+    const auto *const strip = window->findChild<QListWidget *>(u"strip"_s);
+    const QImage shown = window->grab().toImage();
+    const auto colorAt = [&](QPoint inStrip) {
+        return QColor(shown.pixel(strip->mapTo(window.get(), inStrip) * shown.devicePixelRatio()));
+    };
+    QCOMPARE(colorAt({9, -2}), QColor(24, 24, 24));
+    QCOMPARE(colorAt({strip->width() - 9, 9}), QColor(24, 24, 24));
+}
+
+void TestWindow::keysAreListed()
+{
+    const auto window = open(u"stock"_s);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    QTest::keyClick(window.get(), Qt::Key_F1);
+    auto *const sheet = window->findChild<QMessageBox *>();
+    QVERIFY(sheet != nullptr && sheet->isVisible());
+    const QStringList cells =
+            QTextDocumentFragment::fromHtml(sheet->text()).toPlainText().split(u'\n');
+    const std::pair<QString, QString> rows[] = {{u"F5"_s, u"Run"_s},
+                                                {u"Ctrl+Shift+S"_s, u"Save values"_s},
+                                                {u"Ctrl+Z"_s, u"Undo"_s},
+                                                {u"F1"_s, u"Keys"_s},
+                                                {u"Alt+Z"_s, u"Size"_s},
+                                                {u"Alt+H"_s, u"HDR headroom"_s},
+                                                {u"[ and ]"_s, u"move the split line"_s}};
+    for (const auto &[keys, what] : rows)
+        QCOMPARE(cells.value(cells.indexOf(keys) + 1), what);
+    QVERIFY(!cells.contains(u"Forget all presets' changes"_s)); // it has no key
+    QTest::keyClick(sheet, Qt::Key_Escape);
+    QVERIFY(!sheet->isVisible());
 }
 
 void TestWindow::tabMovesThroughTheParameters()

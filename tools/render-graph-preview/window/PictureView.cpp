@@ -33,6 +33,7 @@ PictureView::PictureView(QWidget *parent) : QWidget(parent)
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(u"Picture"_s);
+    setAccessibleDescription(u"Arrow keys: next pixel\n[ and ]: move the split line"_s);
     setMinimumSize(64, 64);
     m_display.state.comparison = Comparison::Split;
 }

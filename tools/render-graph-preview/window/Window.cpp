@@ -20,6 +20,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
 #include <QScrollBar>
@@ -84,6 +85,11 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     m_strip->setAccessibleName(u"Outputs of all passes"_s);
 
     auto *const central = new QWidget;
+    // Dark, as the picture's surround is.
+    QPalette dark(QColor(24, 24, 24), QColor(24, 24, 24));
+    dark.setColor(QPalette::Base, dark.window().color());
+    central->setPalette(dark);
+    central->setAutoFillBackground(true);
     auto *const layout = new QVBoxLayout(central);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_message);
@@ -131,11 +137,18 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     updateView();
 }
 
+// In two rows, which fit into a window of 1024 pixels.
 void Window::createToolBars()
 {
-    QToolBar *const bar = addToolBar(u"View"_s);
-    bar->setMovable(false);
-    const auto add = [bar](const QString &title, QWidget *widget) {
+    QToolBar *bar = nullptr;
+    const auto addBar = [this, &bar](const QString &title) {
+        addToolBarBreak();
+        bar = addToolBar(title);
+        bar->setObjectName(title);
+        bar->setMovable(false);
+    };
+    const auto add = [&bar](const QString &title, QWidget *widget, const char *name) {
+        widget->setObjectName(QLatin1StringView(name));
         auto *const label = new QLabel(title);
         label->setBuddy(widget);
         label->setMargin(4);
@@ -144,17 +157,18 @@ void Window::createToolBars()
     };
     const auto addChoice = [&add](const QString &title, const char *name) {
         auto *const box = new WithoutStrayWheel<QComboBox>;
-        box->setObjectName(QLatin1StringView(name));
-        add(title, box);
+        add(title, box, name);
         return box;
     };
 
+    addBar(u"View"_s);
     m_presets = addChoice(u"&Preset"_s, "preset");
     m_presets->addItems(presetNames());
     connect(m_presets, &QComboBox::currentTextChanged, &m_session, &Session::setPreset);
     m_sources = addChoice(u"&Source"_s, "source");
     for (const QString &name : testPictureNames())
         m_sources->addItem(name, name);
+    m_sources->setMinimumContentsLength(14); // longer names only where there is room
     m_sizes = addChoice(u"Si&ze"_s, "size");
     for (const Size &size : kSizes)
         m_sizes->addItem(QLatin1StringView(size.name), size.size);
@@ -163,17 +177,17 @@ void Window::createToolBars()
         m_zooms->addItem(zoom == DisplaySettings::kFit ? u"fit"_s : u"%1:1"_s.arg(zoom), zoom);
     connect(m_zooms, &QComboBox::currentIndexChanged, m_picture,
             [this] { m_picture->setZoom(m_zooms->currentData().toInt()); });
+    addBar(u"Drawing"_s);
     m_comparisons = addChoice(u"&Compare with"_s, "comparison");
     for (const char *const comparison : kComparisons)
         m_comparisons->addItem(QLatin1StringView(comparison));
     m_headroom = new WithoutStrayWheel<QDoubleSpinBox>;
-    m_headroom->setObjectName(u"headroom"_s);
     m_headroom->setRange(0.0, 16.0);
     m_headroom->setSingleStep(0.5);
     m_headroom->setDecimals(1);
     m_headroom->setSpecialValueText(u"off"_s);
     m_headroom->setToolTip(u"The display's peak over its reference white"_s);
-    add(u"&HDR headroom"_s, m_headroom);
+    add(u"&HDR headroom"_s, m_headroom, "headroom");
     m_speeds = addChoice(u"Spee&d"_s, "speed");
     m_speeds->addItem(u"display"_s, 0.0);
     for (const double speed : kSpeeds)
@@ -187,78 +201,93 @@ void Window::createToolBars()
 
 void Window::createActions()
 {
-    const auto add = [](QMenu *menu, const QString &text, const QKeySequence &keys) {
-        QAction *const action = menu->addAction(text);
-        action->setShortcut(keys);
-        return action;
-    };
     QMenu *const file = menuBar()->addMenu(u"&File"_s);
-    connect(add(file, u"&Open source picture..."_s, QKeySequence::Open), &QAction::triggered, this,
-            [this] {
-                const QString path = QFileDialog::getOpenFileName(this, u"Source picture"_s);
-                if (!path.isEmpty())
-                    openSource(path);
-            });
-    connect(add(file, u"&Save picture..."_s, QKeySequence::Save), &QAction::triggered, this,
-            &Window::savePicture);
-    connect(add(file, u"&Quit"_s, QKeySequence::Quit), &QAction::triggered, this, &Window::close);
+    file->addAction(u"&Open source picture..."_s, QKeySequence::Open, this, [this] {
+        const QString path = QFileDialog::getOpenFileName(this, u"Source picture"_s);
+        if (!path.isEmpty())
+            openSource(path);
+    });
+    file->addAction(u"&Save picture..."_s, QKeySequence::Save, this, &Window::savePicture);
+    file->addAction(u"&Quit"_s, QKeySequence::Quit, this, &Window::close);
 
     QMenu *const frames = menuBar()->addMenu(u"F&rames"_s);
-    QAction *const run = add(frames, u"&Run"_s, Qt::Key_F5);
+    QAction *const run = frames->addAction(u"&Run"_s, Qt::Key_F5);
     run->setCheckable(true);
     connect(run, &QAction::toggled, this, &Window::updateSpeed);
     connect(run, &QAction::toggled, &m_session, &Session::setRunning);
     connect(&m_session, &Session::runningChanged, run, &QAction::setChecked);
-    QAction *const step = add(frames, u"S&tep"_s, Qt::Key_F6);
-    connect(step, &QAction::triggered, &m_session, &Session::step);
-    m_backwards = add(frames, u"&Backwards"_s, Qt::Key_F7);
+    QAction *const step = frames->addAction(u"S&tep"_s, Qt::Key_F6, &m_session, &Session::step);
+    m_backwards = frames->addAction(u"&Backwards"_s, Qt::Key_F7);
     m_backwards->setCheckable(true);
     connect(m_backwards, &QAction::toggled, this, &Window::updateView);
 
-    QAction *const keep = add(frames, u"&Keep as A"_s, Qt::Key_F8);
-    connect(keep, &QAction::triggered, &m_session, &Session::keepState);
+    QAction *const keep =
+            frames->addAction(u"&Keep as A"_s, Qt::Key_F8, &m_session, &Session::keepState);
 
     QMenu *const parameters = menuBar()->addMenu(u"P&arameters"_s);
-    QAction *const copy =
-            add(parameters, u"&Copy as overrides"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_C);
-    copy->setObjectName(u"copyOverrides"_s);
-    connect(copy, &QAction::triggered, this,
+    QAction *const copy = parameters->addAction(
+            u"&Copy as overrides"_s, Qt::CTRL | Qt::SHIFT | Qt::Key_C, this,
             [this] { QApplication::clipboard()->setText(m_session.overrides()); });
+    copy->setObjectName(u"copyOverrides"_s);
     QUndoGroup &undoGroup = m_session.undoGroup();
     QAction *const undo = undoGroup.createUndoAction(this, u"&Undo"_s);
     undo->setShortcuts(QKeySequence::Undo);
     QAction *const redo = undoGroup.createRedoAction(this, u"R&edo"_s);
     redo->setShortcuts(QKeySequence::Redo);
     parameters->addActions({undo, redo});
-    connect(add(parameters, u"Save &values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S),
-            &QAction::triggered, this, &Window::saveValues);
-    connect(add(parameters, u"O&pen values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O),
-            &QAction::triggered, this, [this] {
-                const QString path = QFileDialog::getOpenFileName(this, u"Open values"_s, {},
-                                                                  u"Values (*.glslp)"_s);
-                if (!path.isEmpty())
-                    openValues(path);
-            });
-    QAction *const reset = add(parameters, u"&Reset all"_s, Qt::CTRL | Qt::Key_R);
+    parameters->addAction(u"Save &values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_S, this,
+                          &Window::saveValues);
+    parameters->addAction(u"O&pen values..."_s, Qt::CTRL | Qt::SHIFT | Qt::Key_O, this, [this] {
+        const QString path =
+                QFileDialog::getOpenFileName(this, u"Open values"_s, {}, u"Values (*.glslp)"_s);
+        if (!path.isEmpty())
+            openValues(path);
+    });
+    QAction *const reset = parameters->addAction(u"&Reset all"_s, Qt::CTRL | Qt::Key_R, &m_session,
+                                                 &Session::resetAll);
     reset->setObjectName(u"resetAll"_s);
-    connect(reset, &QAction::triggered, &m_session, &Session::resetAll);
-    QAction *const forget = parameters->addAction(u"For&get all presets' changes"_s);
+    QAction *const forget = parameters->addAction(u"For&get all presets' changes"_s, &m_session,
+                                                  &Session::forgetAll);
     forget->setObjectName(u"forgetAll"_s);
     forget->setIconText(u"Forget all"_s);
-    connect(forget, &QAction::triggered, &m_session, &Session::forgetAll);
-    connect(add(parameters, u"&Filter"_s, QKeySequence::Find), &QAction::triggered,
-            m_parameters->filter(), [this] { m_parameters->filter()->setFocus(); });
+    parameters->addAction(u"&Filter"_s, QKeySequence::Find, this,
+                          [this] { m_parameters->filter()->setFocus(); });
+    menuBar()->addMenu(u"He&lp"_s)->addAction(u"&Keys"_s, Qt::Key_F1, this, &Window::showKeys);
 
-    QToolBar *const bar = addToolBar(u"Actions"_s);
-    bar->setMovable(false);
-    bar->addActions({run, step, m_backwards, keep});
     auto *const values = new QToolBar;
     values->addActions({undo, redo, copy, reset, forget});
     m_parameters->layout()->addWidget(values);
-    for (QToolBar *const buttons : {bar, values}) {
+    auto *const drawing = findChild<QToolBar *>(u"Drawing"_s);
+    drawing->addActions({run, step, m_backwards, keep});
+    for (QToolBar *const buttons : {drawing, values}) {
         for (QAction *const action : buttons->actions())
             buttons->widgetForAction(action)->setFocusPolicy(Qt::StrongFocus);
     }
+}
+
+void Window::showKeys()
+{
+    QString rows;
+    const auto add = [&rows](const QString &keys, QString what) {
+        what.remove(u'&').remove(u"..."_s);
+        rows += u"<tr><td><b>%1</b></td><td>%2</td></tr>"_s.arg(keys, what);
+    };
+    for (const QAction *const action : findChildren<QAction *>()) {
+        if (!action->shortcut().isEmpty())
+            add(action->shortcut().toString(QKeySequence::NativeText), action->text());
+    }
+    for (const QLabel *const label : findChildren<QLabel *>()) {
+        if (label->buddy() != nullptr)
+            add(QKeySequence::mnemonic(label->text()).toString(QKeySequence::NativeText),
+                label->text());
+    }
+    for (const QString &line : m_picture->accessibleDescription().split(u'\n'))
+        add(line.section(u": "_s, 0, 0), line.section(u": "_s, 1));
+    auto *const sheet = new QMessageBox(QMessageBox::NoIcon, u"Keys"_s,
+                                        u"<table cellspacing=4>%1</table>"_s.arg(rows),
+                                        QMessageBox::Close, this);
+    sheet->setAttribute(Qt::WA_DeleteOnClose);
+    sheet->open();
 }
 
 void Window::openSource(const QString &path)

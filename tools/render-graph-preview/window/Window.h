@@ -37,6 +37,7 @@ protected:
 private:
     void createToolBars();
     void createActions();
+    void showKeys();
     void openSource(const QString &path);
     void savePicture();
     void saveValues();
