@@ -39,41 +39,11 @@ double percentile(QList<double> samples, double share)
     return samples.at(rank);
 }
 
-// In milliseconds.
-struct Times
+QJsonObject timesOf(const QList<double> &milliseconds)
 {
-    explicit Times(const QList<double> &samples)
-        : median(percentile(samples, 0.5)),
-          p95(percentile(samples, 0.95))
-    {
-    }
-
-    double median;
-    double p95;
-};
-
-struct PassProfile
-{
-    QString component;
-    PassResult result;
-    Times times;
-    double share; // of all passes' medians
-
-    qint64 bytesWritten() const
-    {
-        return result.kind == PassKind::Drawn ? result.bytes : 0;
-    }
-};
-
-struct Profile
-{
-    QString preset;
-    QString shadersDir;
-    QList<PassProfile> passes;
-    Times device; // all passes of a frame
-    Times frame; // from the call until the frame is done
-    qint64 memory;
-};
+    return {{u"medianMs"_s, percentile(milliseconds, 0.5)},
+            {u"p95Ms"_s, percentile(milliseconds, 0.95)}};
+}
 
 // Draws a preset's frames and collects their times.
 class Measurement
@@ -113,26 +83,36 @@ public:
         return true;
     }
 
-    Profile profile() const
+    // Shares are of all passes' medians.
+    QJsonObject profile() const
     {
-        Profile profile = {.preset = m_player.preset().name,
-                           .shadersDir = m_shadersDir,
-                           .passes = {},
-                           .device = Times(m_device),
-                           .frame = Times(m_frame),
-                           .memory = m_player.renderer()->memoryHeld()};
         const QList<PassResult> results = m_player.renderer()->passes();
+        QList<QJsonObject> passes;
         double sum = 0.0;
-        for (qsizetype i = 0; i < results.size(); ++i) {
-            profile.passes.append({.component = m_player.preset().graph.passes.at(i).debugName,
-                                   .result = results.at(i),
-                                   .times = Times(m_passes.at(i)),
-                                   .share = 0.0});
-            sum += profile.passes.last().times.median;
+        for (const QList<double> &times : m_passes) {
+            passes.append(timesOf(times));
+            sum += passes.last()[u"medianMs"_s].toDouble();
         }
-        for (PassProfile &pass : profile.passes)
-            pass.share = sum > 0.0 ? pass.times.median / sum : 0.0;
-        return profile;
+        QJsonArray rows;
+        for (QJsonObject &row : passes) {
+            const PassResult &result = results.at(rows.size());
+            const bool isDrawn = result.kind == PassKind::Drawn;
+            row[u"index"_s] = rows.size();
+            row[u"component"_s] = m_player.preset().graph.passes.at(rows.size()).debugName;
+            row[u"kind"_s] = nameOf(result.kind);
+            row[u"width"_s] = result.size.width();
+            row[u"height"_s] = result.size.height();
+            row[u"format"_s] = VulkanRenderGraph::formatName(result.format);
+            row[u"bytesWritten"_s] = isDrawn ? result.bytes : 0;
+            row[u"share"_s] = sum > 0.0 ? row[u"medianMs"_s].toDouble() / sum : 0.0;
+            rows.append(row);
+        }
+        return {{u"preset"_s, m_player.preset().name},
+                {u"shadersDir"_s, m_shadersDir},
+                {u"passes"_s, rows},
+                {u"deviceTime"_s, timesOf(m_device)},
+                {u"frameTime"_s, timesOf(m_frame)},
+                {u"memoryBytes"_s, m_player.renderer()->memoryHeld()}};
     }
 
 private:
@@ -143,52 +123,30 @@ private:
     QList<double> m_frame;
 };
 
-QJsonObject jsonOf(const Times &times)
+void printTable(const QJsonObject &profile)
 {
-    return {{u"medianMs"_s, times.median}, {u"p95Ms"_s, times.p95}};
-}
-
-QJsonObject jsonOf(const Profile &profile)
-{
-    QJsonArray rows;
-    for (const PassProfile &pass : profile.passes) {
-        QJsonObject row = jsonOf(pass.times);
-        row[u"index"_s] = rows.size();
-        row[u"component"_s] = pass.component;
-        row[u"kind"_s] = nameOf(pass.result.kind);
-        row[u"width"_s] = pass.result.size.width();
-        row[u"height"_s] = pass.result.size.height();
-        row[u"format"_s] = VulkanRenderGraph::formatName(pass.result.format);
-        row[u"bytesWritten"_s] = pass.bytesWritten();
-        row[u"share"_s] = pass.share;
-        rows.append(row);
-    }
-    return {{u"preset"_s, profile.preset},
-            {u"shadersDir"_s, profile.shadersDir},
-            {u"passes"_s, rows},
-            {u"deviceTime"_s, jsonOf(profile.device)},
-            {u"frameTime"_s, jsonOf(profile.frame)},
-            {u"memoryBytes"_s, profile.memory}};
-}
-
-void printTable(const Profile &profile)
-{
-    std::printf("%s, %s\n", qUtf8Printable(profile.preset), qUtf8Printable(profile.shadersDir));
+    const auto text = [](const QJsonValue &value) { return value.toString().toUtf8(); };
+    std::printf("%s, %s\n", text(profile[u"preset"_s]).constData(),
+                text(profile[u"shadersDir"_s]).constData());
     std::printf("%3s  %-26s %-7s %11s %-10s %12s %10s %10s %7s\n", "#", "component", "", "size",
                 "format", "bytes", "median ms", "p95 ms", "share");
-    int index = 0;
-    for (const PassProfile &pass : profile.passes) {
-        const QSize size = pass.result.size;
-        std::printf("%3d  %-26s %-7s %11s %-10s %12lld %10.3f %10.3f %5.1f %%\n", index++,
-                    qUtf8Printable(pass.component), nameOf(pass.result.kind).data(),
-                    qUtf8Printable(u"%1x%2"_s.arg(size.width()).arg(size.height())),
-                    VulkanRenderGraph::formatName(pass.result.format).data(), pass.bytesWritten(),
-                    pass.times.median, pass.times.p95, 100.0 * pass.share);
+    const QJsonArray passes = profile[u"passes"_s].toArray();
+    for (const auto &pass : passes) {
+        const QString size =
+                u"%1x%2"_s.arg(pass[u"width"_s].toInt()).arg(pass[u"height"_s].toInt());
+        std::printf("%3d  %-26s %-7s %11s %-10s %12lld %10.3f %10.3f %5.1f %%\n",
+                    pass[u"index"_s].toInt(), text(pass[u"component"_s]).constData(),
+                    text(pass[u"kind"_s]).constData(), qUtf8Printable(size),
+                    text(pass[u"format"_s]).constData(), pass[u"bytesWritten"_s].toInteger(),
+                    pass[u"medianMs"_s].toDouble(), pass[u"p95Ms"_s].toDouble(),
+                    100.0 * pass[u"share"_s].toDouble());
     }
-    for (const auto &[name, times] : {std::pair("all passes", profile.device),
-                                      std::pair("the frame, by the clock", profile.frame)})
-        std::printf("%-5s%-26s %54.3f %10.3f\n", "", name, times.median, times.p95);
-    std::printf("%-5smemory held: %.1f MiB\n\n", "", double(profile.memory) / (1 << 20));
+    for (const auto &[name, key] : {std::pair("all passes", u"deviceTime"_s),
+                                    std::pair("the frame, by the clock", u"frameTime"_s)})
+        std::printf("%-5s%-26s %54.3f %10.3f\n", "", name, profile[key][u"medianMs"_s].toDouble(),
+                    profile[key][u"p95Ms"_s].toDouble());
+    std::printf("%-5smemory held: %.1f MiB\n\n", "",
+                profile[u"memoryBytes"_s].toDouble() / (1 << 20));
 }
 
 bool profile(const CommandLine &line, QString &error)
@@ -224,19 +182,19 @@ bool profile(const CommandLine &line, QString &error)
     }
 
     const QString device = measurements.front().player().renderer()->device().name;
-    QList<Profile> profiles;
+    QJsonArray profiles;
     for (const Measurement &measurement : measurements)
         profiles.append(measurement.profile());
-    const double ratio = profiles.last().frame.median / profiles.first().frame.median;
+    const auto median = [](const QJsonValue &measured) {
+        return measured[u"frameTime"_s][u"medianMs"_s].toDouble();
+    };
+    const double ratio = median(profiles.last()) / median(profiles.first());
     if (line.parser.isSet(u"json"_s)) {
-        QJsonArray results;
-        for (const Profile &measured : std::as_const(profiles))
-            results.append(jsonOf(measured));
         QJsonObject report = {{u"device"_s, device},
                               {u"frames"_s, frames},
                               {u"width"_s, options.size.width()},
                               {u"height"_s, options.size.height()},
-                              {u"profiles"_s, results}};
+                              {u"profiles"_s, profiles}};
         if (profiles.size() == 2)
             report[u"ratio"_s] = ratio;
         std::fputs(QJsonDocument(report).toJson().constData(), stdout);
@@ -244,8 +202,8 @@ bool profile(const CommandLine &line, QString &error)
     }
     std::printf("%s, %dx%d, %d frames\n\n", qUtf8Printable(device), options.size.width(),
                 options.size.height(), frames);
-    for (const Profile &measured : std::as_const(profiles))
-        printTable(measured);
+    for (const auto &measured : std::as_const(profiles))
+        printTable(measured.toObject());
     if (profiles.size() == 2)
         std::printf("A frame of the second takes %.3f times that of the first.\n", ratio);
     return true;
