@@ -182,7 +182,7 @@ bool TestWindow::runCommand(const QStringList &arguments, const std::function<vo
 QImage TestWindow::shownPicture(Window &window)
 {
     const FrameResult &frame = *window.session().frame();
-    return frame.image.copy(frame.state.placement & frame.image.rect());
+    return frame.image.copy(frame.state.placement(frame.size) & frame.image.rect());
 }
 
 QImage TestWindow::waitForImage(Window &window)

@@ -2,9 +2,12 @@
 
 #include "VulkanCalls.h"
 
+#include <QElapsedTimer>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cmath>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -34,18 +37,27 @@ struct Target
     vk::raii::Framebuffer framebuffer = nullptr;
 };
 
-// What a submission uses.
+// What a submission uses, and what is known of its output.
 struct Flight
 {
     vk::raii::DescriptorPool sets = nullptr;
     std::uint32_t setCapacity = 0;
     vk::raii::QueryPool timestamps = nullptr;
     std::shared_ptr<HostBuffer> buffer;
-    QSize size; // of the view
-    std::optional<QRgbaFloat32> texel; // if it is known
+    bool isDrawn = false;
+    const OffscreenRenderer *renderer = nullptr;
+    ViewOutput output;
     std::optional<VulkanRenderGraph::Format> texelFormat; // if it is read
     QSize atlasSize;
     QList<QRect> thumbnails; // in the atlas
+};
+
+// The images of a view.
+struct ViewImages
+{
+    OutputImage picture;
+    OutputImage compared;
+    QList<OutputImage> thumbnails;
 };
 
 std::size_t bytesOf(QSize size)
@@ -173,34 +185,37 @@ public:
                 && m_device->upload(*m_black, &kBlack, sizeof(kBlack), error);
     }
 
+    const std::shared_ptr<VulkanDevice> &device() const
+    {
+        return m_device;
+    }
+    bool hasOldThumbnails() const
+    {
+        return m_hasOldThumbnails;
+    }
+
     const auto &dispatcher() const
     {
         return *m_raii.getDispatcher();
     }
 
-    void begin(VkCommandBuffer commands, int number)
-    {
-        if (const vk::raii::QueryPool &stamps = flight(number).timestamps; *stamps) {
-            vk::CommandBuffer(commands).resetQueryPool(*stamps, 0, kTimestamps, dispatcher());
-            writeTimestamp(commands, number, 0);
-        }
-    }
-
-    bool record(VkCommandBuffer commands, int number, const ViewInput &input, QString &error);
-    bool read(int number, ViewOutput &output, QString &error);
+    bool submit(ViewInput input, const Record &record, QString &error);
+    bool read(ViewOutput &output, QString &error);
 
 private:
-    Flight &flight(int number)
+    void writeTimestamp(VkCommandBuffer commands, const Flight &flight, std::uint32_t index) const
     {
-        return m_flights.at(std::size_t(number));
-    }
-    void writeTimestamp(VkCommandBuffer commands, int number, std::uint32_t index)
-    {
-        if (const vk::raii::QueryPool &stamps = flight(number).timestamps; *stamps)
+        if (*flight.timestamps)
             vk::CommandBuffer(commands).writeTimestamp(vk::PipelineStageFlagBits::eBottomOfPipe,
-                                                       *stamps, index, dispatcher());
+                                                       *flight.timestamps, index, dispatcher());
     }
 
+    bool findImages(const ViewInput &input, Flight &flight, ViewImages &images, QString &error);
+    bool recordView(VkCommandBuffer commands, const ViewInput &input, Flight &flight,
+                    QString &error);
+    void recordDrawing(VkCommandBuffer commands, const ViewInput &input, const ViewImages &images,
+                       const Flight &flight) const;
+    void readTimes(const Flight &flight);
     bool updateTarget(Target &target, QSize size, QString &error);
     bool updateBuffer(Flight &flight, std::size_t size, QString &error);
     void updateSets(Flight &flight, std::uint32_t count) const;
@@ -220,6 +235,11 @@ private:
     Target m_atlas;
     std::vector<std::shared_ptr<HostBuffer>> m_buffers; // those that images use, and spare ones
     std::array<Flight, VulkanDevice::kFramesInFlight> m_flights;
+    int m_submitted = 0; // counts
+    int m_read = 0;
+    bool m_hasOldThumbnails = false;
+    QElapsedTimer m_thumbnailAge;
+    ViewOutput m_drawn; // the times of the last frame that was drawn
 };
 
 bool ViewPass::State::updateTarget(Target &target, QSize size, QString &error)
@@ -321,144 +341,224 @@ void ViewPass::State::draw(VkCommandBuffer commands, const Flight &flight,
     recorded.draw(3, 1, 0, 0, dispatcher());
 }
 
-bool ViewPass::State::record(VkCommandBuffer commands, int number, const ViewInput &input,
-                             QString &error)
+bool ViewPass::State::submit(ViewInput input, const Record &record, QString &error)
 {
-    using Comparison = ViewState::Comparison;
-    Flight &flight = this->flight(number);
-    const ViewState &state = input.state;
-    const qsizetype count = input.thumbnails.size();
-    // In columns, as a wide atlas may exceed what the device supports.
-    constexpr int kRows = 8;
-    const auto cellOf = [&input](qsizetype index) {
-        const QSize size = input.thumbnailSize;
-        return QRect(QPoint(int(index / kRows) * size.width(), int(index % kRows) * size.height()),
-                     size);
-    };
-    flight.size = state.size;
-    flight.atlasSize = {};
-    flight.thumbnails.clear();
-    for (qsizetype i = 0; i < count; ++i) {
-        flight.thumbnails.append(cellOf(i));
-        flight.atlasSize =
-                flight.atlasSize.expandedTo({cellOf(i).right() + 1, cellOf(i).bottom() + 1});
-    }
-    const bool hasTexel = QRect(QPoint(), input.picture.size).contains(input.texel);
-    const bool isTexelKnown = hasTexel && input.picture.image == VK_NULL_HANDLE;
-    flight.texel.reset();
-    flight.texelFormat.reset();
-    if (isTexelKnown)
-        flight.texel = {0.0F, 0.0F, 0.0F, input.picture.blackAlpha};
-    else if (hasTexel)
-        flight.texelFormat = input.picture.format;
+    const int number = m_submitted % VulkanDevice::kFramesInFlight;
+    Flight &flight = m_flights.at(std::size_t(number));
+    const bool isDone = m_device->submit(
+            number,
+            [&](VkCommandBuffer commands) {
+                if (*flight.timestamps)
+                    vk::CommandBuffer(commands).resetQueryPool(*flight.timestamps, 0, kTimestamps,
+                                                               dispatcher());
+                writeTimestamp(commands, flight, 0);
+                return record(commands, number, input)
+                        && recordView(commands, input, flight, error);
+            },
+            error);
+    m_submitted += isDone ? 1 : 0;
+    return isDone;
+}
 
-    const std::size_t viewBytes = bytesOf(state.size);
-    if (!updateTarget(m_view, state.size, error)
-        || (count > 0 && !updateTarget(m_atlas, flight.atlasSize, error))
+bool ViewPass::State::findImages(const ViewInput &input, Flight &flight, ViewImages &images,
+                                 QString &error)
+{
+    const OffscreenRenderer &renderer = *input.renderer;
+    ViewOutput &output = flight.output;
+    output = {};
+    output.passes = renderer.passes();
+    const int last = int(output.passes.size()) - 1;
+    const auto passOf = [&input](const OffscreenRenderer &drawn) {
+        const int final = int(drawn.passes().size()) - 1;
+        return input.pass < 0 ? final : std::min(input.pass, final);
+    };
+    output.pass = passOf(renderer);
+    output.size = output.passes.at(output.pass).size;
+    output.state = input.state;
+    output.isToneMapped = input.headroom && output.pass == last;
+    flight.isDrawn = input.isDrawn;
+    flight.renderer = input.renderer;
+    if (!renderer.outputImage(output.pass, images.picture, error))
+        return false;
+    if (input.compared == nullptr)
+        images.compared = renderer.sourceImage();
+    else if (!input.compared->outputImage(passOf(*input.compared), images.compared, error))
+        return false;
+
+    flight.texelFormat.reset();
+    if (!QRect(QPoint(), output.size).contains(input.state.texel))
+        output.texel.reset();
+    else if (images.picture.image == VK_NULL_HANDLE)
+        output.texel = {0.0F, 0.0F, 0.0F, images.picture.blackAlpha};
+    else
+        flight.texelFormat = images.picture.format;
+
+    flight.thumbnails.clear();
+    flight.atlasSize = {};
+    m_hasOldThumbnails |= input.isDrawn;
+    if (!m_hasOldThumbnails
+        || (m_thumbnailAge.isValid() && !m_thumbnailAge.hasExpired(kThumbnailMilliseconds)))
+        return true;
+    m_hasOldThumbnails = false;
+    m_thumbnailAge.start();
+    constexpr int kRows = 8; // a long row may exceed what the device supports
+    const QSize cell = output.passes.last()
+                               .size.scaled(input.thumbnailSize, Qt::KeepAspectRatio)
+                               .expandedTo({1, 1});
+    images.thumbnails.resize(last + 1);
+    for (int i = 0; i <= last; ++i) {
+        if (!renderer.outputImage(i, images.thumbnails[i], error))
+            return false;
+        flight.thumbnails.append(
+                {QPoint(i / kRows * cell.width(), i % kRows * cell.height()), cell});
+        flight.atlasSize = flight.atlasSize.expandedTo(
+                {flight.thumbnails.last().right() + 1, flight.thumbnails.last().bottom() + 1});
+    }
+    return true;
+}
+
+bool ViewPass::State::recordView(VkCommandBuffer commands, const ViewInput &input, Flight &flight,
+                                 QString &error)
+{
+    ViewImages images;
+    if (!findImages(input, flight, images, error))
+        return false;
+    const QSize size = input.state.size;
+    const std::size_t viewBytes = bytesOf(size);
+    if (!updateTarget(m_view, size, error)
+        || (!images.thumbnails.isEmpty() && !updateTarget(m_atlas, flight.atlasSize, error))
         || !updateBuffer(flight, kTexelBytes + viewBytes + bytesOf(flight.atlasSize), error))
         return false;
     return runVulkan(error, [&] {
-        updateSets(flight, std::uint32_t(count) + 1);
-        const auto left = float(state.placement.left());
-        const auto width = float(state.placement.width());
-        Constants constants = {.placement = {left, float(state.placement.top()), width,
-                                             float(state.placement.height())},
-                               .shift = 0.0F,
-                               .split = -2.0F,
-                               .differenceGain = 0.0F,
-                               .headroom = state.headroom,
-                               .comparedHeadroom = input.comparedHeadroom,
-                               .exposure = state.exposure,
-                               .channel = state.channel};
-        if (state.comparison == Comparison::Split)
-            constants.split = std::round(left + state.split * width);
-        else if (state.comparison == Comparison::SideBySide)
-            constants.shift = float(state.size.width() / 2);
-        else if (state.comparison == Comparison::Difference)
-            constants.differenceGain = float(ViewState::kDifferenceGain);
-        const bool showsOther = state.comparison == Comparison::Other;
-        if (showsOther)
-            constants.headroom = input.comparedHeadroom;
-        const OutputImage &picture = showsOther ? input.compared : input.picture;
-        beginDrawing(commands, m_view);
-        draw(commands, flight, picture,
-             state.comparison == Comparison::None ? input.picture : input.compared,
-             {QPoint(), state.size}, constants);
-        vk::CommandBuffer(commands).endRenderPass(dispatcher());
-        writeTimestamp(commands, number, 1);
-        const HostBuffer &buffer = *flight.buffer;
-        m_device->recordDownload(commands, m_view.image->image(),
-                                 VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL, {QPoint(), state.size},
-                                 buffer, kTexelBytes);
-        if (flight.texelFormat)
-            m_device->recordDownload(commands, input.picture.image,
-                                     VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL,
-                                     {input.texel, QSize(1, 1)}, buffer, 0);
-        writeTimestamp(commands, number, 2);
-        if (count == 0)
-            return;
-        beginDrawing(commands, m_atlas);
-        for (qsizetype i = 0; i < count; ++i) {
-            const QRect cell = flight.thumbnails.at(i);
-            draw(commands, flight, input.thumbnails.at(i), input.thumbnails.at(i), cell,
-                 {.placement = {float(cell.x()), float(cell.y()), float(cell.width()),
-                                float(cell.height())},
-                  .shift = 0.0F,
-                  .split = -2.0F,
-                  .differenceGain = 0.0F,
-                  .headroom = i == count - 1 ? input.lastHeadroom : 0.0F,
-                  .comparedHeadroom = 0.0F,
-                  .exposure = 1.0F,
-                  .channel = -1});
-        }
-        vk::CommandBuffer(commands).endRenderPass(dispatcher());
-        m_device->recordDownload(commands, m_atlas.image->image(),
-                                 VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL, {QPoint(), flight.atlasSize},
-                                 buffer, kTexelBytes + viewBytes);
+        updateSets(flight, std::uint32_t(images.thumbnails.size()) + 1);
+        recordDrawing(commands, input, images, flight);
     });
 }
 
-bool ViewPass::State::read(int number, ViewOutput &output, QString &error)
+void ViewPass::State::recordDrawing(VkCommandBuffer commands, const ViewInput &input,
+                                    const ViewImages &images, const Flight &flight) const
 {
-    Flight &flight = this->flight(number);
+    using Comparison = ViewState::Comparison;
+    const ViewState &state = input.state;
+    const auto place = [](const QRect &rectangle) {
+        return std::array<float, 4>{float(rectangle.x()), float(rectangle.y()),
+                                    float(rectangle.width()), float(rectangle.height())};
+    };
+    const float lastHeadroom = input.headroom.value_or(0.0F);
+    Constants constants = {.placement = place(state.placement(flight.output.size)),
+                           .shift = 0.0F,
+                           .split = -2.0F,
+                           .differenceGain = 0.0F,
+                           .headroom = flight.output.isToneMapped ? lastHeadroom : 0.0F,
+                           .comparedHeadroom = 0.0F,
+                           .exposure = state.exposure,
+                           .channel = state.channel};
+    if (input.compared != nullptr) // else it is the source
+        constants.comparedHeadroom = constants.headroom;
+    if (state.comparison == Comparison::Split)
+        constants.split = std::round(constants.placement[0] + state.split * constants.placement[2]);
+    else if (state.comparison == Comparison::SideBySide)
+        constants.shift = float(state.size.width() / 2);
+    else if (state.comparison == Comparison::Difference)
+        constants.differenceGain = float(ViewState::kDifferenceGain);
+    else if (state.comparison == Comparison::Other)
+        constants.headroom = constants.comparedHeadroom;
+    const bool isOther = state.comparison == Comparison::Other;
+    const QRect view(QPoint(), state.size);
+    beginDrawing(commands, m_view);
+    draw(commands, flight, isOther ? images.compared : images.picture, images.compared, view,
+         constants);
+    vk::CommandBuffer(commands).endRenderPass(dispatcher());
+    writeTimestamp(commands, flight, 1);
+    m_device->recordDownload(commands, m_view.image->image(), VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL,
+                             view, *flight.buffer, kTexelBytes);
+    if (flight.texelFormat)
+        m_device->recordDownload(commands, images.picture.image,
+                                 VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL,
+                                 {state.texel, QSize(1, 1)}, *flight.buffer, 0);
+    writeTimestamp(commands, flight, 2);
+
+    const qsizetype count = images.thumbnails.size();
+    if (count == 0)
+        return;
+    constants.split = -2.0F;
+    constants.shift = 0.0F;
+    constants.differenceGain = 0.0F;
+    constants.exposure = 1.0F;
+    constants.channel = -1;
+    beginDrawing(commands, m_atlas);
+    for (qsizetype i = 0; i < count; ++i) {
+        constants.placement = place(flight.thumbnails.at(i));
+        constants.headroom = i == count - 1 ? lastHeadroom : 0.0F;
+        draw(commands, flight, images.thumbnails.at(i), images.thumbnails.at(i),
+             flight.thumbnails.at(i), constants);
+    }
+    vk::CommandBuffer(commands).endRenderPass(dispatcher());
+    m_device->recordDownload(commands, m_atlas.image->image(), VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL,
+                             {QPoint(), flight.atlasSize}, *flight.buffer,
+                             kTexelBytes + bytesOf(state.size));
+}
+
+bool ViewPass::State::read(ViewOutput &output, QString &error)
+{
+    const int number = m_read % VulkanDevice::kFramesInFlight;
+    ++m_read;
+    Flight &flight = m_flights.at(std::size_t(number));
     if (!m_device->wait(number, flight.buffer.get(), error))
         return false;
+    output = std::exchange(flight.output, {});
     const auto *const bytes = static_cast<const uchar *>(flight.buffer->data());
     const uchar *const view = bytes + kTexelBytes;
-    output.texel = flight.texel;
+    const QSize size = output.state.size;
     if (flight.texelFormat) {
         output.texel.emplace();
         readTexels(bytes, *flight.texelFormat, &*output.texel, 1);
     }
-    const QImage atlas(view + bytesOf(flight.size), flight.atlasSize.width(),
-                       flight.atlasSize.height(), QImage::Format_RGB32);
-    output.thumbnails.clear();
+    const QImage atlas(view + bytesOf(size), flight.atlasSize.width(), flight.atlasSize.height(),
+                       QImage::Format_RGB32);
     for (const QRect &cell : std::as_const(flight.thumbnails))
         output.thumbnails.append(atlas.copy(cell));
+    if (flight.isDrawn) {
+        const QList<std::optional<double>> times = flight.renderer->milliseconds(number);
+        for (int i = 0; i < output.passes.size(); ++i)
+            output.passes[i].milliseconds = times.value(i);
+        m_drawn.passes = output.passes;
+        if (!runVulkan(error, [&] { readTimes(flight); }))
+            return false;
+    }
+    output.passes = m_drawn.passes;
+    output.drawMilliseconds = m_drawn.drawMilliseconds;
+    output.transferMilliseconds = m_drawn.transferMilliseconds;
     // The image keeps the buffer.
     auto *const keeper = new std::shared_ptr<HostBuffer>(std::move(flight.buffer));
     output.image = QImage(
-            view, flight.size.width(), flight.size.height(), QImage::Format_RGB32,
+            view, size.width(), size.height(), QImage::Format_RGB32,
             [](void *kept) { delete static_cast<std::shared_ptr<HostBuffer> *>(kept); }, keeper);
-    return runVulkan(error, [&] {
-        if (!*flight.timestamps)
-            return;
-        const auto [result, times] = flight.timestamps.getResults<std::uint64_t>(
-                0, kTimestamps, kTimestamps * sizeof(std::uint64_t), sizeof(std::uint64_t),
-                vk::QueryResultFlagBits::e64);
-        if (result != vk::Result::eSuccess)
-            return;
-        const double period = m_device->timestampPeriod() * 1e-6;
-        output.drawMilliseconds = double(times[1] - times[0]) * period;
-        output.transferMilliseconds = double(times[2] - times[1]) * period;
-    });
+    return true;
 }
 
-bool ViewPass::create(const std::shared_ptr<VulkanDevice> &device, const QByteArray &vertex,
-                      const QByteArray &fragment, std::unique_ptr<ViewPass> &pass, QString &error)
+void ViewPass::State::readTimes(const Flight &flight)
 {
+    if (!*flight.timestamps)
+        return;
+    const auto [result, times] = flight.timestamps.getResults<std::uint64_t>(
+            0, kTimestamps, kTimestamps * sizeof(std::uint64_t), sizeof(std::uint64_t),
+            vk::QueryResultFlagBits::e64);
+    if (result != vk::Result::eSuccess)
+        return;
+    const double period = m_device->timestampPeriod() * 1e-6;
+    m_drawn.drawMilliseconds = double(times[1] - times[0]) * period;
+    m_drawn.transferMilliseconds = double(times[2] - times[1]) * period;
+}
+
+bool ViewPass::create(const QString &device, const QByteArray &vertex, const QByteArray &fragment,
+                      std::unique_ptr<ViewPass> &pass, QString &error)
+{
+    std::unique_ptr<VulkanDevice> opened;
     std::unique_ptr<State> state;
-    if (!runVulkan(error, [&] { state = std::make_unique<State>(device, vertex, fragment); })
+    if (!VulkanDevice::open(device, opened, error)
+        || !runVulkan(error,
+                      [&] { state = std::make_unique<State>(std::move(opened), vertex, fragment); })
         || !state->createBlack(error))
         return false;
     pass.reset(new ViewPass(std::move(state)));
@@ -469,17 +569,22 @@ ViewPass::ViewPass(std::unique_ptr<State> state) : m_state(std::move(state)) { }
 
 ViewPass::~ViewPass() = default;
 
-void ViewPass::begin(VkCommandBuffer commands, int number)
+const std::shared_ptr<VulkanDevice> &ViewPass::device() const
 {
-    m_state->begin(commands, number);
+    return m_state->device();
 }
 
-bool ViewPass::record(VkCommandBuffer commands, int number, const ViewInput &input, QString &error)
+bool ViewPass::submit(ViewInput input, const Record &record, QString &error)
 {
-    return m_state->record(commands, number, input, error);
+    return m_state->submit(std::move(input), record, error);
 }
 
-bool ViewPass::read(int number, ViewOutput &output, QString &error)
+bool ViewPass::read(ViewOutput &output, QString &error)
 {
-    return m_state->read(number, output, error);
+    return m_state->read(output, error);
+}
+
+bool ViewPass::hasOldThumbnails() const
+{
+    return m_state->hasOldThumbnails();
 }

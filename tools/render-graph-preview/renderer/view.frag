@@ -1,6 +1,6 @@
 #version 450
 
-// Shows a picture on an SDR display: see ViewState.
+// Shows a picture on an SDR display: see ViewInput.
 
 layout(location = 0) out vec4 fragColor;
 

@@ -35,14 +35,14 @@ PictureView::PictureView(QWidget *parent) : QWidget(parent)
     setAccessibleName(u"Picture"_s);
     setAccessibleDescription(u"Arrow keys: next pixel\n[ and ]: move the split line"_s);
     setMinimumSize(64, 64);
-    m_display.state.comparison = Comparison::Split;
+    m_state.comparison = Comparison::Split;
 }
 
 void PictureView::setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &preset)
 {
     m_frame = frame;
     m_preset = preset;
-    QWidget::update();
+    update();
 }
 
 void PictureView::setZoom(int zoom)
@@ -50,15 +50,13 @@ void PictureView::setZoom(int zoom)
     zoomAt(QRectF(QPointF(), sizeInPixels()).center(), zoom);
 }
 
-void PictureView::update(DisplaySettings &display) const
+ViewState PictureView::state() const
 {
-    display.state = m_display.state;
-    display.state.size = sizeInPixels();
+    ViewState state = m_state;
+    state.size = sizeInPixels();
     if (m_showsOther)
-        display.state.comparison = Comparison::Other;
-    display.zoom = m_display.zoom;
-    display.center = m_display.center;
-    display.texel = m_display.texel;
+        state.comparison = Comparison::Other;
+    return state;
 }
 
 QSize PictureView::sizeInPixels() const
@@ -66,44 +64,18 @@ QSize PictureView::sizeInPixels() const
     return (QSizeF(size()) * devicePixelRatioF()).toSize();
 }
 
-double PictureView::shownZoom() const
-{
-    return m_frame ? double(m_frame->state.placement.width()) / m_frame->size.width() : 1.0;
-}
-
-QString PictureView::zoomText() const
-{
-    const double zoom = shownZoom();
-    return u"%1%2:1%3"_s.arg(m_display.zoom == DisplaySettings::kFit ? u"fit, "_s : QString(),
-                             QString::number(zoom, 'g', 3),
-                             zoom < 1.0 ? u", averaged"_s : QString());
-}
-
-// Of the picture at that position.
-QRect PictureView::placementAt(QPointF position) const
-{
-    const ViewState &state = m_frame->state;
-    const int half = state.size.width() / 2;
-    const bool isRight = state.comparison == Comparison::SideBySide && position.x() >= half;
-    return state.placement.translated(isRight ? half : 0, 0);
-}
-
-// What is at the position stays there.
 void PictureView::zoomAt(QPointF position, int zoom)
 {
-    if (zoom == m_display.zoom)
+    if (zoom == m_state.zoom)
         return;
-    if (m_frame && zoom != DisplaySettings::kFit) {
-        const QRect shown = placementAt(position);
-        const QPointF at = position - shown.topLeft();
-        const QSizeF size = QSizeF(m_frame->size) * zoom;
-        const QPointF middle = QRectF(QPointF(), sizeInPixels()).center();
-        m_display.center = {at.x() / shown.width() + (middle.x() - position.x()) / size.width(),
-                            at.y() / shown.height() + (middle.y() - position.y()) / size.height()};
+    m_state.zoom = zoom;
+    if (m_frame) {
+        ViewState state = m_frame->state;
+        state.zoomAt(m_frame->size, position, zoom);
+        m_state.center = state.center;
     }
-    m_display.zoom = zoom;
     Q_EMIT zoomChanged(zoom);
-    Q_EMIT displayChanged();
+    Q_EMIT stateChanged();
 }
 
 void PictureView::paintEvent(QPaintEvent * /*event*/)
@@ -122,12 +94,13 @@ void PictureView::paintEvent(QPaintEvent * /*event*/)
         painter.fillRect(QRect(QPoint(), sizeInPixels()), surround);
     painter.drawImage(0, 0, image);
     if (hasFocus()) {
-        const QRect shown = m_frame->state.placement;
-        const double scale = shownZoom();
+        const ViewState &shown = m_frame->state;
+        const double scale = shown.shownZoom(m_frame->size);
         painter.setPen(Qt::magenta);
-        painter.drawRect(QRectF(shown.topLeft() + QPointF(m_frame->texelPosition) * scale,
-                                QSizeF(scale, scale))
-                                 .adjusted(-1, -1, 1, 1));
+        painter.drawRect(
+                QRectF(shown.placement(m_frame->size).topLeft() + QPointF(shown.texel) * scale,
+                       QSizeF(scale, scale))
+                        .adjusted(-1, -1, 1, 1));
     }
     painter.restore();
 
@@ -147,7 +120,7 @@ void PictureView::paintEvent(QPaintEvent * /*event*/)
         drawLabel(painter, rect(), Qt::AlignBottom | Qt::AlignLeft,
                   u"difference from %1, times %2"_s.arg(m_frame->comparedName)
                           .arg(ViewState::kDifferenceGain));
-    else if (state.comparison != Comparison::None)
+    else if (state.comparison != Comparison::Nothing)
         drawLabel(painter, rect(), Qt::AlignBottom | Qt::AlignLeft, m_frame->comparedName);
     if (state.comparison == Comparison::Split || state.comparison == Comparison::SideBySide)
         drawLabel(painter, rect(), Qt::AlignBottom | Qt::AlignRight, u"current"_s);
@@ -159,47 +132,27 @@ void PictureView::resizeEvent(QResizeEvent * /*event*/)
     Q_EMIT resized();
 }
 
-bool PictureView::moveToPixel(QPoint pixel)
+void PictureView::readTexel(QPoint texel)
 {
-    if (!m_frame || !QRect(QPoint(), m_frame->size).contains(pixel) || pixel == m_display.texel)
-        return false;
-    m_display.texel = pixel;
-    Q_EMIT displayChanged();
-    return true;
-}
-
-void PictureView::moveSplit(double split)
-{
-    m_display.state.split = float(std::clamp(split, 0.0, 1.0));
-    Q_EMIT displayChanged();
+    if (!m_frame || !QRect(QPoint(), m_frame->size).contains(texel) || texel == m_state.texel)
+        return;
+    m_state.texel = texel;
+    Q_EMIT stateChanged();
 }
 
 void PictureView::wheelEvent(QWheelEvent *event)
 {
-    if (!m_frame || event->angleDelta().y() == 0)
-        return;
-    const double shown = shownZoom();
-    int smaller = DisplaySettings::kFit;
-    int larger = m_display.zoom;
-    for (const int zoom : kZooms) {
-        if (zoom < shown)
-            smaller = zoom;
-        if (zoom > shown && larger <= shown)
-            larger = zoom;
-    }
-    zoomAt(event->position() * devicePixelRatioF(), event->angleDelta().y() > 0 ? larger : smaller);
+    if (m_frame && event->angleDelta().y() != 0)
+        zoomAt(event->position() * devicePixelRatioF(),
+               m_frame->state.nextZoom(m_frame->size, event->angleDelta().y() > 0));
 }
 
 void PictureView::mousePressEvent(QMouseEvent *event)
 {
     m_dragged = event->position() * devicePixelRatioF();
-    if (!m_frame)
-        return;
-    const ViewState &state = m_frame->state;
-    const double line =
-            state.placement.left() + double(state.split) * state.placement.width() + 1.0;
-    m_isSplitDragged = state.comparison == Comparison::Split
-            && std::abs(m_dragged.x() - line) <= kGrabDistance * devicePixelRatioF();
+    m_isSplitDragged = m_frame
+            && m_frame->state.isAtSplit(m_frame->size, m_dragged,
+                                        kGrabDistance * devicePixelRatioF());
     mouseMoveEvent(event);
 }
 
@@ -208,27 +161,16 @@ void PictureView::mouseMoveEvent(QMouseEvent *event)
     if (!m_frame)
         return;
     const QPointF position = event->position() * devicePixelRatioF();
-    const QRect shown = placementAt(position);
-    const QPointF at = position - shown.topLeft();
-    if (event->buttons().testFlag(Qt::LeftButton)) {
-        const QPointF moved = position - std::exchange(m_dragged, position);
-        if (m_isSplitDragged)
-            return moveSplit(at.x() / shown.width());
-        if (!moved.isNull() && m_display.zoom != DisplaySettings::kFit) {
-            const auto pan = [](double center, double by, int length, int within) {
-                const double margin = std::min(0.5, within / 2.0 / length);
-                return std::clamp(center - by / length, margin, 1.0 - margin);
-            };
-            const QSize room = sizeInPixels();
-            m_display.center = {
-                    pan(m_display.center.x(), moved.x(), shown.width(), room.width()),
-                    pan(m_display.center.y(), moved.y(), shown.height(), room.height())};
-            Q_EMIT displayChanged();
-        }
-    }
-    const double scale = shownZoom();
-    moveToPixel({int(std::floor(at.x() / scale)),
-                 int(std::floor(at.y() * m_frame->size.height() / shown.height()))});
+    const QPointF moved = position - m_dragged;
+    if (!event->buttons().testFlag(Qt::LeftButton) || moved.isNull())
+        return readTexel(m_frame->state.texelAt(m_frame->size, position));
+    m_dragged = position;
+    m_state.size = sizeInPixels();
+    if (m_isSplitDragged)
+        m_state.moveSplit(m_frame->size, position.x());
+    else
+        m_state.pan(m_frame->size, moved);
+    Q_EMIT stateChanged();
 }
 
 void PictureView::keyPressEvent(QKeyEvent *event)
@@ -238,31 +180,31 @@ void PictureView::keyPressEvent(QKeyEvent *event)
                                               {Qt::Key_Up, {0, -1}},
                                               {Qt::Key_Down, {0, 1}}};
     static const QList<int> kChannels = {Qt::Key_R, Qt::Key_G, Qt::Key_B, Qt::Key_A};
-    ViewState &state = m_display.state;
+    ViewState &state = m_state;
     const int key = event->key();
-    if (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier))
+    const bool isShifted = event->modifiers().testFlag(Qt::ShiftModifier);
+    if ((event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) != Qt::NoModifier)
         return QWidget::keyPressEvent(event);
-    if (kMoves.contains(key)) {
-        moveToPixel(m_display.texel + kMoves.value(key));
-        return;
-    }
-    if (key == Qt::Key_BracketLeft || key == Qt::Key_BracketRight)
-        return moveSplit(double(state.split) + (key == Qt::Key_BracketLeft ? -0.02 : 0.02));
+    if (kMoves.contains(key))
+        return readTexel(state.texel + kMoves.value(key));
     if (key == Qt::Key_1 || key == Qt::Key_F || key == Qt::Key_0)
-        return setZoom(key == Qt::Key_1 ? 1 : DisplaySettings::kFit);
-    if (key == Qt::Key_M)
+        return setZoom(key == Qt::Key_1 ? 1 : ViewState::kFit);
+    if (key == Qt::Key_BracketLeft || key == Qt::Key_BracketRight)
+        state.split =
+                std::clamp(state.split + (key == Qt::Key_BracketLeft ? -0.02F : 0.02F), 0.0F, 1.0F);
+    else if (key == Qt::Key_M)
         state.comparison = state.comparison == Comparison::Difference
                 ? Comparison::Split
                 : Comparison(int(state.comparison) + 1);
     else if (key == Qt::Key_E)
-        state.exposure *= event->modifiers().testFlag(Qt::ShiftModifier) ? 0.5F : 2.0F;
+        state.exposure *= isShifted ? 0.5F : 2.0F;
     else if (const auto channel = int(kChannels.indexOf(key)); channel >= 0)
         state.channel = state.channel == channel ? -1 : channel;
     else if (key == Qt::Key_Space)
         m_showsOther = true;
     else
         return QWidget::keyPressEvent(event);
-    Q_EMIT displayChanged();
+    Q_EMIT stateChanged();
 }
 
 void PictureView::keyReleaseEvent(QKeyEvent *event)
@@ -270,5 +212,5 @@ void PictureView::keyReleaseEvent(QKeyEvent *event)
     if (event->key() != Qt::Key_Space || event->isAutoRepeat())
         return QWidget::keyReleaseEvent(event);
     m_showsOther = false;
-    Q_EMIT displayChanged();
+    Q_EMIT stateChanged();
 }

@@ -14,20 +14,14 @@ class PictureView : public QWidget
     Q_OBJECT
 
 public:
-    static constexpr int kZooms[] = {DisplaySettings::kFit, 1, 2, 3, 4, 6, 8};
-
     explicit PictureView(QWidget *parent = nullptr);
 
     // `preset` is the one that was chosen: the picture says if it is another's.
     void setFrame(const std::shared_ptr<const FrameResult> &frame, const QString &preset);
-    void setZoom(int zoom);
+    void setZoom(int zoom); // see ViewState
 
-    // Sets all but the pass, what is compared with and the size of thumbnails.
-    void update(DisplaySettings &display) const;
-
+    ViewState state() const;
     QSize sizeInPixels() const; // of the screen
-    // How the shown frame is zoomed, such as "fit, 0.73:1, averaged".
-    QString zoomText() const;
     // What the last frame took to be painted, in milliseconds.
     double paintMilliseconds() const
     {
@@ -35,7 +29,7 @@ public:
     }
 
 Q_SIGNALS:
-    void displayChanged();
+    void stateChanged();
     void zoomChanged(int zoom);
     void resized();
 
@@ -49,15 +43,12 @@ protected:
     void keyReleaseEvent(QKeyEvent *event) override;
 
 private:
-    double shownZoom() const;
     void zoomAt(QPointF position, int zoom);
-    void moveSplit(double split);
-    bool moveToPixel(QPoint pixel);
-    QRect placementAt(QPointF position) const;
+    void readTexel(QPoint texel);
 
     std::shared_ptr<const FrameResult> m_frame;
     QString m_preset;
-    DisplaySettings m_display;
+    ViewState m_state;
     bool m_showsOther = false;
     bool m_isSplitDragged = false;
     QPointF m_dragged; // in pixels of the screen

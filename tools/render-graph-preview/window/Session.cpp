@@ -25,27 +25,8 @@ namespace {
 constexpr int kReloadDebounceMilliseconds = 50;
 constexpr int kSlowMilliseconds = 500;
 constexpr double kFramesPerSecond = 60.0;
-constexpr int kThumbnailMilliseconds = 250; // at least, between two of a picture that moves
 
 } // namespace
-
-QRect placePicture(QSize picture, QSize view, const DisplaySettings &display)
-{
-    QSize room = view;
-    if (display.state.comparison == ViewState::Comparison::SideBySide)
-        room.setWidth(std::max(1, room.width() / 2));
-    const QSize shown = display.zoom == DisplaySettings::kFit
-            ? picture.scaled(room, Qt::KeepAspectRatio)
-            : picture * display.zoom;
-    const auto begin = [](int length, int within, double center) {
-        return length <= within
-                ? (within - length) / 2
-                : std::clamp(int(std::lround(within / 2.0 - center * length)), within - length, 0);
-    };
-    return {QPoint(begin(shown.width(), room.width(), display.center.x()),
-                   begin(shown.height(), room.height(), display.center.y())),
-            shown.expandedTo({1, 1})};
-}
 
 // Replaces what was set for a preset.
 class Session::ValuesChange : public QUndoCommand
@@ -111,7 +92,7 @@ struct Session::Result
     std::uint64_t number = 0; // of the request
     std::optional<PresetOnDisk> preset; // if it was loaded again or is needed
     bool isPresetLoaded = false;
-    std::shared_ptr<const FrameResult> frame; // null after an error
+    std::shared_ptr<FrameResult> frame; // null after an error
     QString message;
 };
 
@@ -172,20 +153,11 @@ private:
         QHash<QString, float> values;
     };
 
-    // A frame that the device draws.
-    struct Flight
-    {
-        Result result;
-        std::shared_ptr<FrameResult> frame;
-        int submission = 0;
-        bool isDrawn = false; // not only viewed
-    };
-
     void run()
     {
         for (;;) {
             const std::optional<Request> request = next();
-            std::optional<Flight> drawn = std::exchange(m_flight, std::nullopt);
+            std::optional<Result> drawn = std::exchange(m_flight, std::nullopt);
             if (!request && !drawn)
                 break;
             if (drawn && (!request || request->redraw != Redraw::NextFrame)) {
@@ -208,14 +180,10 @@ private:
     {
         std::unique_lock lock(m_mutex);
         const auto isAwake = [this] { return m_isClosing || m_waiting || m_flight; };
-        if (m_hasOldThumbnails && !isAwake()) {
-            m_wake.wait_for(lock, std::chrono::milliseconds(kThumbnailMilliseconds), isAwake);
-            if (!isAwake()) {
-                Request again = m_last;
-                again.redraw = Redraw::View;
-                return again;
-            }
-        }
+        if (m_viewPass && m_viewPass->hasOldThumbnails()
+            && !m_wake.wait_for(lock, std::chrono::milliseconds(ViewPass::kThumbnailMilliseconds),
+                                isAwake))
+            return m_last;
         m_wake.wait(lock, isAwake);
         return m_isClosing ? std::nullopt : std::exchange(m_waiting, std::nullopt);
     }
@@ -223,65 +191,58 @@ private:
     // Returns whether it was submitted.
     bool draw(const Request &request)
     {
-        Flight flight;
-        flight.result.number = request.number;
+        Result result;
+        result.number = request.number;
         QString error;
         bool isSubmitted = false;
         try {
             reopenSource(request);
-            reloadPreset(request, flight.result);
+            reloadPreset(request, result);
             if (!m_player.preset().graph.passes.isEmpty() && !m_player.source().isNull())
-                isSubmitted = submit(request, flight, error);
+                isSubmitted = submit(request, result, error);
             if (isSubmitted && !request.picturePath.isEmpty())
-                savePicture(request, flight.frame->pass);
+                savePicture(request);
         } catch (const std::bad_alloc &) {
             m_requestedPreset.clear(); // what was not read is read again
             m_requestedSource.clear();
-            flight.result.preset.reset();
+            result.preset.reset();
             error = kNotEnoughMemory;
             isSubmitted = false;
         }
         QStringList errors = {m_presetError, m_sourceError, error};
         errors.removeAll(QString());
-        flight.result.message = errors.join(u'\n');
-        if (isSubmitted) {
-            m_flight = std::move(flight);
-            return true;
-        }
-        release();
-        post(std::move(flight.result));
-        return false;
+        result.message = errors.join(u'\n');
+        if (isSubmitted)
+            m_flight = std::move(result);
+        else
+            fail(std::move(result));
+        return isSubmitted;
     }
 
     // Waits for it.
-    void deliver(Flight &flight)
+    void deliver(Result &result)
     {
-        ViewOutput view;
-        QString error;
-        if (!m_viewPass->read(flight.submission, view, error)) {
-            if (m_flight)
-                flight.result.number = m_flight->result.number;
-            flight.result.message = error;
-            release();
-            return post(std::move(flight.result));
-        }
-        FrameResult &frame = *flight.frame;
-        if (flight.isDrawn) {
-            const QList<std::optional<double>> times =
-                    m_player.renderer()->milliseconds(flight.submission);
-            for (int i = 0; i < frame.passes.size(); ++i)
-                frame.passes[i].milliseconds = times.value(i);
-            m_passes = frame.passes;
-            m_drawMilliseconds = view.drawMilliseconds;
-            m_transferMilliseconds = view.transferMilliseconds;
-        }
-        frame.drawMilliseconds = m_drawMilliseconds;
-        frame.transferMilliseconds = m_transferMilliseconds;
-        frame.image = view.image;
-        frame.texel = view.texel;
-        frame.thumbnails = view.thumbnails;
-        flight.result.frame = flight.frame;
-        post(std::move(flight.result));
+        if (m_viewPass->read(*result.frame, result.message))
+            return post(std::move(result));
+        if (m_flight)
+            result.number = m_flight->number;
+        fail(std::move(result));
+    }
+
+    // The device may be lost, or there was no memory to go on.
+    void fail(Result result)
+    {
+        release();
+        result.frame.reset();
+        post(std::move(result));
+    }
+
+    void release()
+    {
+        m_flight.reset();
+        m_player.release();
+        m_otherPlayer.release();
+        m_viewPass.reset();
     }
 
     void post(Result result)
@@ -295,15 +256,6 @@ private:
     void postToGui(Function function)
     {
         QMetaObject::invokeMethod(&m_session, std::move(function), Qt::QueuedConnection);
-    }
-
-    void release()
-    {
-        m_flight.reset();
-        m_player.release();
-        m_otherPlayer.release();
-        m_viewPass.reset();
-        m_device.reset();
     }
 
     void reloadPreset(const Request &request, Result &result)
@@ -355,16 +307,12 @@ private:
     {
         if (m_viewPass)
             return true;
-        std::unique_ptr<VulkanDevice> opened;
         QStringList files;
         QByteArray vertex;
         QByteArray fragment;
-        if (!VulkanDevice::open(m_deviceName, opened, error)
-            || !compileGlsl(u":/view.vert"_s, ShaderStage::Vertex, vertex, files, error)
-            || !compileGlsl(u":/view.frag"_s, ShaderStage::Fragment, fragment, files, error))
-            return false;
-        m_device = std::move(opened);
-        return ViewPass::create(m_device, vertex, fragment, m_viewPass, error);
+        return compileGlsl(u":/view.vert"_s, ShaderStage::Vertex, vertex, files, error)
+                && compileGlsl(u":/view.frag"_s, ShaderStage::Fragment, fragment, files, error)
+                && ViewPass::create(m_deviceName, vertex, fragment, m_viewPass, error);
     }
 
     static void prepare(Player &player, const Request &request)
@@ -424,10 +372,10 @@ private:
         return {};
     }
 
-    bool submit(const Request &request, Flight &flight, QString &error)
+    bool submit(const Request &request, Result &result, QString &error)
     {
-        flight.frame = std::make_shared<FrameResult>();
-        FrameResult &frame = *flight.frame;
+        result.frame = std::make_shared<FrameResult>();
+        FrameResult &frame = *result.frame;
         frame.preset = m_player.preset().name;
         m_player.resetValues();
         for (const PresetParamMeta &parameter : m_player.preset().parameters) {
@@ -441,105 +389,57 @@ private:
         if (!openDevice(error))
             return false;
 
+        const DisplaySettings &display = request.display;
         const bool isDrawn = request.redraw != Redraw::View || m_isNew || !m_player.renderer();
-        const bool hasOther = request.display.against > Against::Source;
-        bool isOtherDrawn = hasOther && updateOther(request);
-        isOtherDrawn |= hasOther && (isDrawn || !m_otherPlayer.renderer());
-        if (isDrawn)
-            prepare(m_player, request);
-        if (isOtherDrawn)
-            prepare(m_otherPlayer, request);
-        m_submission = (m_submission + 1) % VulkanDevice::kFramesInFlight;
-        flight.submission = m_submission;
-        flight.isDrawn = isDrawn;
-        const auto record = [&](VkCommandBuffer commands) {
-            m_viewPass->begin(commands, m_submission);
-            ViewInput input;
-            return (!isDrawn
-                    || m_player.recordFrame(m_device, commands, m_submission, request.frame, error))
-                    && (!isOtherDrawn
-                        || m_otherPlayer.recordFrame(m_device, commands, m_submission,
-                                                     request.frame, error))
-                    && describe(request, isDrawn, frame, input, error)
-                    && m_viewPass->record(commands, m_submission, input, error);
+        const bool hasOther = display.against > Against::Source;
+        const bool isOtherDrawn =
+                hasOther && (updateOther(request) || isDrawn || !m_otherPlayer.renderer());
+        frame.number = request.frame;
+        frame.comparedName = nameOf(display.against);
+        for (const VulkanRenderGraph::Pass &pass : m_player.preset().graph.passes)
+            frame.components.append(pass.debugName);
+        frame.device = m_viewPass->device()->info().name;
+        ViewInput shown;
+        shown.state = display.state;
+        shown.state.size = display.state.size.expandedTo({1, 1});
+        if (display.against == Against::Nothing)
+            shown.state.comparison = ViewState::Comparison::Nothing;
+        shown.pass = display.pass;
+        shown.headroom = request.view.headroom;
+        shown.thumbnailSize = display.thumbnailSize;
+        shown.isDrawn = isDrawn;
+        const auto record = [&](VkCommandBuffer commands, int submission, ViewInput &input) {
+            const auto drawBy = [&](Player &player) {
+                prepare(player, request);
+                return player.recordFrame(m_viewPass->device(), commands, submission, request.frame,
+                                          error);
+            };
+            if ((isDrawn && !drawBy(m_player)) || (isOtherDrawn && !drawBy(m_otherPlayer)))
+                return false;
+            input.renderer = m_player.renderer();
+            input.compared = hasOther ? m_otherPlayer.renderer() : nullptr;
+            return true;
         };
-        if (!m_device->submit(m_submission, record, error))
+        if (!m_viewPass->submit(shown, record, error))
             return false;
         m_isNew = false;
         m_last = request;
+        m_last.redraw = Redraw::View;
         m_last.keepsState = false;
         m_last.picturePath.clear();
         m_last.needsPreset = false;
         return true;
     }
 
-    // What is shown of a frame that was recorded.
-    bool describe(const Request &request, bool isDrawn, FrameResult &frame, ViewInput &input,
-                  QString &error)
+    void savePicture(const Request &request)
     {
-        const OffscreenRenderer &renderer = *m_player.renderer();
-        const DisplaySettings &display = request.display;
-        const QList<PassResult> passes = renderer.passes();
-        const int last = int(passes.size()) - 1;
-        const auto shownPass = [&display](int lastPass) {
-            return display.pass < 0 ? lastPass : std::min(display.pass, lastPass);
-        };
-        frame.number = request.frame;
-        frame.passes = isDrawn ? passes : m_passes;
-        for (const VulkanRenderGraph::Pass &pass : m_player.preset().graph.passes)
-            frame.components.append(pass.debugName);
-        frame.device = m_device->info().name;
-        frame.pass = shownPass(last);
-        frame.size = passes.at(frame.pass).size;
-        frame.isToneMapped = request.view.headroom && frame.pass == last;
-        frame.comparedName = nameOf(display.against);
-        frame.texelPosition = display.texel;
-        frame.state = display.state;
-        frame.state.size = display.state.size.expandedTo({1, 1});
-        frame.state.placement = placePicture(frame.size, frame.state.size, display);
-        frame.state.headroom = frame.isToneMapped ? *request.view.headroom : 0.0F;
-        if (display.against == Against::Nothing)
-            frame.state.comparison = ViewState::Comparison::None;
-        if (display.against == Against::Source)
-            input.compared = renderer.sourceImage();
-        else
-            input.comparedHeadroom = frame.state.headroom;
-        input.state = frame.state;
-        input.texel = display.texel;
-        const OffscreenRenderer *const other = m_otherPlayer.renderer();
-        if (!renderer.outputImage(frame.pass, input.picture, error)
-            || (display.against > Against::Source
-                && !other->outputImage(shownPass(int(other->passes().size()) - 1), input.compared,
-                                       error)))
-            return false;
-
-        m_hasOldThumbnails |= isDrawn;
-        if (!m_hasOldThumbnails
-            || (m_thumbnailAge.isValid() && !m_thumbnailAge.hasExpired(kThumbnailMilliseconds)))
-            return true;
-        m_hasOldThumbnails = false;
-        m_thumbnailAge.start();
-        input.thumbnailSize = passes.last()
-                                      .size.scaled(display.thumbnailSize, Qt::KeepAspectRatio)
-                                      .expandedTo({1, 1});
-        input.lastHeadroom = request.view.headroom.value_or(0.0F);
-        input.thumbnails.resize(passes.size());
-        for (int i = 0; i <= last; ++i) {
-            if (!renderer.outputImage(i, input.thumbnails[i], error))
-                return false;
-        }
-        return true;
-    }
-
-    void savePicture(const Request &request, int pass)
-    {
-        const OffscreenRenderer &renderer = *m_player.renderer();
-        const bool isLast = pass == renderer.passes().size() - 1;
+        const int last = int(m_player.preset().graph.passes.size()) - 1;
+        const int pass = request.display.pass < 0 ? last : std::min(request.display.pass, last);
+        const std::optional<float> headroom = pass == last ? request.view.headroom : std::nullopt;
         QImage picture;
         QString error;
-        if (!renderer.output(pass, picture, error)
-            || !savePng(displayImage(picture, isLast ? request.view.headroom : std::nullopt),
-                        request.picturePath, error))
+        if (!m_player.renderer()->output(pass, picture, error)
+            || !savePng(displayImage(picture, headroom), request.picturePath, error))
             postToGui([&session = m_session, error] { Q_EMIT session.pictureNotSaved(error); });
     }
 
@@ -555,8 +455,7 @@ private:
     QString m_presetError;
     QString m_requestedSource; // likewise
     QString m_sourceError;
-    std::shared_ptr<VulkanDevice> m_device;
-    std::unique_ptr<ViewPass> m_viewPass; // null without a device
+    std::unique_ptr<ViewPass> m_viewPass; // has the device
     Player m_player;
     bool m_isNew = false; // its preset or source were not drawn yet
     Player m_otherPlayer; // draws what the picture is compared with
@@ -564,15 +463,8 @@ private:
     std::optional<State> m_kept;
     int m_keeps = 0; // counts
     std::optional<PresetOnDisk> m_beforeSave;
-    int m_submission = 0;
-    std::optional<Flight> m_flight;
-    Request m_last; // that was drawn
-    bool m_hasOldThumbnails = false;
-    QElapsedTimer m_thumbnailAge;
-    // Of the last frame that was drawn.
-    QList<PassResult> m_passes;
-    std::optional<double> m_drawMilliseconds;
-    std::optional<double> m_transferMilliseconds;
+    std::optional<Result> m_flight; // of the frame that the device draws
+    Request m_last; // that was drawn, to view it again
 
     std::mutex m_mutex; // of the following members
     std::condition_variable m_wake;

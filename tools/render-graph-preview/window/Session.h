@@ -33,43 +33,22 @@ struct ViewSettings
 // What is shown of it.
 struct DisplaySettings
 {
-    static constexpr int kFit = 0;
-
     // What the picture is compared with: the source, or what other values or code draw.
     enum class Against : std::uint8_t { Nothing, Source, TunedValues, Kept, BeforeSave };
 
     int pass = -1; // the pass whose output is shown; -1: the last one
     Against against = Against::Nothing;
-    ViewState state; // except placement and headroom, and where nothing is compared
-    int zoom = kFit; // pixels of the view for each of the picture
-    QPointF center = {0.5,
-                      0.5}; // what is in the middle if the picture exceeds the view, of its size
-    QPoint texel; // is read
-    QSize thumbnailSize = {128, 96}; // at most, in the picture's shape
+    ViewState state; // its comparison counts only where something is compared
+    QSize thumbnailSize = {128, 96}; // at most
 };
 
-// Where a picture of that size is shown in a view.
-QRect placePicture(QSize picture, QSize view, const DisplaySettings &display);
-
-struct FrameResult
+struct FrameResult : ViewOutput
 {
     QString preset; // the last one that could be drawn
     int number = 0;
-    int pass = 0;
-    QSize size; // of the output of that pass
-    QImage image; // the view
-    ViewState state; // of the view
     QString comparedName; // empty: nothing is compared
-    bool isToneMapped = false; // from HDR
-    QPoint texelPosition;
-    std::optional<QRgbaFloat32> texel; // of the output, there
-    QList<QImage> thumbnails; // by pass; empty if they are the previous ones
     QStringList components; // by pass
-    QList<PassResult> passes;
     QString device;
-    // Of the last frame that was not only viewed; empty if the device cannot tell.
-    std::optional<double> drawMilliseconds;
-    std::optional<double> transferMilliseconds;
 };
 
 // A preset that is being tuned: its values, and its frames, which a worker thread draws. The values

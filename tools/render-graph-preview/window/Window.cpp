@@ -116,7 +116,7 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
 
     createToolBars();
     createActions();
-    connect(m_picture, &PictureView::displayChanged, this, &Window::updateDisplay);
+    connect(m_picture, &PictureView::stateChanged, this, &Window::updateDisplay);
     connect(m_picture, &PictureView::zoomChanged, this,
             [this](int zoom) { m_zooms->setCurrentIndex(m_zooms->findData(zoom)); });
     connect(m_picture, &PictureView::resized, this,
@@ -173,8 +173,8 @@ void Window::createToolBars()
     for (const Size &size : kSizes)
         m_sizes->addItem(QLatin1StringView(size.name), size.size);
     m_zooms = addChoice(u"Zoo&m"_s, "zoom");
-    for (const int zoom : PictureView::kZooms)
-        m_zooms->addItem(zoom == DisplaySettings::kFit ? u"fit"_s : u"%1:1"_s.arg(zoom), zoom);
+    for (const int zoom : ViewState::kZooms)
+        m_zooms->addItem(zoom == ViewState::kFit ? u"fit"_s : u"%1:1"_s.arg(zoom), zoom);
     connect(m_zooms, &QComboBox::currentIndexChanged, m_picture,
             [this] { m_picture->setZoom(m_zooms->currentData().toInt()); });
     addBar(u"Drawing"_s);
@@ -380,7 +380,7 @@ void Window::updateView()
 void Window::updateDisplay()
 {
     DisplaySettings display = m_session.display();
-    m_picture->update(display);
+    display.state = m_picture->state();
     display.against = DisplaySettings::Against(m_comparisons->currentIndex());
     const int row = m_strip->currentRow();
     display.pass = row == m_strip->count() - 1 ? -1 : row;
@@ -409,7 +409,8 @@ void Window::showFrame()
         m_secondTimer.start();
         m_secondFrames = 0;
     }
-    QStringList texts = {frame.device, m_picture->zoomText(), u"frame %1"_s.arg(frame.number)};
+    QStringList texts = {frame.device, frame.state.zoomText(frame.size),
+                         u"frame %1"_s.arg(frame.number)};
     if (m_session.isRunning())
         texts.append(u"%1 a second"_s.arg(m_framesPerSecond, 0, 'f', 1));
     const auto time = [&texts](const QString &name, std::optional<double> milliseconds) {
@@ -467,7 +468,7 @@ void Window::showPixel(const FrameResult &frame)
     QStringList channels;
     for (const float channel : {red, green, blue, alpha})
         channels.append(QString::number(double(channel), 'f', 4));
-    m_pixelValues->setText(u"(%1, %2): %3"_s.arg(frame.texelPosition.x())
-                                   .arg(frame.texelPosition.y())
+    m_pixelValues->setText(u"(%1, %2): %3"_s.arg(frame.state.texel.x())
+                                   .arg(frame.state.texel.y())
                                    .arg(channels.join(u"  "_s)));
 }
