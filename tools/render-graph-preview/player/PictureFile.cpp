@@ -9,6 +9,7 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <new>
 
@@ -141,15 +142,21 @@ QImage newImage(QSize size, QImage::Format format)
 
 QImage floatPicture(const QImage &image)
 {
+    // Qt's own conversion multiplies by 1/255, which rounds differently.
+    static const std::array<float, 256> kLevels = [] {
+        std::array<float, 256> levels = {};
+        for (std::size_t i = 0; i < levels.size(); ++i)
+            levels.at(i) = float(i) / 255.0F;
+        return levels;
+    }();
+    const auto level = [](int value) { return kLevels[std::size_t(value)]; };
+    const QImage colors = image.convertToFormat(QImage::Format_RGB32);
     QImage picture = newImage(image.size(), QImage::Format_RGBA32FPx4);
     for (int y = 0; y < image.height(); ++y) {
+        const auto *const from = reinterpret_cast<const QRgb *>(colors.constScanLine(y));
         auto *const row = reinterpret_cast<QRgbaFloat32 *>(picture.scanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
-            const QRgb color = image.pixel(x, y);
-            // Qt's own conversion multiplies by 1/255, which rounds differently.
-            row[x] = {float(qRed(color)) / 255.0F, float(qGreen(color)) / 255.0F,
-                      float(qBlue(color)) / 255.0F, 1.0F};
-        }
+        for (int x = 0; x < image.width(); ++x)
+            row[x] = {level(qRed(from[x])), level(qGreen(from[x])), level(qBlue(from[x])), 1.0F};
     }
     return picture;
 }

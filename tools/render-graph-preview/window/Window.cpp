@@ -398,21 +398,21 @@ void Window::showFrame()
 {
     const FrameResult &frame = *m_session.frame();
     m_picture->setFrame(m_session.frame(), m_session.preset());
-    showStrip(frame);
     showPixel(frame);
 
-    ++m_secondFrames;
-    if (!m_secondTimer.isValid() || m_secondTimer.hasExpired(1000)) {
-        m_framesPerSecond = m_secondTimer.isValid()
-                ? 1000.0 * m_secondFrames / double(m_secondTimer.restart())
-                : 0.0;
-        m_secondTimer.start();
-        m_secondFrames = 0;
-    }
+    // Texts take long to draw, and cannot be read at the display's rate.
+    ++m_frames;
+    if (m_session.isRunning() && frame.thumbnails.isEmpty())
+        return;
+    showStrip(frame);
+    const double perSecond = m_framesTimer.isValid()
+            ? 1000.0 * std::exchange(m_frames, 0) / double(m_framesTimer.elapsed())
+            : 0.0;
+    m_framesTimer.start();
     QStringList texts = {frame.device, frame.state.zoomText(frame.size),
                          u"frame %1"_s.arg(frame.number)};
     if (m_session.isRunning())
-        texts.append(u"%1 a second"_s.arg(m_framesPerSecond, 0, 'f', 1));
+        texts.append(u"%1 a second"_s.arg(perSecond, 0, 'f', 1));
     const auto time = [&texts](const QString &name, std::optional<double> milliseconds) {
         if (milliseconds)
             texts.append(u"%1 %2 ms"_s.arg(name).arg(*milliseconds, 0, 'f', 1));
@@ -445,7 +445,7 @@ void Window::showStrip(const FrameResult &frame)
                 QString::number(i), m_components.at(i), QString::number(pass.size.width()),
                 QString::number(pass.size.height()),
                 QString(VulkanRenderGraph::formatName(pass.format)), timeText(pass)));
-        if (i >= frame.thumbnails.size())
+        if (frame.thumbnails.isEmpty())
             continue;
         QPixmap thumbnail = QPixmap::fromImage(frame.thumbnails.at(i));
         thumbnail.setDevicePixelRatio(devicePixelRatioF());

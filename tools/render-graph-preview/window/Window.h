@@ -65,7 +65,6 @@ private:
     QDoubleSpinBox *m_headroom = nullptr;
     QAction *m_backwards = nullptr;
     QStringList m_components; // in the strip
-    QElapsedTimer m_secondTimer; // for frames a second
-    int m_secondFrames = 0;
-    double m_framesPerSecond = 0.0;
+    QElapsedTimer m_framesTimer; // since the last text
+    int m_frames = 0; // since then
 };
