@@ -1,21 +1,46 @@
 #include <vulkan/vk_layer.h>
 #include <vulkan/vulkan.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
+#include <time.h>
+
 // A Vulkan layer that makes the device function named by FAILING_CALL fail, for as long as the
 // variable is set: vkQueueSubmit, after which the device stays lost, or vkAllocateMemory, as if out
-// of memory.
+// of memory. It also measures the CPU time of the thread that submits.
 
 namespace {
 
 PFN_vkGetInstanceProcAddr nextOfInstance = nullptr;
 PFN_vkGetDeviceProcAddr nextOfDevice = nullptr;
 PFN_vkQueueSubmit nextSubmit = nullptr;
+PFN_vkWaitForFences nextWait = nullptr;
 PFN_vkAllocateMemory nextAllocateMemory = nullptr;
+std::atomic<std::int64_t> ownNanoseconds = 0; // without those inside of submitting and waiting
 bool isLost = false; // the device that was created last
+
+std::int64_t threadNanoseconds()
+{
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::int64_t(time.tv_sec) * 1000000000 + time.tv_nsec;
+}
+
+// Calls, and leaves out what the call took.
+template<typename Call>
+VkResult leaveOut(const Call &call)
+{
+    thread_local std::int64_t inside = 0;
+    const std::int64_t before = threadNanoseconds();
+    const VkResult result = call();
+    const std::int64_t after = threadNanoseconds();
+    inside += after - before;
+    ownNanoseconds = after - inside;
+    return result;
+}
 
 bool isFailing(const char *name)
 {
@@ -63,6 +88,7 @@ VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physical,
     if (result == VK_SUCCESS) {
         isLost = false;
         nextSubmit = reinterpret_cast<PFN_vkQueueSubmit>(nextOfDevice(*device, "vkQueueSubmit"));
+        nextWait = reinterpret_cast<PFN_vkWaitForFences>(nextOfDevice(*device, "vkWaitForFences"));
         nextAllocateMemory =
                 reinterpret_cast<PFN_vkAllocateMemory>(nextOfDevice(*device, "vkAllocateMemory"));
     }
@@ -73,7 +99,15 @@ VKAPI_ATTR VkResult VKAPI_CALL submit(VkQueue queue, std::uint32_t count,
                                       const VkSubmitInfo *submits, VkFence fence)
 {
     isLost = isLost || isFailing("vkQueueSubmit");
-    return isLost ? VK_ERROR_DEVICE_LOST : nextSubmit(queue, count, submits, fence);
+    return isLost ? VK_ERROR_DEVICE_LOST
+                  : leaveOut([&] { return nextSubmit(queue, count, submits, fence); });
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL waitForFences(VkDevice device, std::uint32_t count,
+                                             const VkFence *fences, VkBool32 isAll,
+                                             std::uint64_t timeout)
+{
+    return leaveOut([&] { return nextWait(device, count, fences, isAll, timeout); });
 }
 
 VKAPI_ATTR VkResult VKAPI_CALL allocateMemory(VkDevice device, const VkMemoryAllocateInfo *info,
@@ -88,6 +122,8 @@ VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofDevice(VkDevice device, const char *n
 {
     if (std::strcmp(name, "vkQueueSubmit") == 0)
         return reinterpret_cast<PFN_vkVoidFunction>(submit);
+    if (std::strcmp(name, "vkWaitForFences") == 0)
+        return reinterpret_cast<PFN_vkVoidFunction>(waitForFences);
     if (std::strcmp(name, "vkAllocateMemory") == 0)
         return reinterpret_cast<PFN_vkVoidFunction>(allocateMemory);
     return nextOfDevice(device, name);
@@ -103,6 +139,12 @@ VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL ofInstance(VkInstance instance, const c
 }
 
 } // namespace
+
+// For programs that load the layer's library.
+extern "C" VKAPI_ATTR std::int64_t VKAPI_CALL submittingNanoseconds()
+{
+    return ownNanoseconds;
+}
 
 extern "C" VKAPI_ATTR VkResult VKAPI_CALL
 vkNegotiateLoaderLayerInterfaceVersion(VkNegotiateLayerInterface *pVersionStruct)
