@@ -84,6 +84,12 @@ private Q_SLOTS:
     void framesRunAndStop();
     void passesAreShown();
     void picturesAreCompared();
+    void viewsDrawNoFrame();
+    void chosenThumbnailKeepsItsColors();
+    void stateIsKept();
+    void codeBeforeTheSaveIsCompared();
+    void mouseZoomsAndMoves();
+    void costsAreShown();
     void hdrIsToneMappedAndLabelled();
     void unreadableSourceKeepsThePicture();
     void lostDeviceIsOpenedAgain();
@@ -849,6 +855,135 @@ void TestWindow::picturesAreCompared()
     QCOMPARE(split.copy(34, 0, 30, 48), current.copy(34, 0, 30, 48));
     QCOMPARE(split.pixel(32, 5), qRgb(255, 255, 255));
     QCOMPARE(split.pixel(33, 5), qRgb(255, 255, 255));
+}
+
+// A frame that is drawn again starts its histories anew.
+void TestWindow::viewsDrawNoFrame()
+{
+    const auto window = open(u"gba-lcd"_s);
+    auto *const view = window->findChild<PictureView *>();
+    const QImage settled = waitForImage(*window);
+    window->session().step();
+    const QImage moving = waitForImage(*window);
+    QVERIFY(moving != settled);
+    for (const Qt::Key key : {Qt::Key_E, Qt::Key_R, Qt::Key_F}) {
+        QTest::keyClick(view, key);
+        waitForImage(*window);
+        QVERIFY(window->session().frame()->image != moving);
+    }
+    QTest::keyClick(view, Qt::Key_E, Qt::ShiftModifier);
+    QTest::keyClick(view, Qt::Key_R);
+    QTest::keyClick(view, Qt::Key_1);
+    QCOMPARE(waitForImage(*window), moving);
+}
+
+void TestWindow::chosenThumbnailKeepsItsColors()
+{
+    QImage red(16, 12, QImage::Format_RGB32);
+    red.fill(qRgb(255, 0, 0));
+    QVERIFY(red.save(u"red.png"_s));
+    const auto window = openWithoutFrame(u"stock"_s);
+    ViewSettings settings = window->session().view();
+    settings.source = u"red.png"_s;
+    window->session().setView(settings);
+    auto *const strip = window->findChild<QListWidget *>(u"strip"_s);
+    const auto chosen = [strip] {
+        return strip->count() == 0
+                ? QImage()
+                : strip->item(0)->icon().pixmap(strip->iconSize(), QIcon::Selected).toImage();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(!chosen().isNull() && chosen().pixel(9, 9) == qRgb(255, 0, 0),
+                             kPatience);
+    // In the shape of the picture, 64x48.
+    QCOMPARE(chosen().size(), QSize(128, 96) * window->devicePixelRatioF());
+}
+
+void TestWindow::stateIsKept()
+{
+    const auto window = open(u"dmg-lcd"_s);
+    auto *const view = window->findChild<PictureView *>();
+    window->session().setValue(u"DMG_TINT"_s, 0.5F);
+    const QImage kept = waitForImage(*window);
+    window->session().keepState();
+    window->session().setValue(u"DMG_TINT"_s, 0.0F);
+    const QImage current = waitForImage(*window);
+    QVERIFY(current != kept);
+    window->findChild<QComboBox *>(u"comparison"_s)->setCurrentText(u"A (kept)"_s);
+    QCOMPARE(waitForImage(*window).copy(34, 0, 30, 48), current.copy(34, 0, 30, 48));
+    QCOMPARE(window->session().frame()->comparedName, u"A (kept, dmg-lcd)"_s);
+    QTest::keyPress(view, Qt::Key_Space);
+    QCOMPARE(waitForImage(*window), kept);
+    // While it is shown, frames are drawn from it, too.
+    window->session().setValue(u"DMG_TINT"_s, 1.0F);
+    QCOMPARE(waitForImage(*window), kept);
+    QTest::keyRelease(view, Qt::Key_Space);
+    window->findChild<QComboBox *>(u"comparison"_s)->setCurrentText(u"nothing"_s);
+    QVERIFY(waitForImage(*window) != current);
+}
+
+void TestWindow::codeBeforeTheSaveIsCompared()
+{
+    const auto window = open(u"stock"_s);
+    const QImage before = waitForImage(*window);
+    auto *const view = window->findChild<PictureView *>();
+    window->findChild<QComboBox *>(u"comparison"_s)->setCurrentText(u"before the last save"_s);
+    QTest::keyPress(view, Qt::Key_Space);
+    QCOMPARE(waitForImage(*window), before);
+    QCOMPARE(window->session().frame()->comparedName, u"before the last save: none yet"_s);
+    QTest::keyRelease(view, Qt::Key_Space);
+    const QString path = u"shaders/vulkan/components/stock.frag"_s;
+    QByteArray content = readFile(path);
+    writeFile(path, content.replace("}", "fragColor = vec4(1.0, 0.0, 0.0, 1.0); }"));
+    QTRY_COMPARE_WITH_TIMEOUT(waitForImage(*window).pixel(60, 9), qRgb(255, 0, 0), kPatience);
+    QCOMPARE(window->session().frame()->comparedName, u"before the last save"_s);
+    QTest::keyPress(view, Qt::Key_Space);
+    QCOMPARE(waitForImage(*window), before);
+}
+
+void TestWindow::mouseZoomsAndMoves()
+{
+    const auto window = open(u"stock"_s);
+    auto *const view = window->findChild<PictureView *>();
+    auto *const zooms = window->findChild<QComboBox *>(u"zoom"_s);
+    zooms->setCurrentText(u"8:1"_s);
+    window->findChild<QComboBox *>(u"size"_s)->setCurrentText(u"640x480"_s);
+    waitForImage(*window);
+    const auto texel = [&window] { return window->session().frame()->state.texel; };
+    const QPoint pointer = view->rect().center();
+    QTest::mouseMove(view, pointer - QPoint(50, 0));
+    waitForImage(*window);
+    const QPoint first = texel();
+    // Dragged to the right, so that the pixel follows.
+    QTest::mousePress(view, Qt::LeftButton, {}, pointer - QPoint(50, 0));
+    QTest::mouseMove(view, pointer + QPoint(50, 0));
+    QTest::mouseRelease(view, Qt::LeftButton, {}, pointer + QPoint(50, 0));
+    waitForImage(*window);
+    QTest::mouseMove(view, pointer + QPoint(49, 0));
+    QTest::mouseMove(view, pointer + QPoint(50, 0));
+    waitForImage(*window);
+    QCOMPARE(texel(), first);
+    // The wheel zooms out there.
+    QWheelEvent wheel(pointer + QPoint(50, 0), view->mapToGlobal(pointer + QPoint(50, 0)), {},
+                      {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(view, &wheel);
+    QCOMPARE(zooms->currentText(), u"6:1"_s);
+    waitForImage(*window);
+    const QPoint after =
+            window->session().frame()->state.texelAt({640, 480}, pointer + QPoint(50, 0));
+    QVERIFY((after - first).manhattanLength() <= 1);
+}
+
+void TestWindow::costsAreShown()
+{
+    const auto window = open(u"stock"_s);
+    const auto text = [&window] { return window->findChild<QLabel *>(u"times"_s)->text(); };
+    static const QRegularExpression kStill(
+            u" \\| 1:1 \\| frame 0 \\| device \\d+\\.\\d ms \\| transfer \\d+\\.\\d ms \\| "
+            "interface \\d+\\.\\d ms$"_s);
+    QVERIFY2(text().contains(kStill), qPrintable(text()));
+    window->session().setRunning(true);
+    static const QRegularExpression kRunning(u" \\| frame \\d+ \\| \\d+\\.\\d a second \\| "_s);
+    QTRY_VERIFY_WITH_TIMEOUT(text().contains(kRunning), kPatience);
 }
 
 void TestWindow::hdrIsToneMappedAndLabelled()

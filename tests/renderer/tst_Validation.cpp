@@ -1,8 +1,13 @@
 #include "TestApplication.h"
 #include "TestSupport.h"
 
+#include <GlslCompiler.h>
+#include <ViewPass.h>
+
 #include <QDir>
 #include <QTemporaryDir>
+
+#include <array>
 
 using namespace Qt::StringLiterals;
 
@@ -23,6 +28,7 @@ private Q_SLOTS:
     void graphsChangeWhileFramesAreInFlight();
     void clearedImagesAreClean();
     void offscreenRendererIsClean();
+    void viewIsClean();
 
 private:
     QByteArray messages() const
@@ -266,6 +272,57 @@ void TestValidation::offscreenRendererIsClean()
             QVERIFY2(renderer->drawFrame(state, error), qPrintable(error));
             QVERIFY2(renderer->setGraph(loaded.graph, loaded.modules, error), qPrintable(error));
         }
+    }
+    QCOMPARE(messages(), "");
+}
+
+// Of two renderers, with a source that changes and a view that is resized.
+void TestValidation::viewIsClean()
+{
+    const QString directory = QStringLiteral(SOURCE_DIR "/tools/render-graph-preview/renderer/");
+    const PresetOnDisk loaded = examplePreset(u"dmg-lcd"_s);
+    QString error;
+    QStringList files;
+    QByteArray vertex;
+    QByteArray fragment;
+    QVERIFY(compileGlsl(directory + u"view.vert"_s, ShaderStage::Vertex, vertex, files, error));
+    QVERIFY(compileGlsl(directory + u"view.frag"_s, ShaderStage::Fragment, fragment, files, error));
+    {
+        std::unique_ptr<ViewPass> pass;
+        QVERIFY2(ViewPass::create(QString(), vertex, fragment, pass, error), qPrintable(error));
+        std::array<std::unique_ptr<OffscreenRenderer>, 2> renderers;
+        for (std::unique_ptr<OffscreenRenderer> &renderer : renderers) {
+            QVERIFY(OffscreenRenderer::create(pass->device(), OffscreenRenderer::Outputs::All,
+                                              renderer, error));
+            QVERIFY(renderer->setGraph(loaded.graph, loaded.modules, error));
+        }
+        FrameState state;
+        state.params = initialValues(loaded.parameters);
+        ViewInput view;
+        view.state.comparison = ViewState::Comparison::Split;
+        view.thumbnailSize = {16, 16};
+        ViewOutput output;
+        for (int frame = 0; frame < 8; ++frame) {
+            state.frameCount = std::uint32_t(frame);
+            state.viewport = frame < 4 ? QSize(24, 20) : QSize(30, 25);
+            view.state.size = frame < 6 ? QSize(20, 20) : QSize(31, 17);
+            view.isDrawn = frame % 3 != 2;
+            const auto record = [&](VkCommandBuffer commands, int submission, ViewInput &input) {
+                input.renderer = renderers.front().get();
+                input.compared = renderers.back().get();
+                for (const std::unique_ptr<OffscreenRenderer> &renderer : renderers) {
+                    if (view.isDrawn
+                        && (!renderer->setSource(FloatImage({24, 10 + frame / 5}).toImage(), error)
+                            || !renderer->recordFrame(commands, submission, state, error)))
+                        return false;
+                }
+                return true;
+            };
+            QVERIFY2(pass->submit(view, record, error), qPrintable(error));
+            if (frame > 0)
+                QVERIFY2(pass->read(output, error), qPrintable(error));
+        }
+        QVERIFY2(pass->read(output, error), qPrintable(error));
     }
     QCOMPARE(messages(), "");
 }
