@@ -951,27 +951,28 @@ void TestWindow::mouseZoomsAndMoves()
     window->findChild<QComboBox *>(u"size"_s)->setCurrentText(u"640x480"_s);
     waitForImage(*window);
     const auto texel = [&window] { return window->session().frame()->state.texel; };
-    const QPoint pointer = view->rect().center();
-    QTest::mouseMove(view, pointer - QPoint(50, 0));
-    waitForImage(*window);
+    const auto move = [&](QEvent::Type type, QPointF to, Qt::MouseButton button) {
+        QMouseEvent event(type, to, view->mapToGlobal(to), button, button, Qt::NoModifier);
+        QApplication::sendEvent(view, &event);
+        waitForImage(*window);
+    };
+    const QPointF pointer = view->rect().center();
+    const QPointF right = pointer + QPointF(80.0, 0.0);
+    move(QEvent::MouseMove, pointer, Qt::NoButton);
     const QPoint first = texel();
-    // Dragged to the right, so that the pixel follows.
-    QTest::mousePress(view, Qt::LeftButton, {}, pointer - QPoint(50, 0));
-    QTest::mouseMove(view, pointer + QPoint(50, 0));
-    QTest::mouseRelease(view, Qt::LeftButton, {}, pointer + QPoint(50, 0));
-    waitForImage(*window);
-    QTest::mouseMove(view, pointer + QPoint(49, 0));
-    QTest::mouseMove(view, pointer + QPoint(50, 0));
-    waitForImage(*window);
+    // The pixel follows the pointer.
+    move(QEvent::MouseButtonPress, pointer, Qt::LeftButton);
+    move(QEvent::MouseMove, right, Qt::LeftButton);
+    move(QEvent::MouseMove, right, Qt::NoButton);
     QCOMPARE(texel(), first);
     // The wheel zooms out there.
-    QWheelEvent wheel(pointer + QPoint(50, 0), view->mapToGlobal(pointer + QPoint(50, 0)), {},
-                      {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QWheelEvent wheel(right, view->mapToGlobal(right), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
     QApplication::sendEvent(view, &wheel);
     QCOMPARE(zooms->currentText(), u"6:1"_s);
     waitForImage(*window);
-    const QPoint after =
-            window->session().frame()->state.texelAt({640, 480}, pointer + QPoint(50, 0));
+    const QPointF pixels = right * view->devicePixelRatioF();
+    const QPoint after = window->session().frame()->state.texelAt({640, 480}, pixels);
     QVERIFY((after - first).manhattanLength() <= 1);
 }
 

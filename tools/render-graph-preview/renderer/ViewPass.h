@@ -21,7 +21,7 @@ struct ViewInput
     // operator of Reinhard et al., "Photographic Tone Reproduction for Digital Images" (2002). It
     // is a display's peak over its reference white. Empty: the pass is SDR.
     std::optional<float> headroom;
-    QSize thumbnailSize; // at most; thumbnails have the shape of the last pass
+    QSize thumbnailSize = {128, 96}; // at most; thumbnails have the shape of the last pass
     bool isDrawn = true; // the frame was not drawn before
 
     // Whose last frames are shown and compared with.

@@ -61,7 +61,7 @@ ViewState PictureView::state() const
 
 QSize PictureView::sizeInPixels() const
 {
-    return (QSizeF(size()) * devicePixelRatioF()).toSize();
+    return (QSizeF(size()) * devicePixelRatioF()).toSize().expandedTo({1, 1});
 }
 
 void PictureView::zoomAt(QPointF position, int zoom)

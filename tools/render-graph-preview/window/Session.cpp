@@ -74,7 +74,7 @@ private:
 struct Session::Request
 {
     Redraw redraw = Redraw::Frame;
-    bool keepsState = false;
+    std::optional<Changes> kept; // these are kept with the preset
     QString picturePath; // where the picture is saved, if it is
     std::uint64_t number = 0;
     QString preset;
@@ -134,7 +134,8 @@ public:
             if (m_waiting) {
                 if (request.redraw == Redraw::View)
                     request.redraw = m_waiting->redraw;
-                request.keepsState |= m_waiting->keepsState;
+                if (!request.kept)
+                    request.kept = m_waiting->kept;
                 if (request.picturePath.isEmpty())
                     request.picturePath = m_waiting->picturePath;
             }
@@ -247,15 +248,10 @@ private:
 
     void post(Result result)
     {
-        postToGui([&session = m_session, result = std::move(result)] {
-            session.applyResult(result);
-        });
-    }
-
-    template<typename Function>
-    void postToGui(Function function)
-    {
-        QMetaObject::invokeMethod(&m_session, std::move(function), Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+                &m_session,
+                [&session = m_session, result = std::move(result)] { session.applyResult(result); },
+                Qt::QueuedConnection);
     }
 
     void reloadPreset(const Request &request, Result &result)
@@ -336,16 +332,17 @@ private:
             keepState();
         const std::array<int, 3> id = {int(against), m_keeps, m_loads};
         const bool isNew = std::exchange(m_otherId, id) != id;
+        const bool isKept = against == Against::Kept;
         if (isNew)
-            m_otherPlayer.setPreset(against == Against::Kept ? m_kept->preset
+            m_otherPlayer.setPreset(isKept ? m_kept->preset
                                             : against == Against::BeforeSave
                                             ? m_beforeSave.value_or(m_player.preset())
                                             : m_player.preset());
-        const QHash<QString, float> values = against == Against::Kept ? m_kept->values
-                : against == Against::BeforeSave                      ? m_player.values()
-                                                                      : QHash<QString, float>();
-        for (auto value = values.cbegin(); value != values.cend(); ++value)
-            m_otherPlayer.setValue(value.key(), value.value());
+        if (against != Against::TunedValues) {
+            const QHash<QString, float> &values = isKept ? m_kept->values : m_player.values();
+            for (auto value = values.cbegin(); value != values.cend(); ++value)
+                m_otherPlayer.setValue(value.key(), value.value());
+        }
         return isNew;
     }
 
@@ -357,19 +354,22 @@ private:
 
     QString nameOf(Against against) const
     {
-        switch (against) {
-        case Against::Nothing:
-            break;
-        case Against::Source:
-            return u"source"_s;
-        case Against::TunedValues:
-            return u"tuned values (declared)"_s;
-        case Against::Kept:
-            return u"A (kept, %1)"_s.arg(m_kept->preset.name);
-        case Against::BeforeSave:
-            return m_beforeSave ? u"before the last save"_s : u"before the last save: none yet"_s;
+        return against == Against::Source         ? u"source"_s
+                : against == Against::TunedValues ? u"tuned values (declared)"_s
+                : against == Against::Kept        ? u"A (kept, %1)"_s.arg(m_kept->preset.name)
+                : against != Against::BeforeSave  ? QString()
+                : m_beforeSave                    ? u"before the last save"_s
+                                                  : u"before the last save: none yet"_s;
+    }
+
+    void setValues(const Changes &changes)
+    {
+        m_player.resetValues();
+        for (const PresetParamMeta &parameter : m_player.preset().parameters) {
+            if (const auto change = changes.constFind(parameter.id); change != changes.cend())
+                m_player.setValue(parameter.id,
+                                  std::clamp(change->value, parameter.min, parameter.max));
         }
-        return {};
     }
 
     bool submit(const Request &request, Result &result, QString &error)
@@ -377,15 +377,12 @@ private:
         result.frame = std::make_shared<FrameResult>();
         FrameResult &frame = *result.frame;
         frame.preset = m_player.preset().name;
-        m_player.resetValues();
-        for (const PresetParamMeta &parameter : m_player.preset().parameters) {
-            const auto change = request.changes.constFind(parameter.id);
-            if (frame.preset == request.preset && change != request.changes.cend())
-                m_player.setValue(parameter.id,
-                                  std::clamp(change->value, parameter.min, parameter.max));
-        }
-        if (request.keepsState)
+        const bool isRequested = frame.preset == request.preset;
+        if (request.kept) {
+            setValues(isRequested ? *request.kept : Changes());
             keepState();
+        }
+        setValues(isRequested ? request.changes : Changes());
         if (!openDevice(error))
             return false;
 
@@ -399,14 +396,10 @@ private:
         for (const VulkanRenderGraph::Pass &pass : m_player.preset().graph.passes)
             frame.components.append(pass.debugName);
         frame.device = m_viewPass->device()->info().name;
-        ViewInput shown;
-        shown.state = display.state;
-        shown.state.size = display.state.size.expandedTo({1, 1});
+        ViewInput shown = display;
         if (display.against == Against::Nothing)
             shown.state.comparison = ViewState::Comparison::Nothing;
-        shown.pass = display.pass;
         shown.headroom = request.view.headroom;
-        shown.thumbnailSize = display.thumbnailSize;
         shown.isDrawn = isDrawn;
         const auto record = [&](VkCommandBuffer commands, int submission, ViewInput &input) {
             const auto drawBy = [&](Player &player) {
@@ -425,7 +418,7 @@ private:
         m_isNew = false;
         m_last = request;
         m_last.redraw = Redraw::View;
-        m_last.keepsState = false;
+        m_last.kept.reset();
         m_last.picturePath.clear();
         m_last.needsPreset = false;
         return true;
@@ -440,7 +433,7 @@ private:
         QString error;
         if (!m_player.renderer()->output(pass, picture, error)
             || !savePng(displayImage(picture, headroom), request.picturePath, error))
-            postToGui([&session = m_session, error] { Q_EMIT session.pictureNotSaved(error); });
+            Q_EMIT m_session.pictureNotSaved(error); // queued, since it is another thread's
     }
 
     Session &m_session;
@@ -539,18 +532,18 @@ void Session::setDisplay(const DisplaySettings &display)
 
 void Session::keepState()
 {
-    Request kept;
-    kept.redraw = Redraw::View;
-    kept.keepsState = true;
-    request(kept);
+    Request request;
+    request.redraw = Redraw::View;
+    request.kept = changes();
+    send(std::move(request));
 }
 
 void Session::savePicture(const QString &path)
 {
-    Request saved;
-    saved.redraw = Redraw::View;
-    saved.picturePath = path;
-    request(saved);
+    Request request;
+    request.redraw = Redraw::View;
+    request.picturePath = path;
+    send(std::move(request));
 }
 
 float Session::value(const PresetParamMeta &parameter) const
@@ -722,10 +715,10 @@ void Session::request(Redraw redraw)
 {
     Request request;
     request.redraw = redraw == Redraw::Frame && isRunning() ? Redraw::NextFrame : redraw;
-    this->request(std::move(request));
+    send(std::move(request));
 }
 
-void Session::request(Request request)
+void Session::send(Request request)
 {
     if (m_preset.isEmpty() || m_view.source.isEmpty())
         return;

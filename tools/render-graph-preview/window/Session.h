@@ -30,16 +30,12 @@ struct ViewSettings
     bool isBackwards = false; // the shaders' frameDirection
 };
 
-// What is shown of it.
-struct DisplaySettings
+// What is shown of it. The comparison of its state counts only where something is compared.
+struct DisplaySettings : ViewInput
 {
     // What the picture is compared with: the source, or what other values or code draw.
     enum class Against : std::uint8_t { Nothing, Source, TunedValues, Kept, BeforeSave };
-
-    int pass = -1; // the pass whose output is shown; -1: the last one
     Against against = Against::Nothing;
-    ViewState state; // its comparison counts only where something is compared
-    QSize thumbnailSize = {128, 96}; // at most
 };
 
 struct FrameResult : ViewOutput
@@ -180,7 +176,7 @@ private:
     enum class Redraw : std::uint8_t { View, Frame, NextFrame };
     struct Request;
     void request(Redraw redraw = Redraw::Frame);
-    void request(Request request);
+    void send(Request request);
     void drawNextFrame();
     double frameAdvance() const; // in frames of the rate that presets are made for
     void applyResult(const Result &result);
