@@ -33,7 +33,15 @@ PictureView::PictureView(QWidget *parent) : QWidget(parent)
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAccessibleName(u"Picture"_s);
-    setAccessibleDescription(u"Arrow keys: next pixel\n[ and ]: move the split line"_s);
+    setAccessibleDescription(u"1: one pixel of the screen for each\n"
+                             "F: as large as fits\n"
+                             "Arrow keys: next pixel\n"
+                             "[ and ]: move the split line\n"
+                             "M: split, side by side, difference\n"
+                             "Space: what is compared with, while held\n"
+                             "E and Shift+E: more and less exposure\n"
+                             "R, G, B and A: one channel\n"
+                             "Wheel and dragging: zoom and move"_s);
     setMinimumSize(64, 64);
     m_state.comparison = Comparison::Split;
 }

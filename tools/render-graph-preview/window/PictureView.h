@@ -4,11 +4,8 @@
 
 #include <QWidget>
 
-// Shows a frame's view, and has what it is shown with: enlarged by an integer, in pixels of the
-// screen, or as large as fits. The wheel zooms at the pointer, dragging moves the picture or the
-// split line of a comparison. Keys: 1 and F zoom, the arrows move the pixel that is read, [ and ]
-// the split line, M changes the comparison, Space shows what is compared with while it is held, E
-// and Shift+E change the exposure, and R, G, B and A show one channel.
+// Shows a frame's view, and has what it is shown with. Its accessible description has a line for
+// each key, "<keys>: <what they do>".
 class PictureView : public QWidget
 {
     Q_OBJECT
