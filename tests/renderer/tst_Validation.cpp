@@ -62,7 +62,8 @@ void TestValidation::layerReportsHazards()
     const VulkanGraphRenderer::Device handles = device->handles();
     const auto clear = reinterpret_cast<PFN_vkCmdClearColorImage>(
             handles.getInstanceProcAddr(handles.instance, "vkCmdClearColorImage"));
-    device->submitAndWait(
+    device->submit(
+            0,
             [&](VkCommandBuffer commands) {
                 const VkClearColorValue color = {};
                 const VkImageSubresourceRange range = {VK_IMAGE_ASPECT_COLOR_BIT, 0, 1, 0, 1};

@@ -199,7 +199,7 @@ public:
         return *m_raii.getDispatcher();
     }
 
-    bool submit(ViewInput input, const Record &record, QString &error);
+    bool submit(const ViewInput &view, const Record &record, QString &error);
     bool read(ViewOutput &output, QString &error);
 
 private:
@@ -341,8 +341,9 @@ void ViewPass::State::draw(VkCommandBuffer commands, const Flight &flight,
     recorded.draw(3, 1, 0, 0, dispatcher());
 }
 
-bool ViewPass::State::submit(ViewInput input, const Record &record, QString &error)
+bool ViewPass::State::submit(const ViewInput &view, const Record &record, QString &error)
 {
+    ViewInput input = view;
     const int number = m_submitted % VulkanDevice::kFramesInFlight;
     Flight &flight = m_flights.at(std::size_t(number));
     const bool isDone = m_device->submit(
@@ -458,7 +459,7 @@ void ViewPass::State::recordDrawing(VkCommandBuffer commands, const ViewInput &i
     if (state.comparison == Comparison::Split)
         constants.split = std::round(constants.placement[0] + state.split * constants.placement[2]);
     else if (state.comparison == Comparison::SideBySide)
-        constants.shift = float(state.size.width() / 2);
+        constants.shift = std::floor(float(state.size.width()) / 2.0F);
     else if (state.comparison == Comparison::Difference)
         constants.differenceGain = float(ViewState::kDifferenceGain);
     else if (state.comparison == Comparison::Other)
@@ -574,9 +575,9 @@ const std::shared_ptr<VulkanDevice> &ViewPass::device() const
     return m_state->device();
 }
 
-bool ViewPass::submit(ViewInput input, const Record &record, QString &error)
+bool ViewPass::submit(const ViewInput &input, const Record &record, QString &error)
 {
-    return m_state->submit(std::move(input), record, error);
+    return m_state->submit(input, record, error);
 }
 
 bool ViewPass::read(ViewOutput &output, QString &error)

@@ -67,7 +67,7 @@ public:
     // Submits a frame with its view. `record` records what renderers on the device draw into a
     // submission of that number, and sets the input's renderers.
     using Record = std::function<bool(VkCommandBuffer, int submission, ViewInput &input)>;
-    bool submit(ViewInput input, const Record &record, QString &error);
+    bool submit(const ViewInput &view, const Record &record, QString &error);
 
     // Waits for the first submission that was not read.
     bool read(ViewOutput &output, QString &error);
