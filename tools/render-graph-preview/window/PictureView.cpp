@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -148,11 +149,15 @@ void PictureView::readTexel(QPoint texel)
     Q_EMIT stateChanged();
 }
 
+// Touchpads turn in small parts of a notch.
 void PictureView::wheelEvent(QWheelEvent *event)
 {
-    if (m_frame && event->angleDelta().y() != 0)
+    m_turned += event->angleDelta().y();
+    const int notches = m_turned / QWheelEvent::DefaultDeltasPerStep;
+    m_turned -= notches * QWheelEvent::DefaultDeltasPerStep;
+    if (m_frame && notches != 0)
         zoomAt(event->position() * devicePixelRatioF(),
-               m_frame->state.nextZoom(m_frame->size, event->angleDelta().y() > 0));
+               m_frame->state.nextZoom(m_frame->size, notches > 0));
 }
 
 void PictureView::mousePressEvent(QMouseEvent *event)
@@ -217,8 +222,21 @@ void PictureView::keyPressEvent(QKeyEvent *event)
 
 void PictureView::keyReleaseEvent(QKeyEvent *event)
 {
-    if (event->key() != Qt::Key_Space || event->isAutoRepeat())
+    if (event->key() != Qt::Key_Space)
         return QWidget::keyReleaseEvent(event);
-    m_showsOther = false;
-    Q_EMIT stateChanged();
+    if (!event->isAutoRepeat())
+        hideOther();
+}
+
+// The key may be released elsewhere.
+void PictureView::focusOutEvent(QFocusEvent *event)
+{
+    QWidget::focusOutEvent(event);
+    hideOther();
+}
+
+void PictureView::hideOther()
+{
+    if (std::exchange(m_showsOther, false))
+        Q_EMIT stateChanged();
 }

@@ -38,15 +38,18 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void keyReleaseEvent(QKeyEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
 
 private:
     void zoomAt(QPointF position, int zoom);
     void readTexel(QPoint texel);
+    void hideOther();
 
     std::shared_ptr<const FrameResult> m_frame;
     QString m_preset;
     ViewState m_state;
     bool m_showsOther = false;
+    int m_turned = 0; // of the wheel's next notch
     bool m_isSplitDragged = false;
     QPointF m_dragged; // in pixels of the screen
     double m_paintMilliseconds = 0.0;
