@@ -103,6 +103,9 @@ private Q_SLOTS:
     void tabMovesThroughTheParameters();
     void picturePixelsAreScreenPixels();
     void closingWhileDrawing();
+    void closingWithAKeyDown();
+    void framesFollowTheSpeed_data();
+    void framesFollowTheSpeed();
     void slowFrameIsAnnouncedAndAbandoned();
     void missingMemoryIsReported();
     void otherDropsAreIgnored();
@@ -1302,6 +1305,41 @@ void TestWindow::closingWhileDrawing()
     QVERIFY(window->session().isBusy());
     window->close();
     window.reset();
+}
+
+void TestWindow::closingWithAKeyDown()
+{
+    auto window = open(u"stock"_s);
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    auto *const view = window->findChild<PictureView *>();
+    view->setFocus();
+    QTest::keyPress(view, Qt::Key_Space);
+    window.reset();
+}
+
+void TestWindow::framesFollowTheSpeed_data()
+{
+    QTest::addColumn<double>("framesPerSecond");
+    QTest::addColumn<int>("number"); // after 8 frames
+    QTest::newRow("display faster than the presets") << 240.0 << 2;
+    QTest::newRow("display as fast") << 60.0 << 8;
+    QTest::newRow("slow motion") << 30.0 << 8;
+}
+
+void TestWindow::framesFollowTheSpeed()
+{
+    QFETCH(double, framesPerSecond);
+    QFETCH(int, number);
+    const auto window = open(u"stock"_s);
+    Session &session = window->session();
+    QList<int> numbers;
+    connect(&session, &Session::frameDrawn, window.get(),
+            [&] { numbers.append(session.frame()->number); });
+    session.setRunning(true);
+    session.setSpeed(framesPerSecond);
+    QTRY_VERIFY_WITH_TIMEOUT(numbers.size() >= 12, kPatience);
+    QCOMPARE(numbers.at(11) - numbers.at(3), number);
 }
 
 // In a process of its own, which runs the command and abandons the frame.

@@ -126,6 +126,12 @@ public:
         return m_wake.wait_for(lock, patience, [this] { return m_isDone; });
     }
 
+    bool hasWaiting()
+    {
+        const std::scoped_lock lock(m_mutex);
+        return m_waiting.has_value();
+    }
+
     // A request that waits is replaced, but what it draws, keeps and saves is done.
     void request(Request request)
     {
@@ -700,7 +706,7 @@ void Session::drawNextFrame()
     const double now = double(m_clock.nsecsElapsed()) * 1e-6;
     m_nextFrame = std::max(m_nextFrame + m_period, now);
     m_frameTimer.start(int(std::lround(m_nextFrame - now)));
-    if (m_lastRequest - m_lastResult >= VulkanDevice::kFramesInFlight)
+    if (m_worker->hasWaiting()) // it would be replaced
         return;
     m_frameNumber += frameAdvance();
     request(Redraw::NextFrame);

@@ -138,6 +138,12 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
 }
 
 // In two rows, which fit into a window of 1024 pixels.
+// Losing the focus at the end changes what the picture shows.
+Window::~Window()
+{
+    m_picture->disconnect(this);
+}
+
 void Window::createToolBars()
 {
     QToolBar *bar = nullptr;

@@ -20,6 +20,8 @@ class Window : public QMainWindow
 
 public:
     Window(const QString &shadersDir, const QString &device, const QString &preset);
+    ~Window() override;
+    Q_DISABLE_COPY_MOVE(Window)
 
     // Sets the preset's values from a file; the status bar says why if it cannot be read.
     void openValues(const QString &path);
