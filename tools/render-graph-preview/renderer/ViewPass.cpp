@@ -575,9 +575,9 @@ const std::shared_ptr<VulkanDevice> &ViewPass::device() const
     return m_state->device();
 }
 
-bool ViewPass::submit(const ViewInput &input, const Record &record, QString &error)
+bool ViewPass::submit(const ViewInput &view, const Record &record, QString &error)
 {
-    return m_state->submit(input, record, error);
+    return m_state->submit(view, record, error);
 }
 
 bool ViewPass::read(ViewOutput &output, QString &error)
