@@ -42,6 +42,8 @@ private Q_SLOTS:
     void sourceFiles_data();
     void sourceFiles();
     void usualGammaIsSrgb();
+    void movingSources_data();
+    void movingSources();
     void unreadableSources_data();
     void unreadableSources();
     void standardRangeIsRounded();
@@ -180,6 +182,49 @@ void TestPreviewPictures::usualGammaIsSrgb()
     QCOMPARE(source.frame(0).pixel(0, 0), qRgb(10, 20, 30));
 }
 
+void TestPreviewPictures::movingSources_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<QByteArray>("frames"); // their colours
+    // 50 ms and 100 ms.
+    QTest::newRow("animated file") << u"moving.gif"_s << "rrrbbbbbbrrrb"_ba;
+    QTest::newRow("leading zeros, up to a gap") << u"s-%02d.png"_s << "rbrbr"_ba;
+    QTest::newRow("from the first, in their order") << u"t/%d.png"_s << "gbgb"_ba;
+    QTest::newRow("file of that name") << u"u%d.png"_s << "gg"_ba;
+}
+
+void TestPreviewPictures::movingSources()
+{
+    QFETCH(QString, path);
+    QFETCH(QByteArray, frames);
+    writeFile(u"moving.gif"_s,
+              QByteArray::fromHex("474946383961 02000100 800000 ff0000 0000ff"
+                                  "21f904 04 0500 00 00 2c 00000000 02000100 00 02 02 040a 00"
+                                  "21f904 04 0a00 00 00 2c 00000000 02000100 00 02 02 4c0a 00"
+                                  "3b"));
+    QVERIFY(QDir().mkdir(u"t"_s));
+    const std::pair<QString, QColor> files[] = {
+            {u"s-01.png"_s, Qt::red},  {u"s-02.png"_s, Qt::blue}, {u"s-04.png"_s, Qt::green},
+            {u"t/9.png"_s, Qt::green}, {u"t/10.png"_s, Qt::blue}, {u"u%d.png"_s, Qt::green},
+            {u"u0.png"_s, Qt::blue}};
+    for (const auto &[name, color] : files) {
+        QImage image(2, 1, QImage::Format_RGB32);
+        image.fill(color);
+        QVERIFY(image.save(name));
+    }
+    QString error;
+    SourcePicture source;
+    QVERIFY2(SourcePicture::open(path, source, error), qPrintable(error));
+    QByteArray colors;
+    for (int i = 0; i < frames.size(); ++i) {
+        const QColor color = source.frame(i).pixelColor(1, 0);
+        colors += color.red() == 255 ? 'r' : color.green() == 255 ? 'g' : 'b';
+    }
+    QCOMPARE(colors, frames);
+    QCOMPARE(source.isAnimated(), frames.count(frames.at(0)) < frames.size());
+    QCOMPARE(source.size(), QSize(2, 1));
+}
+
 void TestPreviewPictures::unreadableSources_data()
 {
     QTest::addColumn<QString>("message");
@@ -189,6 +234,10 @@ void TestPreviewPictures::unreadableSources_data()
             << u"cannot read source picture 'text.png': Unsupported image format; 'list' names the test pictures"_s;
     QTest::newRow("cut.png")
             << u"cannot read source picture 'cut.png': Unable to read image data; 'list' names the test pictures"_s;
+    QTest::newRow("none-%d.png")
+            << u"cannot read source picture 'none-%d.png': File not found; 'list' names the test pictures"_s;
+    QTest::newRow("s%d.png")
+            << u"cannot read source picture 's1.png': Unsupported image format; 'list' names the test pictures"_s;
     QTest::newRow("huge.png")
             << u"source picture 'huge.png' is 4097x1, and the largest is 4096x4096: make it smaller"_s;
     QTest::newRow("p%2%3%4.png")
@@ -199,6 +248,8 @@ void TestPreviewPictures::unreadableSources()
 {
     QFETCH(QString, message);
     writeFile(u"text.png"_s, "no picture");
+    writeFile(u"s1.png"_s, "no picture");
+    QVERIFY(QImage(1, 1, QImage::Format_RGB32).save(u"s0.png"_s));
     for (const QString &name : {u"huge.png"_s, u"p%2%3%4.png"_s})
         QVERIFY(QImage(4097, 1, QImage::Format_RGB32).save(name));
     QVERIFY(testPicture(u"photo-160x144"_s).save(u"cut.png"_s));

@@ -105,6 +105,8 @@ private Q_SLOTS:
     void pictureOfSavedValues();
     void pictureOfEveryFrame();
     void pictureOfEveryPass();
+    void pictureKeepsTheShape_data();
+    void pictureKeepsTheShape();
     void pictureInHdr();
     void pictureOfAComparison();
     void graphOfOnePreset();
@@ -186,7 +188,7 @@ void TestRenderGraphPreview::helpAndVersion()
     QVERIFY(helpText.contains(QString(kShadersDir).remove(u' ')));
     QCOMPARE(help.exitStatus, 0);
     const Run picture = run({u"picture"_s, u"--help"_s});
-    QVERIFY(picture.out.contains("Default: 1440x1080."));
+    QVERIFY(picture.out.contains("1440x1080."));
     QCOMPARE(picture.exitStatus, 0);
 }
 
@@ -203,21 +205,21 @@ void TestRenderGraphPreview::listNamesEverything()
 
 void TestRenderGraphPreview::programDrawsTheSamePictureEveryTime()
 {
-    const QStringList arguments = words(u"picture gba-lcd --size 96x64 --frames 3"_s);
+    const QStringList arguments = words(u"picture gba-lcd --size 96x72 --frames 3"_s);
     for (const QString &options : {u"--out a.png"_s, u"--out=b.png --device 0"_s}) {
         const Run result = run(arguments + words(options));
         QCOMPARE(result.err, "");
         QCOMPARE(result.out, "");
         QCOMPARE(result.exitStatus, 0);
     }
-    QCOMPARE(QImage(u"a.png"_s).size(), QSize(96, 64));
+    QCOMPARE(QImage(u"a.png"_s).size(), QSize(96, 72));
     QVERIFY(readFile(u"a.png"_s) == readFile(u"b.png"_s));
 }
 
 void TestRenderGraphPreview::programWithoutDriver()
 {
     const QStringList environment = {u"VK_ICD_FILENAMES=/nowhere"_s, u"VK_DRIVER_FILES=/nowhere"_s};
-    const Run picture = run(words(u"picture stock --out a.png --size 8x8"_s), environment);
+    const Run picture = run(words(u"picture stock --out a.png --size 8x6"_s), environment);
     // Versions of Vulkan's headers name the function in different ways.
     QVERIFY2(
             picture.err.startsWith("render-graph-preview: no Vulkan device to draw on (Vulkan: vk"),
@@ -263,7 +265,7 @@ void TestRenderGraphPreview::programWithoutOutput_data()
     QTest::addColumn<QString>("line");
     QTest::addColumn<bool>("isClosed");
     QTest::addColumn<QByteArray>("reason");
-    const QString profile = u"profile stock --size 8x8 --frames 1"_s;
+    const QString profile = u"profile stock --size 8x6 --frames 1"_s;
     QTest::newRow("list to a full disk") << u"list"_s << false << "No space left on device"_ba;
     QTest::newRow("list to nothing") << u"list"_s << true << "Bad file descriptor"_ba;
     QTest::newRow("profile to a full disk") << profile << false << "No space left on device"_ba;
@@ -484,6 +486,40 @@ void TestRenderGraphPreview::pictureOfEveryPass()
 }
 
 // Linear light: 65535 is the headroom.
+void TestRenderGraphPreview::pictureKeepsTheShape_data()
+{
+    QTest::addColumn<QSize>("source");
+    QTest::addColumn<QString>("options");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QByteArray>("printed");
+    QTest::newRow("wide") << QSize(30, 10) << u""_s << QSize(1440, 480) << ""_ba;
+    QTest::newRow("high") << QSize(10, 20) << u""_s << QSize(540, 1080) << ""_ba;
+    QTest::newRow("line") << QSize(4000, 1) << u""_s << QSize(1440, 1) << ""_ba;
+    QTest::newRow("given size")
+            << QSize(32, 28) << u"--size 96x72"_s << QSize(96, 72)
+            << "render-graph-preview: the picture is stretched from 8:7 to 4:3\n"_ba;
+    QTest::newRow("told once")
+            << QSize(32, 28) << u"--size 72x72 --compare wiggle=0,1"_s << QSize(152, 87)
+            << "render-graph-preview: the picture is stretched from 8:7 to 1:1\n"_ba;
+    QTest::newRow("given size of the shape")
+            << QSize(32, 28) << u"--size 64x56"_s << QSize(64, 56) << ""_ba;
+    QTest::newRow("rounded size") << QSize(32, 28) << u"--size 100x87"_s << QSize(100, 87) << ""_ba;
+    QTest::newRow("rounded up") << QSize(32, 28) << u"--size 100x88"_s << QSize(100, 88) << ""_ba;
+}
+
+void TestRenderGraphPreview::pictureKeepsTheShape()
+{
+    QFETCH(QSize, source);
+    QFETCH(QString, options);
+    QFETCH(QSize, size);
+    QFETCH(QByteArray, printed);
+    QVERIFY(QImage(source, QImage::Format_RGB32).save(u"in.png"_s));
+    const QByteArray err = captured(
+            stderr, [&] { call(u"picture rewind --source in.png --out a.png "_s + options); });
+    QCOMPARE(QImage(u"a.png"_s).size(), size);
+    QCOMPARE(err, printed);
+}
+
 void TestRenderGraphPreview::pictureInHdr()
 {
     QImage source(2, 1, QImage::Format_RGB32);

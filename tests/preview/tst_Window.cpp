@@ -98,6 +98,8 @@ private Q_SLOTS:
     void pictureIsSaved();
     void keyboardReachesEverything();
     void fieldsFitIntoASmallWindow();
+    void stretchIsShown();
+    void sequenceIsTheSource();
     void keysAreListed();
     void surroundIsDark();
     void tabMovesThroughTheParameters();
@@ -1226,6 +1228,45 @@ void TestWindow::surroundIsDark()
     };
     QCOMPARE(colorAt({9, -2}), QColor(24, 24, 24));
     QCOMPARE(colorAt({strip->width() - 9, 9}), QColor(24, 24, 24));
+}
+
+void TestWindow::stretchIsShown()
+{
+    const auto window = open(u"stock"_s);
+    const auto *const stretch = window->findChild<QLabel *>(u"stretch"_s);
+    QCOMPARE(stretch->text(), u"stretched from 10:9 to 4:3"_s);
+    window->findChild<QComboBox *>(u"size"_s)->setCurrentText(u"as the view"_s);
+    waitForImage(*window);
+    QCOMPARE(stretch->text(), QString());
+    window->findChild<QComboBox *>(u"size"_s)->setCurrentText(u"64x48"_s);
+    window->findChild<QComboBox *>(u"source"_s)->setCurrentText(u"scene-320x240"_s);
+    waitForImage(*window);
+    QCOMPARE(stretch->text(), QString());
+}
+
+// Given to the command, then kept.
+void TestWindow::sequenceIsTheSource()
+{
+    copiedShaders();
+    QImage picture(5, 4, QImage::Format_RGB32);
+    for (const auto &[name, color] :
+         {std::pair(u"a-1.png"_s, Qt::red), std::pair(u"a-2.png"_s, Qt::blue)}) {
+        picture.fill(color);
+        QVERIFY(picture.save(name));
+    }
+    const auto look = [](Window &window) {
+        QCOMPARE(window.findChild<QComboBox *>(u"source"_s)->currentText(), u"a-%d.png"_s);
+        QCOMPARE(waitForImage(window).pixelColor(9, 9), QColor(Qt::red));
+        window.session().step();
+        QCOMPARE(waitForImage(window).pixelColor(9, 9), QColor(Qt::blue));
+    };
+    QVERIFY(runCommand({u"stock"_s, u"--source"_s, u"a-%d.png"_s}, look));
+    QVERIFY(runCommand({u"stock"_s}, look));
+    // The files are watched.
+    auto window = std::make_unique<Window>(u"shaders"_s, QString(), u"stock"_s);
+    QCOMPARE(waitForImage(*window).pixelColor(9, 9), QColor(Qt::red));
+    QVERIFY(picture.save(u"a-1.png"_s));
+    QTRY_COMPARE_WITH_TIMEOUT(waitForImage(*window).pixelColor(9, 9), QColor(Qt::blue), kPatience);
 }
 
 void TestWindow::keysAreListed()

@@ -3,6 +3,7 @@
 #include <Tuning.h>
 
 #include <algorithm>
+#include <cstdio>
 
 using namespace Qt::StringLiterals;
 
@@ -47,10 +48,12 @@ QList<QCommandLineOption> DrawingOptions::declared()
 {
     return {
             {u"source"_s,
-             u"The picture that enters the preset: a file of up to %1x%1, or the name of a test picture (see 'list'). Default: scene-320x240."_s
+             u"The picture that enters the preset: a file of up to %1x%1, a file for each frame (\"name-%04d.png\"), or the name of a test picture (see 'list'). Default: scene-320x240; a window shows the last one."_s
                      .arg(kLargestSourceSide),
              u"picture"_s, u"scene-320x240"_s},
-            {u"size"_s, u"The size to draw at. Default: 1440x1080."_s, u"size"_s, u"1440x1080"_s},
+            {u"size"_s,
+             u"The size to draw at, also if it is not of the source's shape. Default: the largest of that shape within 1440x1080."_s,
+             u"size"_s, u"1440x1080"_s},
             {u"values"_s,
              u"Gives parameters the values of this .glslp file, as the window saves it."_s,
              u"file"_s},
@@ -77,6 +80,7 @@ bool DrawingOptions::parse(const QCommandLineParser &parser, DrawingOptions &opt
     options.device = parser.value(u"device"_s);
     if (!parseSize(parser.value(u"size"_s), options.size, error))
         return false;
+    options.keepsShape = !parser.isSet(u"size"_s);
     options.valuesFile = parser.value(u"values"_s);
     const QStringList assignments = parser.values(u"set"_s);
     for (const QString &assignment : assignments)
@@ -115,7 +119,6 @@ bool DrawingOptions::loadPlayer(const QString &shadersDir, const QString &preset
         return false;
     player.emplace(device, outputs);
     player->setPreset(loaded);
-    player->setViewport(size);
     player->setHeadroom(headroom);
     player->setBackwards(isBackwards);
     QHash<QString, float> read;
@@ -128,12 +131,20 @@ bool DrawingOptions::loadPlayer(const QString &shadersDir, const QString &preset
     });
 }
 
-bool DrawingOptions::openSource(Player &player, QString &error) const
+bool DrawingOptions::openSource(Player &player, QString &error)
 {
-    SourcePicture opened;
-    if (!SourcePicture::open(source, opened, error))
-        return false;
-    player.setSource(opened);
+    if (sourcePicture.isNull()) {
+        if (!SourcePicture::open(source, sourcePicture, error))
+            return false;
+        if (keepsShape)
+            size = sourcePicture.size().scaled(size, Qt::KeepAspectRatio).expandedTo({1, 1});
+        const QString stretch = stretchText(sourcePicture.size(), size);
+        if (!stretch.isEmpty())
+            std::fprintf(stderr, "render-graph-preview: the picture is %s\n",
+                         qUtf8Printable(stretch));
+    }
+    player.setSource(sourcePicture);
+    player.setViewport(size);
     return true;
 }
 

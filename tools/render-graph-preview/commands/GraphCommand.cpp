@@ -31,8 +31,8 @@ bool addThumbnail(int index, const QImage &image, GraphDotExtras &extras, QStrin
 }
 
 // Draws the preset, and adds what its last frame shows.
-bool addFrame(const DrawingOptions &options, Player &player, bool withThumbnails,
-              GraphDotExtras &extras, QString &error)
+bool addFrame(DrawingOptions &options, Player &player, bool withThumbnails, GraphDotExtras &extras,
+              QString &error)
 {
     if (!options.openSource(player, error))
         return false;

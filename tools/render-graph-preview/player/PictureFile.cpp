@@ -6,12 +6,14 @@
 #include <QColorSpace>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QRegularExpression>
 #include <QSaveFile>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <new>
+#include <numeric>
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
@@ -21,6 +23,9 @@
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int kLargestFirst = 10000; // number of a file
+constexpr double kSourceFramesPerSecond = 60.0;
 
 // libpng prints what it finds wrong to the standard error. The reader has an error for it.
 class QuietErrors
@@ -74,62 +79,106 @@ bool writeAll(QSaveFile &file, const QByteArray &content)
 
 } // namespace
 
+QStringList sourceFiles(const QString &path)
+{
+    static const QRegularExpression kNumber(u"%(?:0(\\d))?d"_s);
+    const auto match = kNumber.match(path);
+    if (QFileInfo::exists(path) || !match.hasMatch())
+        return {path};
+    QStringList files;
+    for (int number = 0; !files.isEmpty() || number < kLargestFirst; ++number) {
+        const QString digits = u"%1"_s.arg(number, match.captured(1).toInt(), 10, QChar(u'0'));
+        const QString file =
+                QString(path).replace(match.capturedStart(), match.capturedLength(), digits);
+        if (QFileInfo::exists(file))
+            files.append(file);
+        else if (!files.isEmpty())
+            break;
+    }
+    return files.isEmpty() ? QStringList(path) : files;
+}
+
 bool SourcePicture::open(const QString &nameOrPath, SourcePicture &source, QString &error)
 {
-    QImage image = testPicture(nameOrPath);
-    if (!image.isNull()) {
-        source.m_testPicture = testPicture(nameOrPath, 1) == image ? QString() : nameOrPath;
-        source.m_image = image;
-        return true;
+    SourcePicture opened;
+    if (const QImage image = testPicture(nameOrPath); !image.isNull()) {
+        opened.m_testPicture = testPicture(nameOrPath, 1) == image ? QString() : nameOrPath;
+        opened.m_frames = {image};
+    } else {
+        [[maybe_unused]] const QuietErrors quiet;
+        for (const QString &file : sourceFiles(nameOrPath)) {
+            if (!opened.appendFile(file, error))
+                return false;
+        }
     }
+    source = opened;
+    return true;
+}
 
-    [[maybe_unused]] const QuietErrors quiet;
-    QImageReader reader(nameOrPath);
+bool SourcePicture::appendFile(const QString &path, QString &error)
+{
+    QImageReader reader(path);
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (std::max(size.width(), size.height()) > kLargestSourceSide) {
         error = u"source picture '%1' is %2x%3, and the largest is %4x%4: make it smaller"_s.arg(
-                nameOrPath, QString::number(size.width()), QString::number(size.height()),
+                path, QString::number(size.width()), QString::number(size.height()),
                 QString::number(kLargestSourceSide));
         return false;
     }
-    image = reader.read();
-    if (image.isNull()) {
-        error = u"cannot read source picture '%1': %2; 'list' names the test pictures"_s.arg(
-                nameOrPath, reader.errorString());
-        return false;
-    }
-    if (image.colorSpace().isValid()) {
-        // Programs that write sRGB give its gamma as 1 / 2.2.
-        if (image.colorSpace().transferFunction() == QColorSpace::TransferFunction::Gamma
-            && std::abs(image.colorSpace().gamma() - 2.2F) < 0.01F)
-            image.setColorSpace(
-                    image.colorSpace().withTransferFunction(QColorSpace::TransferFunction::SRgb));
-        image.convertToColorSpace(QColorSpace::SRgb);
-    }
-    // Premultiplied colours are the colours over black.
-    image.convertTo(QImage::Format_ARGB32_Premultiplied);
-    if (image.isNull())
-        throw std::bad_alloc();
-    image.reinterpretAsFormat(QImage::Format_RGB32);
-    source.m_testPicture.clear();
-    source.m_image = image;
+    do {
+        QImage image = reader.read();
+        if (image.isNull()) {
+            error = u"cannot read source picture '%1': %2; 'list' names the test pictures"_s.arg(
+                    path, reader.errorString());
+            return false;
+        }
+        if (image.colorSpace().isValid()) {
+            // Programs that write sRGB give its gamma as 1 / 2.2.
+            if (image.colorSpace().transferFunction() == QColorSpace::TransferFunction::Gamma
+                && std::abs(image.colorSpace().gamma() - 2.2F) < 0.01F)
+                image.setColorSpace(image.colorSpace().withTransferFunction(
+                        QColorSpace::TransferFunction::SRgb));
+            image.convertToColorSpace(QColorSpace::SRgb);
+        }
+        // Premultiplied colours are the colours over black.
+        image.convertTo(QImage::Format_ARGB32_Premultiplied);
+        if (image.isNull())
+            throw std::bad_alloc();
+        image.reinterpretAsFormat(QImage::Format_RGB32);
+        const int delay = reader.supportsAnimation() ? reader.nextImageDelay() : 0;
+        const qint64 frames = std::max(1L, std::lround(delay * 0.001 * kSourceFramesPerSecond));
+        m_frames.append(QList<QImage>(frames, image)); // which share the pixels
+    } while (reader.supportsAnimation() && reader.canRead());
     return true;
 }
 
 QImage SourcePicture::frame(int number) const
 {
-    return isAnimated() ? testPicture(m_testPicture, number) : m_image;
+    return m_testPicture.isEmpty() ? m_frames.at(number % m_frames.size())
+                                   : testPicture(m_testPicture, number);
 }
 
 bool SourcePicture::isAnimated() const
 {
-    return !m_testPicture.isEmpty();
+    return !m_testPicture.isEmpty() || m_frames.size() > 1;
 }
 
 void SourcePicture::freeze()
 {
     m_testPicture.clear();
+}
+
+QString stretchText(QSize source, QSize picture)
+{
+    const QSize kept = source.scaled(picture, Qt::KeepAspectRatio) + QSize(1, 1); // if rounded up
+    if (kept.width() >= picture.width() && kept.height() >= picture.height())
+        return {};
+    const auto shape = [](QSize size) {
+        const int divisor = std::gcd(size.width(), size.height());
+        return u"%1:%2"_s.arg(size.width() / divisor).arg(size.height() / divisor);
+    };
+    return u"stretched from %1 to %2"_s.arg(shape(source), shape(picture));
 }
 
 QImage newImage(QSize size, QImage::Format format)

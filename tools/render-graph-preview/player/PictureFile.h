@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QImage>
+#include <QList>
 #include <QString>
+#include <QStringList>
 #include <qrgbafloat.h>
 
 #include <optional>
@@ -9,32 +11,43 @@
 // The largest side of a source picture: every Vulkan device supports it.
 inline constexpr int kLargestSourceSide = 4096;
 
-// The picture that enters a graph: a test picture or a picture file.
+// The files of a source: `path` itself or, where it is none and has a %d or %04d, those with the
+// next whole numbers in its place, from the first one that exists.
+QStringList sourceFiles(const QString &path);
+
+// The picture that enters a graph: a test picture, a picture file, which may be animated, or a
+// picture file for each frame.
 class SourcePicture
 {
 public:
-    // Opens a test picture by its name, or a file that Qt can read. On failure returns false, with
-    // the reason in `error`.
+    // Opens a test picture by its name, or sourceFiles() that Qt can read. On failure returns
+    // false, with the reason in `error`.
     static bool open(const QString &nameOrPath, SourcePicture &source, QString &error);
 
     bool isNull() const
     {
-        return m_image.isNull();
+        return m_frames.isEmpty();
     }
     QSize size() const
     {
-        return m_image.size();
+        return m_frames.value(0).size();
     }
-    // The picture in a frame: gamma-encoded sRGB, over black where the file is transparent.
+    // The picture in a frame, at 60 per second: gamma-encoded sRGB, over black where the file is
+    // transparent. After its last frame it begins again.
     QImage frame(int number) const;
     bool isAnimated() const;
-    // Shows the first frame of an animated picture in all frames.
+    // Shows the first frame of an animated test picture in all frames.
     void freeze();
 
 private:
-    QString m_testPicture; // empty if the picture is still
-    QImage m_image; // the first frame
+    bool appendFile(const QString &path, QString &error);
+
+    QString m_testPicture; // empty if it is none, or still
+    QList<QImage> m_frames;
 };
+
+// "stretched from 8:7 to 4:3", or empty if the picture has the source's shape.
+QString stretchText(QSize source, QSize picture);
 
 // The error after std::bad_alloc.
 inline constexpr QLatin1StringView

@@ -391,6 +391,8 @@ private:
         setValues(isRequested ? request.changes : Changes());
         if (!openDevice(error))
             return false;
+        if (!request.view.keepsAspectRatio)
+            frame.stretch = stretchText(m_player.source().size(), request.view.viewport);
 
         const DisplaySettings &display = request.display;
         const bool isDrawn = request.redraw != Redraw::View || m_isNew || !m_player.renderer();
@@ -778,7 +780,7 @@ void Session::watchFiles()
 {
     QStringList files = m_loaded.files;
     if (!m_view.source.isEmpty() && !testPictureNames().contains(m_view.source))
-        files.append(m_view.source);
+        files += sourceFiles(m_view.source);
     QStringList paths;
     for (const QString &file : std::as_const(files)) {
         QString directory = QFileInfo(file).path();

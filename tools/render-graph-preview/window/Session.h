@@ -44,6 +44,7 @@ struct FrameResult : ViewOutput
     int number = 0;
     QString comparedName; // empty: nothing is compared
     QStringList components; // by pass
+    QString stretch; // see stretchText()
     QString device;
 };
 

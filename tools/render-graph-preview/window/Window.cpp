@@ -108,6 +108,11 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     statusBar()->addWidget(m_times, 1);
     m_pixelValues->setObjectName(u"pixel"_s);
     statusBar()->addPermanentWidget(m_pixelValues);
+    auto *const stretch = new QLabel;
+    stretch->setObjectName(u"stretch"_s);
+    connect(&m_session, &Session::frameDrawn, stretch,
+            [this, stretch] { stretch->setText(m_session.frame()->stretch); });
+    statusBar()->addPermanentWidget(stretch);
     auto *const slowness = new QLabel(u"drawing…"_s);
     slowness->setObjectName(u"slowness"_s);
     slowness->hide();
@@ -296,12 +301,12 @@ void Window::showKeys()
     sheet->open();
 }
 
-void Window::openSource(const QString &path)
+void Window::openSource(const QString &nameOrPath)
 {
-    int index = m_sources->findData(path);
+    int index = m_sources->findData(nameOrPath);
     if (index < 0) {
         index = m_sources->count();
-        m_sources->addItem(QFileInfo(path).fileName(), path);
+        m_sources->addItem(QFileInfo(nameOrPath).fileName(), nameOrPath);
     }
     m_sources->setCurrentIndex(index);
 }
@@ -363,7 +368,7 @@ void Window::restoreSettings()
     restoreGeometry(settings.value("geometry"_L1).toByteArray());
     m_zooms->setCurrentText(settings.value("zoom"_L1).toString());
     const QString source = settings.value("source"_L1).toString();
-    if (testPictureNames().contains(source) || QFileInfo::exists(source))
+    if (testPictureNames().contains(source) || QFileInfo::exists(sourceFiles(source).constFirst()))
         openSource(source);
 }
 

@@ -26,6 +26,9 @@ public:
     // Sets the preset's values from a file; the status bar says why if it cannot be read.
     void openValues(const QString &path);
 
+    // Shows a test picture, by its name, or files; see sourceFiles().
+    void openSource(const QString &nameOrPath);
+
     Session &session()
     {
         return m_session;
@@ -40,7 +43,6 @@ private:
     void createToolBars();
     void createActions();
     void showKeys();
-    void openSource(const QString &path);
     void savePicture();
     void saveValues();
     void restoreSettings();

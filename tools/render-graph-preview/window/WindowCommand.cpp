@@ -1,6 +1,7 @@
 #include "Window.h"
 
 #include <Command.h>
+#include <DrawingOptions.h>
 
 #include <QApplication>
 #include <QDebug>
@@ -46,11 +47,10 @@ bool createApplication(int &argc, char **argv, std::unique_ptr<QCoreApplication>
 
 QList<QCommandLineOption> options()
 {
-    return {{u"device"_s, u"A device's number or a part of its name (see 'list'). Default: 0."_s,
-             u"device"_s},
-            {u"values"_s,
-             u"Gives parameters the values of this .glslp file, as the window saves it."_s,
-             u"file"_s}};
+    static const QStringList kNames = {u"source"_s, u"values"_s, u"device"_s};
+    QList<QCommandLineOption> options = DrawingOptions::declared();
+    options.removeIf([](const auto &option) { return !kNames.contains(option.names().first()); });
+    return options;
 }
 
 bool window(const CommandLine &line, QString &error)
@@ -67,6 +67,8 @@ bool window(const CommandLine &line, QString &error)
         QObject::connect(
                 &shown.session(), &Session::parametersChanged, &shown,
                 [&shown, values] { shown.openValues(values); }, Qt::SingleShotConnection);
+    if (line.parser.isSet(u"source"_s))
+        shown.openSource(line.parser.value(u"source"_s));
     shown.show();
     const int status = QApplication::exec();
     // A shader may never end.
