@@ -25,6 +25,7 @@
 #include <QScopeGuard>
 #include <QSettings>
 #include <QSlider>
+#include <QStatusBar>
 #include <QTextDocumentFragment>
 #include <QTimer>
 #include <QToolButton>
@@ -100,6 +101,8 @@ private Q_SLOTS:
     void fieldsFitIntoASmallWindow();
     void stretchIsShown();
     void sequenceIsTheSource();
+    void clickOpensTheEditor_data();
+    void clickOpensTheEditor();
     void keysAreListed();
     void surroundIsDark();
     void tabMovesThroughTheParameters();
@@ -275,7 +278,7 @@ void TestWindow::brokenComponentKeepsThePicture()
     const QByteArray content = readFile(path);
     writeFile(path, "#version 450\nvoid main() { oops; }\n");
     QTRY_COMPARE_WITH_TIMEOUT(
-            message->text(),
+            window->session().message(),
             u"shaders/vulkan/components/stock.frag:2: 'oops' : undeclared identifier"_s, kPatience);
     QVERIFY(message->isVisible());
     QCOMPARE(waitForImage(*window), first);
@@ -1267,6 +1270,64 @@ void TestWindow::sequenceIsTheSource()
     QCOMPARE(waitForImage(*window).pixelColor(9, 9), QColor(Qt::red));
     QVERIFY(picture.save(u"a-1.png"_s));
     QTRY_COMPARE_WITH_TIMEOUT(waitForImage(*window).pixelColor(9, 9), QColor(Qt::blue), kPatience);
+}
+
+void TestWindow::clickOpensTheEditor_data()
+{
+    QTest::addColumn<QByteArray>("visual");
+    QTest::addColumn<QByteArray>("editor");
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QByteArray>("arguments");
+    QTest::addColumn<QString>("notice");
+    const QByteArray file = "shaders/vulkan/components/stock.frag"_ba;
+    QTest::newRow("VISUAL") << "./write -x"_ba
+                            << "none"_ba << QString() << "-x\n+2\n" + file + '\n'
+                            << QString();
+    QTest::newRow("EDITOR") << ""_ba
+                            << "./write"_ba << QString() << "+2\n" + file + '\n'
+                            << QString();
+    QTest::newRow("option") << "none"_ba
+                            << ""_ba << u"./write \"a b\" %f:%l"_s << "a b\n" + file + ":2\n"
+                            << QString();
+    QTest::newRow("no editor") << ""_ba
+                               << ""_ba << QString() << ""_ba
+                               << u"no editor is known: set VISUAL, or start with --editor"_s;
+    QTest::newRow("no such editor")
+            << "./none -x"_ba
+            << ""_ba << QString() << ""_ba << u"cannot start the editor './none -x'"_s;
+}
+
+void TestWindow::clickOpensTheEditor()
+{
+    QFETCH(QByteArray, visual);
+    QFETCH(QByteArray, editor);
+    QFETCH(QString, option);
+    QFETCH(QByteArray, arguments);
+    QFETCH(QString, notice);
+    qputenv("VISUAL", visual);
+    qputenv("EDITOR", editor);
+    const auto restore = qScopeGuard([] {
+        qunsetenv("VISUAL");
+        qunsetenv("EDITOR");
+    });
+    writeFile(u"write"_s, "#!/bin/sh\nprintf '%s\\n' \"$@\" >partly\nmv partly written\n");
+    QVERIFY(QFile::setPermissions(u"write"_s, QFile::ReadOwner | QFile::ExeOwner));
+    copiedShaders();
+    writeFile(u"shaders/vulkan/components/stock.frag"_s,
+              "#version 450\n#error <b>\nvoid main() {}\n");
+    const auto look = [&](Window &window) {
+        auto *const message = window.findChild<QLabel *>(u"message"_s);
+        QCOMPARE(QTextDocumentFragment::fromHtml(message->text()).toPlainText(),
+                 u"shaders/vulkan/components/stock.frag:2: '#error' : < b >"_s);
+        QTRY_VERIFY(message->height() > 20);
+        QTest::mouseClick(message, Qt::LeftButton, {}, {60, 14});
+        QCOMPARE(window.statusBar()->currentMessage(), notice);
+    };
+    QVERIFY(runCommand({u"stock"_s, u"--editor"_s, option}, look));
+    if (arguments.isEmpty())
+        return;
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(u"written"_s), kPatience);
+    QCOMPARE(readFile(u"written"_s), arguments);
 }
 
 void TestWindow::keysAreListed()

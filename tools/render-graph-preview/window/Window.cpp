@@ -22,6 +22,8 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QScreen>
 #include <QScrollBar>
 #include <QSettings>
@@ -66,7 +68,9 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
 {
     setAcceptDrops(true);
     m_message->setObjectName(u"message"_s);
-    m_message->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    m_message->setTextFormat(Qt::RichText);
+    m_message->setTextInteractionFlags(Qt::TextBrowserInteraction);
+    connect(m_message, &QLabel::linkActivated, this, &Window::openEditor);
     m_message->setWordWrap(true);
     m_message->setMargin(6);
     m_message->setStyleSheet(u"background: #7a1f1f; color: white"_s);
@@ -130,10 +134,7 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     connect(&m_session, &Session::frameDrawn, this, &Window::showFrame);
     connect(&m_session, &Session::pictureNotSaved, this,
             [this](const QString &error) { statusBar()->showMessage(error, kNoticeMilliseconds); });
-    connect(&m_session, &Session::messageChanged, this, [this](const QString &message) {
-        m_message->setText(message);
-        m_message->setVisible(!message.isEmpty());
-    });
+    connect(&m_session, &Session::messageChanged, this, &Window::showMessage);
     m_presets->setCurrentText(preset);
     m_session.setPreset(preset);
     setWindowTitle(u"render-graph-preview"_s);
@@ -299,6 +300,40 @@ void Window::showKeys()
                                         QMessageBox::Close, this);
     sheet->setAttribute(Qt::WA_DeleteOnClose);
     sheet->open();
+}
+
+void Window::showMessage(const QString &message)
+{
+    static const QRegularExpression kPlace(u"^(.+?:\\d+):"_s, QRegularExpression::MultilineOption);
+    QString text = message.toHtmlEscaped();
+    text.replace(kPlace, uR"(<a style="color: white" href="\1">\1</a>:)"_s);
+    m_message->setText(text.replace(u'\n', u"<br>"_s));
+    m_message->setVisible(!message.isEmpty());
+}
+
+void Window::setEditor(const QString &command)
+{
+    m_editor = command;
+}
+
+void Window::openEditor(const QString &place)
+{
+    QString editor = m_editor;
+    for (const char *const name : {"VISUAL", "EDITOR"}) {
+        if (editor.isEmpty())
+            editor = qEnvironmentVariable(name);
+    }
+    QStringList command =
+            QProcess::splitCommand(editor.contains(u"%f"_s) ? editor : editor + u" +%l %f"_s);
+    const QString line = place.section(u':', -1);
+    command.replaceInStrings(u"%l"_s, line);
+    command.replaceInStrings(u"%f"_s, place.chopped(line.size() + 1));
+    if (editor.isEmpty())
+        statusBar()->showMessage(u"no editor is known: set VISUAL, or start with --editor"_s,
+                                 kNoticeMilliseconds);
+    else if (!QProcess::startDetached(command.takeFirst(), command))
+        statusBar()->showMessage(u"cannot start the editor '%1'"_s.arg(editor),
+                                 kNoticeMilliseconds);
 }
 
 void Window::openSource(const QString &nameOrPath)

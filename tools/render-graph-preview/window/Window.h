@@ -29,6 +29,11 @@ public:
     // Shows a test picture, by its name, or files; see sourceFiles().
     void openSource(const QString &nameOrPath);
 
+    // The command that opens an editor where a message is clicked: %f is the file, %l the line,
+    // also
+    // "+%l %f" at the end if there is no %f. Empty: $VISUAL, or else $EDITOR.
+    void setEditor(const QString &command);
+
     Session &session()
     {
         return m_session;
@@ -43,6 +48,8 @@ private:
     void createToolBars();
     void createActions();
     void showKeys();
+    void showMessage(const QString &message);
+    void openEditor(const QString &place);
     void savePicture();
     void saveValues();
     void restoreSettings();
@@ -71,4 +78,5 @@ private:
     QStringList m_components; // in the strip
     QElapsedTimer m_framesTimer; // since the last text
     int m_frames = 0; // since then
+    QString m_editor;
 };

@@ -50,6 +50,10 @@ QList<QCommandLineOption> options()
     static const QStringList kNames = {u"source"_s, u"values"_s, u"device"_s};
     QList<QCommandLineOption> options = DrawingOptions::declared();
     options.removeIf([](const auto &option) { return !kNames.contains(option.names().first()); });
+    options.append(
+            {u"editor"_s,
+             u"Opens a message's file and line in this editor: \"code -g %f:%l\". Default: $VISUAL, $EDITOR."_s,
+             u"command"_s});
     return options;
 }
 
@@ -69,6 +73,7 @@ bool window(const CommandLine &line, QString &error)
                 [&shown, values] { shown.openValues(values); }, Qt::SingleShotConnection);
     if (line.parser.isSet(u"source"_s))
         shown.openSource(line.parser.value(u"source"_s));
+    shown.setEditor(line.parser.value(u"editor"_s));
     shown.show();
     const int status = QApplication::exec();
     // A shader may never end.
