@@ -1318,12 +1318,14 @@ void TestWindow::clickOpensTheEditor()
     const auto look = [&](Window &window) {
         auto *const message = window.findChild<QLabel *>(u"message"_s);
         QCOMPARE(QTextDocumentFragment::fromHtml(message->text()).toPlainText(),
-                 u"shaders/vulkan/components/stock.frag:2: '#error' : < b >"_s);
+                 u"shaders/vulkan/components/stock.frag:2: '#error' : < b >\n"
+                 "cannot read source picture 'none.png': File not found; 'list' names the test "
+                 "pictures"_s);
         QTRY_VERIFY(message->height() > 20);
         QTest::mouseClick(message, Qt::LeftButton, {}, {60, 14});
         QCOMPARE(window.statusBar()->currentMessage(), notice);
     };
-    QVERIFY(runCommand({u"stock"_s, u"--editor"_s, option}, look));
+    QVERIFY(runCommand({u"stock"_s, u"--source"_s, u"none.png"_s, u"--editor"_s, option}, look));
     if (arguments.isEmpty())
         return;
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(u"written"_s), kPatience);
