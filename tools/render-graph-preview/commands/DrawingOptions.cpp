@@ -161,12 +161,9 @@ bool setValue(Player &player, const QString &id, const QString &number, QString 
         return false;
     }
     // The limits as they are written: 0.3, not the float's 0.300000012.
-    const auto asWritten = [](float limit) {
-        return QString::number(double(limit), 'g', 7).toDouble();
-    };
     float value = 0.0F;
-    if (!parseNumber(id + u'=' + number, number, asWritten(param->min), asWritten(param->max),
-                     value, error))
+    if (!parseNumber(id + u'=' + number, number, numberText(param->min).toDouble(),
+                     numberText(param->max).toDouble(), value, error))
         return false;
     player.setValue(id, value);
     return true;

@@ -87,13 +87,6 @@ QImage sideBySide(const QList<QImage> &images, const QStringList &labels,
     return sheet;
 }
 
-// "a.png" becomes "a-05-crt-drive.png".
-QString withPass(const QString &path, int pass, const QString &component)
-{
-    return QString(path).insert(path.size() - ".png"_L1.size(),
-                                u"-%1-%2"_s.arg(pass, 2, 10, QChar(u'0')).arg(component));
-}
-
 bool picture(const CommandLine &line, QString &error)
 {
     DrawingOptions options;
@@ -143,8 +136,10 @@ bool picture(const CommandLine &line, QString &error)
         return false;
     const auto fileOf = [&](int pass, int frame) {
         QString path = line.out;
-        if (choice == "all"_L1)
-            path = withPass(path, pass, graph.passes.at(pass).debugName);
+        if (choice == "all"_L1) // "a.png" becomes "a-05-crt-drive.png"
+            path.insert(
+                    path.size() - ".png"_L1.size(),
+                    u"-%1-%2"_s.arg(pass, 2, 10, QChar(u'0')).arg(graph.passes.at(pass).debugName));
         return isEvery ? path.replace(u"%d"_s, QString::number(frame)) : path;
     };
     if (!canSaveFile(fileOf(passes.first(), 0), error))

@@ -168,13 +168,37 @@ public:
                 numberText(parameter.defaultValue), numberText(parameter.initialValue)));
         m_layout->setContentsMargins(0, 0, 0, 0);
         m_layout->addWidget(m_label, 0, 0, 1, 3);
-        const QStringList choices = choiceNames(parameter);
-        if (!choices.isEmpty())
-            addChoice(choices);
-        else if (parameter.min == 0.0F && parameter.max == 1.0F && parameter.step == 1.0F)
-            addSwitch();
-        else
-            addSlider();
+        const auto set = [this](float value) { m_session.setValue(parameter.id, value); };
+        if (const QStringList choices = choiceNames(parameter); !choices.isEmpty()) {
+            auto *const choice = add<WithoutStrayWheel<QComboBox>>(u".choice"_s, 0, 2);
+            choice->addItems(choices);
+            connect(choice, &QComboBox::activated, this,
+                    [this, set](int index) { set(parameter.min + float(index)); });
+            m_show = [this, choice](float value) {
+                choice->setCurrentIndex(int(std::lround(value - parameter.min)));
+            };
+        } else if (parameter.min == 0.0F && parameter.max == 1.0F && parameter.step == 1.0F) {
+            auto *const check = add<QCheckBox>(u".check"_s, 0, 2);
+            connect(check, &QCheckBox::clicked, this,
+                    [set](bool isChecked) { set(isChecked ? 1.0F : 0.0F); });
+            m_show = [check](float value) { check->setChecked(value != 0.0F); };
+        } else {
+            auto *const slider = add<ParameterSlider>(u".slider"_s, 0, 1, parameter);
+            auto *const number = add<NumberField>(u".number"_s, 1, 1, parameter);
+            connect(slider, &QSlider::valueChanged, this,
+                    [slider, set](int position) { set(slider->valueAt(position)); });
+            connect(number, &QDoubleSpinBox::valueChanged, this,
+                    [set](double value) { set(float(value)); });
+            connect(slider, &QSlider::sliderPressed, this, [this] { m_session.setDragging(true); });
+            connect(slider, &QSlider::sliderReleased, this,
+                    [this] { m_session.setDragging(false); });
+            m_show = [slider, number](float value) {
+                const QSignalBlocker sliderBlocker(slider);
+                const QSignalBlocker numberBlocker(number);
+                slider->setValue(slider->positionOf(value));
+                number->setValue(asDeclared(value));
+            };
+        }
         m_reset = add<QToolButton>(u".reset"_s, 2, 1);
         m_reset->setAccessibleName(u"Reset %1"_s.arg(parameter.description));
         m_reset->setText(u"\u21ba"_s);
@@ -214,46 +238,6 @@ private:
         widget->setAccessibleName(parameter.description);
         m_layout->addWidget(widget, 1, column, 1, columns);
         return widget;
-    }
-
-    void addChoice(const QStringList &choices)
-    {
-        auto *const choice = add<WithoutStrayWheel<QComboBox>>(u".choice"_s, 0, 2);
-        choice->addItems(choices);
-        connect(choice, &QComboBox::activated, this, [this](int index) {
-            m_session.setValue(parameter.id, parameter.min + float(index));
-        });
-        m_show = [this, choice](float value) {
-            choice->setCurrentIndex(int(std::lround(value - parameter.min)));
-        };
-    }
-
-    void addSwitch()
-    {
-        auto *const check = add<QCheckBox>(u".check"_s, 0, 2);
-        connect(check, &QCheckBox::clicked, this, [this](bool isChecked) {
-            m_session.setValue(parameter.id, isChecked ? 1.0F : 0.0F);
-        });
-        m_show = [check](float value) { check->setChecked(value != 0.0F); };
-    }
-
-    void addSlider()
-    {
-        auto *const slider = add<ParameterSlider>(u".slider"_s, 0, 1, parameter);
-        auto *const number = add<NumberField>(u".number"_s, 1, 1, parameter);
-        connect(slider, &QSlider::valueChanged, this, [this, slider](int position) {
-            m_session.setValue(parameter.id, slider->valueAt(position));
-        });
-        connect(number, &QDoubleSpinBox::valueChanged, this,
-                [this](double value) { m_session.setValue(parameter.id, float(value)); });
-        connect(slider, &QSlider::sliderPressed, this, [this] { m_session.setDragging(true); });
-        connect(slider, &QSlider::sliderReleased, this, [this] { m_session.setDragging(false); });
-        m_show = [slider, number](float value) {
-            const QSignalBlocker sliderBlocker(slider);
-            const QSignalBlocker numberBlocker(number);
-            slider->setValue(slider->positionOf(value));
-            number->setValue(asDeclared(value));
-        };
     }
 
     Session &m_session;
@@ -342,10 +326,7 @@ void ParameterPanel::addGroup(const QString &component)
     header->setFocusPolicy(Qt::StrongFocus);
     header->setCheckable(true);
     connect(header, &QToolButton::clicked, this, [this, component](bool isOpen) {
-        if (isOpen)
-            m_folded.remove(component);
-        else
-            m_folded.insert(component);
+        m_folded.insert(component, !isOpen);
         showRows();
     });
     m_layout->insertWidget(m_layout->count() - 1, header);
@@ -362,7 +343,7 @@ void ParameterPanel::showValues()
 void ParameterPanel::applyFilter()
 {
     for (QToolButton *const group : std::as_const(m_groups))
-        group->setChecked(!m_filter->text().isEmpty() || !m_folded.contains(group->text()));
+        group->setChecked(!m_filter->text().isEmpty() || !m_folded.value(group->text()));
     showRows();
 }
 

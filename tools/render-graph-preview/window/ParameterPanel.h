@@ -2,7 +2,6 @@
 
 #include "Session.h"
 
-#include <QSet>
 #include <QWidget>
 
 class QLineEdit;
@@ -42,5 +41,5 @@ private:
     QVBoxLayout *m_layout;
     QList<Row *> m_rows;
     QList<QToolButton *> m_groups; // the headers
-    QSet<QString> m_folded; // components, of any preset
+    QHash<QString, bool> m_folded; // by component, of any preset
 };

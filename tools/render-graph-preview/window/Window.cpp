@@ -35,15 +35,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Size
-{
-    const char *name;
-    QSize size; // empty: as large as the view
-};
-
-constexpr Size kSizes[] = {{"as the view", {}},         {"640x480", {640, 480}},
-                           {"960x720", {960, 720}},     {"1440x1080", {1440, 1080}},
-                           {"1920x1440", {1920, 1440}}, {"3840x2160", {3840, 2160}}};
+constexpr QSize kSizes[] = {{640, 480}, {960, 720}, {1440, 1080}, {1920, 1440}, {3840, 2160}};
 constexpr const char *kComparisons[] = {"nothing", "source", "tuned values (declared)", "A (kept)",
                                         "before the last save"};
 constexpr int kNoticeMilliseconds = 10000;
@@ -57,14 +49,16 @@ QString timeText(const PassResult &pass)
 
 } // namespace
 
-Window::Window(const QString &shadersDir, const QString &device, const QString &preset)
+Window::Window(const QString &shadersDir, const QString &device, const QString &preset,
+               QString editor)
     : m_session(shadersDir, device),
       m_parameters(new ParameterPanel(m_session)),
       m_picture(new PictureView),
       m_strip(new QListWidget),
       m_message(new QLabel),
       m_times(new QLabel),
-      m_pixelValues(new QLabel)
+      m_pixelValues(new QLabel),
+      m_editor(std::move(editor))
 {
     setAcceptDrops(true);
     m_message->setObjectName(u"message"_s);
@@ -182,8 +176,9 @@ void Window::createToolBars()
         m_sources->addItem(name, name);
     m_sources->setMinimumContentsLength(14); // longer names only where there is room
     m_sizes = addChoice(u"Si&ze"_s, "size");
-    for (const Size &size : kSizes)
-        m_sizes->addItem(QLatin1StringView(size.name), size.size);
+    m_sizes->addItem(u"as the view"_s);
+    for (const QSize &size : kSizes)
+        m_sizes->addItem(u"%1x%2"_s.arg(size.width()).arg(size.height()), size);
     m_zooms = addChoice(u"Zoo&m"_s, "zoom");
     for (const int zoom : ViewState::kZooms)
         m_zooms->addItem(zoom == ViewState::kFit ? u"fit"_s : u"%1:1"_s.arg(zoom), zoom);
@@ -309,11 +304,6 @@ void Window::showMessage(const QString &message)
     text.replace(kPlace, uR"(<a style="color: white" href="\1">\1</a>:)"_s);
     m_message->setText(text.replace(u'\n', u"<br>"_s));
     m_message->setVisible(!message.isEmpty());
-}
-
-void Window::setEditor(const QString &command)
-{
-    m_editor = command;
 }
 
 void Window::openEditor(const QString &place)

@@ -19,7 +19,10 @@ class Window : public QMainWindow
     Q_OBJECT
 
 public:
-    Window(const QString &shadersDir, const QString &device, const QString &preset);
+    // `editor` is the command for a message that is clicked: %f is the file, %l the line, "+%l %f"
+    // is added if there is no %f. Empty: $VISUAL, or else $EDITOR.
+    Window(const QString &shadersDir, const QString &device, const QString &preset,
+           QString editor = {});
     ~Window() override;
     Q_DISABLE_COPY_MOVE(Window)
 
@@ -28,11 +31,6 @@ public:
 
     // Shows a test picture, by its name, or files; see sourceFiles().
     void openSource(const QString &nameOrPath);
-
-    // The command that opens an editor where a message is clicked: %f is the file, %l the line,
-    // also
-    // "+%l %f" at the end if there is no %f. Empty: $VISUAL, or else $EDITOR.
-    void setEditor(const QString &command);
 
     Session &session()
     {

@@ -65,7 +65,8 @@ bool window(const CommandLine &line, QString &error)
     PresetOnDisk unknown;
     if (!presetNames().contains(preset))
         return loadPreset(line.shadersDir, preset, unknown, error);
-    Window shown(line.shadersDir, line.parser.value(u"device"_s), preset);
+    Window shown(line.shadersDir, line.parser.value(u"device"_s), preset,
+                 line.parser.value(u"editor"_s));
     const QString values = line.parser.value(u"values"_s);
     if (!values.isEmpty())
         QObject::connect(
@@ -73,7 +74,6 @@ bool window(const CommandLine &line, QString &error)
                 [&shown, values] { shown.openValues(values); }, Qt::SingleShotConnection);
     if (line.parser.isSet(u"source"_s))
         shown.openSource(line.parser.value(u"source"_s));
-    shown.setEditor(line.parser.value(u"editor"_s));
     shown.show();
     const int status = QApplication::exec();
     // A shader may never end.
