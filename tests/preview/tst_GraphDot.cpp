@@ -89,6 +89,13 @@ QByteArrayList arrowsOf(const QByteArray &dot)
     return arrows;
 }
 
+const QString kLegend =
+        u"legend | solid arrow: a sampled image, at this binding | dashed arrow: the previous "
+        u"output "
+        "of the pass | dotted arrow: the pass whose size is meant | params[0]: a parameter's slot "
+        "| "
+        "drawn again when a parameter changes | left out while a parameter is 0 | the picture"_s;
+
 } // namespace
 
 class TestGraphDot : public TestInEmptyDirectory
@@ -97,6 +104,7 @@ class TestGraphDot : public TestInEmptyDirectory
 
 private Q_SLOTS:
     void arrowsAreSampledImages();
+    void manyPassesAreInRows();
     void boxesHaveTheRules();
     void boxesHaveTheLastFrame();
     void svgHasBoxesAndThumbnails();
@@ -107,14 +115,40 @@ void TestGraphDot::arrowsAreSampledImages()
 {
     QCOMPARE(arrowsOf(graphDot(u"small"_s, smallGraph())),
              QByteArrayList({
-                     "source -> pass0 [label=\" 0\"];",
-                     "pass0 -> pass1 [label=\" 0\"];",
-                     "pass1 -> pass1 [label=\" 1\" style=dashed];",
-                     "pass1 -> pass3 [label=\" 0\"];",
+                     "source -> pass0 [label=\"binding 0\"];",
+                     "pass0 -> pass1 [label=\"binding 0\"];",
+                     "pass1 -> pass1 [label=\"binding 1\" style=dashed];",
+                     "pass1 -> pass3 [label=\"binding 0\"];",
                      "pass0 -> pass3 [style=dotted arrowhead=empty constraint=false];",
-                     "pass3 -> pass4 [label=\" 0\"];",
-                     "pass2 -> pass4 [label=\" 1\"];",
-                     "source -> pass4 [label=\" 2\"];",
+                     "pass3 -> pass4 [label=\"binding 0\"];",
+                     "pass2 -> pass4 [label=\"binding 1\"];",
+                     "source -> pass4 [label=\"binding 2\"];",
+             }));
+}
+
+// Eight passes are four and four.
+void TestGraphDot::manyPassesAreInRows()
+{
+    VulkanRenderGraph graph;
+    VulkanRenderGraph::Pass pass;
+    pass.sampledInputs = {{-2}};
+    for (int i = 0; i < 8; ++i) {
+        graph.passes.append(pass);
+        pass.sampledInputs = {{i}};
+    }
+    graph.passes.last().sampledInputs = {{6}, {0}, {-2}};
+    QCOMPARE(arrowsOf(graphDot(u"long"_s, graph)),
+             QByteArrayList({
+                     "source -> pass0 [label=\"binding 0\"];",
+                     "pass0 -> pass1 [label=\"binding 0\"];",
+                     "pass1 -> pass2 [label=\"binding 0\"];",
+                     "pass2 -> pass3 [label=\"binding 0\"];",
+                     "pass3 -> pass4 [label=\"binding 0\" constraint=false];",
+                     "pass4 -> pass5 [label=\"binding 0\"];",
+                     "pass5 -> pass6 [label=\"binding 0\"];",
+                     "pass6 -> pass7 [label=\"binding 0\"];",
+                     "pass0 -> pass7 [label=\"binding 1\" constraint=false];",
+                     "source -> pass7 [label=\"binding 2\" constraint=false];",
              }));
 }
 
@@ -125,11 +159,12 @@ void TestGraphDot::boxesHaveTheRules()
                              {.values = {{u"gain"_s, 0.25F}}, .passes = {}, .thumbnails = {}})),
             QStringList({
                     u"source | source"_s,
-                    u"pass0 | 0 first | 2 × 1 of input · RGBA16F | 0 gain = 0.25 | 1 lift"_s,
-                    u"pass1 | 1 ghost | size of input · RGBA32F"_s,
-                    u"pass2 | 2 tile | 64 × source · RGBA8 | cached by parameters"_s,
-                    u"pass3 | 3 halo | size of pass 0 · R11G11B10F | black while gain is 0, shared"_s,
-                    u"pass4 | 4 a&lt;b | size of viewport · RGBA16F | final"_s,
+                    kLegend,
+                    u"pass0 | pass 0: first | 2 × 1 of input · RGBA16F | params[0] gain = 0.25 | params[1] lift"_s,
+                    u"pass1 | pass 1: ghost | size of input · RGBA32F"_s,
+                    u"pass2 | pass 2: tile | 64 × source · RGBA8 | cached by parameters"_s,
+                    u"pass3 | pass 3: halo | size of pass 0 · R11G11B10F | black while gain is 0, shared"_s,
+                    u"pass4 | pass 4: a&lt;b | size of viewport · RGBA16F | final"_s,
             }));
 }
 
@@ -144,16 +179,19 @@ void TestGraphDot::boxesHaveTheLastFrame()
              .passes = {result(Kind::Drawn, {640, 240}), result(Kind::Drawn, {640, 241}),
                         result(Kind::Unchanged, {64, 242}), result(Kind::ConstantBlack, {1, 1}),
                         result(Kind::Drawn, {800, 600})},
-             .thumbnails = {{-2, "png"}, {1, "png"}}});
-    QCOMPARE(boxesOf(dot),
-             QStringList({
-                     u"source | source | source.png"_s,
-                     u"pass0 | 0 first | 640 × 240 · RGBA16F | 0 gain | 1 lift"_s,
-                     u"pass1 | 1 ghost | 640 × 241 · RGBA32F | pass1.png"_s,
-                     u"pass2 | 2 tile | 64 × 242 · RGBA8 | cached by parameters"_s,
-                     u"pass3 | 3 halo | 1 × 1 · R11G11B10F | black while gain is 0, shared: now"_s,
-                     u"pass4 | 4 a&lt;b | 800 × 600 · RGBA16F | final"_s,
-             }));
+             .thumbnails = {{-2, "png"}, {1, "png"}},
+             .sourceSize = {320, 240}});
+    QCOMPARE(
+            boxesOf(dot),
+            QStringList({
+                    u"source | source | 320 × 240 | source.png"_s,
+                    kLegend,
+                    u"pass0 | pass 0: first | 640 × 240 · RGBA16F | params[0] gain | params[1] lift"_s,
+                    u"pass1 | pass 1: ghost | 640 × 241 · RGBA32F | pass1.png"_s,
+                    u"pass2 | pass 2: tile | 64 × 242 · RGBA8 | cached by parameters"_s,
+                    u"pass3 | pass 3: halo | 1 × 1 · R11G11B10F | black while gain is 0, shared: now"_s,
+                    u"pass4 | pass 4: a&lt;b | 800 × 600 · RGBA16F | final"_s,
+            }));
 }
 
 void TestGraphDot::svgHasBoxesAndThumbnails()
@@ -171,7 +209,7 @@ void TestGraphDot::svgHasBoxesAndThumbnails()
     QVERIFY(svg.startsWith("<?xml"));
     QCOMPARE(svg.count("\"data:image/png;base64," + png.toBase64() + '"'), 2);
     QCOMPARE(svg.count("class=\"edge\""), 8);
-    QCOMPARE(svg.count("class=\"node\""), 6);
+    QCOMPARE(svg.count("class=\"node\""), 7);
     QVERIFY(svg.contains(">black while gain is 0, shared</text>"));
 }
 

@@ -556,13 +556,14 @@ void TestRenderGraphPreview::graphOfOnePreset()
     CALL(u"graph stock --out a.dot"_s);
     QVERIFY(readFile(u"a.dot"_s).startsWith("digraph \"stock\" {\n"));
     QVERIFY(readFile(u"a.dot"_s)
-                    .contains("<B>0 stock</B></TD></TR><TR><TD>size of viewport · RGBA16F"));
+                    .contains("<B>pass 0: stock</B></TD></TR><TR><TD>size of viewport · RGBA16F"));
     QVERIFY(readFile(u"a.dot"_s).contains("  pass0 -> pass1 "));
     CALL(u"graph gba-lcd --size 99x77 --frames 1 --set ghost_rise=0.5 --out b.dot"_s);
     const QByteArray drawn = readFile(u"b.dot"_s);
-    QVERIFY(drawn.contains("<B>1 gba-ghost</B></TD></TR><TR><TD>320 × 240 · RGBA16F"));
-    QVERIFY(drawn.contains("<B>2 gba-subpixel</B></TD></TR><TR><TD>99 × 77 · RGBA16F"));
+    QVERIFY(drawn.contains("<B>pass 1: gba-ghost</B></TD></TR><TR><TD>320 × 240 · RGBA16F"));
+    QVERIFY(drawn.contains("<B>pass 2: gba-subpixel</B></TD></TR><TR><TD>99 × 77 · RGBA16F"));
     QVERIFY(drawn.contains("ghost_rise = 0.5<"));
+    QVERIFY(drawn.contains("<B>source</B></TD></TR><TR><TD>320 × 240<"));
 }
 
 void TestRenderGraphPreview::graphWithThumbnails()
@@ -586,6 +587,10 @@ void TestRenderGraphPreview::graphOfAllPresets()
         const QByteArray svg = readFile(u"graphs/all/"_s + graph);
         QVERIFY2(svg.endsWith("</svg>\n"), qPrintable(graph));
         QVERIFY2(svg.contains(">final</text>"), qPrintable(graph));
+        static const QRegularExpression kSize(u"<svg width=\"(\\d+)pt\" height=\"(\\d+)pt\""_s);
+        const QRegularExpressionMatch size = kSize.match(QString::fromUtf8(svg));
+        QVERIFY2(size.captured(1).toInt() > size.captured(2).toInt(),
+                 qPrintable(graph)); // landscape
     }
 }
 

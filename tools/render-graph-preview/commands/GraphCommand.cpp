@@ -41,6 +41,7 @@ bool addFrame(DrawingOptions &options, Player &player, bool withThumbnails, Grap
         if (!player.drawFrame(frame, error))
             return false;
     }
+    extras.sourceSize = player.source().size();
     extras.passes = player.renderer()->passes();
     if (!withThumbnails)
         return true;
@@ -113,9 +114,7 @@ const Command kGraphCommand = {
         .name = "graph",
         .arguments = "[<preset>]",
         .description =
-                "Draws a preset's passes as boxes. Arrows are sampled pictures, numbered by "
-                "binding; a dashed one is a pass's own previous output, a dotted one says whose "
-                "size a pass takes.",
+                "Draws a preset's passes as boxes, with arrows for what they sample, and a legend.",
         .out = "A file that ends in .svg, drawn by Graphviz, or in .dot; with --all a directory.",
         .fewestArguments = 0,
         .mostArguments = 1,

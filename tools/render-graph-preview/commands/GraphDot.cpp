@@ -6,6 +6,8 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -14,6 +16,7 @@ using Pass = VulkanRenderGraph::Pass;
 using ResourceRef = VulkanRenderGraph::ResourceRef;
 using ScaleSource = VulkanRenderGraph::ScaleSource;
 
+constexpr qsizetype kMostInRow = 7; // passes
 constexpr const char *kPlain = "#f7f7f4";
 constexpr const char *kCached = "#d9ecd3";
 constexpr const char *kBlackable = "#dcdce4";
@@ -32,6 +35,11 @@ QString thumbnailName(int index)
 QString number(float value)
 {
     return QString::number(double(value), 'g', 6);
+}
+
+QString sizeText(QSize size)
+{
+    return u"%1 × %2"_s.arg(size.width()).arg(size.height());
 }
 
 QString sizeRule(const Pass &pass)
@@ -56,6 +64,22 @@ QString row(const QString &text, bool isLeft = false)
             .arg(text);
 }
 
+QString legend()
+{
+    const auto colored = [](const char *color, const QString &text) {
+        return u"<TR><TD ALIGN=\"LEFT\" BGCOLOR=\"%1\">%2</TD></TR>"_s.arg(QLatin1StringView(color),
+                                                                           text);
+    };
+    return u"<TABLE BORDER=\"1\" CELLBORDER=\"0\">%1</TABLE>"_s.arg(
+            row(u"solid arrow: a sampled image, at this binding"_s, true)
+            + row(u"dashed arrow: the previous output of the pass"_s, true)
+            + row(u"dotted arrow: the pass whose size is meant"_s, true)
+            + row(u"params[0]: a parameter's slot"_s, true)
+            + colored(kCached, u"drawn again when a parameter changes"_s)
+            + colored(kBlackable, u"left out while a parameter is 0"_s)
+            + colored(kFinal, u"the picture"_s));
+}
+
 QString thumbnailRow(int index, const GraphDotExtras &extras)
 {
     return extras.thumbnails.contains(index) ? row(u"<IMG SRC=\"%1\"/>"_s.arg(thumbnailName(index)))
@@ -67,10 +91,8 @@ QString box(int index, const Pass &pass, const GraphDotExtras &extras)
 {
     const char *color = kPlain;
     const bool isDrawn = index < extras.passes.size();
-    const QString size = isDrawn ? u"%1 × %2"_s.arg(extras.passes.at(index).size.width())
-                                           .arg(extras.passes.at(index).size.height())
-                                 : sizeRule(pass);
-    QString rows = row(u"<B>%1 %2</B>"_s.arg(index).arg(pass.debugName.toHtmlEscaped()))
+    const QString size = isDrawn ? sizeText(extras.passes.at(index).size) : sizeRule(pass);
+    QString rows = row(u"<B>pass %1: %2</B>"_s.arg(index).arg(pass.debugName.toHtmlEscaped()))
             + row(size + u" · "_s + VulkanRenderGraph::formatName(pass.format));
     if (pass.cacheByParameters) {
         color = kCached;
@@ -91,7 +113,7 @@ QString box(int index, const Pass &pass, const GraphDotExtras &extras)
     for (const VulkanRenderGraph::PushConstantParam &param : pass.params) {
         const auto value = extras.values.constFind(param.id);
         rows += row(
-                u"%1 %2%3"_s.arg(param.floatOffset)
+                u"params[%1] %2%3"_s.arg(param.floatOffset)
                         .arg(param.id.toHtmlEscaped(),
                              value == extras.values.cend() ? QString() : u" = "_s + number(*value)),
                 true);
@@ -107,27 +129,38 @@ QByteArray graphDot(const QString &title, const VulkanRenderGraph &graph,
                     const GraphDotExtras &extras)
 {
     QString text = u"digraph \"%1\" {\n"_s.arg(title);
-    text += u"  graph [label=\"%1\" labelloc=t fontname=\"Helvetica\" fontsize=18];\n"
+    text += u"  graph [label=\"%1\" labelloc=t rankdir=LR fontname=\"Helvetica\" fontsize=18];\n"
             "  node [shape=plain fontname=\"Helvetica\" fontsize=11];\n"
             "  edge [fontname=\"Helvetica\" fontsize=10];\n"_s.arg(title);
     text += u"  source [label=<<TABLE BORDER=\"1\" STYLE=\"ROUNDED\" CELLBORDER=\"0\">%1%2</TABLE>>];\n"_s
-                    .arg(row(u"<B>source</B>"_s), thumbnailRow(ResourceRef::SourceImage, extras));
+                    .arg(row(u"<B>source</B>"_s)
+                                 + (extras.sourceSize.isEmpty() ? QString()
+                                                                : row(sizeText(extras.sourceSize))),
+                         thumbnailRow(ResourceRef::SourceImage, extras));
+    text += u"  legend [label=<%1>];\n"_s.arg(legend());
     for (int i = 0; i < graph.passes.size(); ++i)
         text += u"  %1 [label=<%2>];\n"_s.arg(nodeName(i), box(i, graph.passes.at(i), extras));
-    for (int i = 0; i < graph.passes.size(); ++i) {
+    // Arrows that do not count for the layout begin a new row.
+    const qsizetype count = graph.passes.size();
+    const qsizetype rows = (count + kMostInRow - 1) / kMostInRow;
+    const qsizetype inRow = (count + rows - 1) / std::max<qsizetype>(rows, 1);
+    const auto isSameRow = [inRow](int from, int to) {
+        return std::max(from, 0) / inRow == to / inRow;
+    };
+    for (int i = 0; i < count; ++i) {
         const Pass &pass = graph.passes.at(i);
         for (int binding = 0; binding < pass.sampledInputs.size(); ++binding) {
             const int from = pass.sampledInputs.at(binding).passIndex;
             const bool isHistory = from == ResourceRef::Feedback;
-            text += u"  %1 -> %2 [label=\" %3\"%4];\n"_s.arg(
+            text += u"  %1 -> %2 [label=\"binding %3\"%4];\n"_s.arg(
                     nodeName(isHistory ? i : from), nodeName(i), QString::number(binding),
-                    isHistory ? u" style=dashed"_s : QString());
+                    isHistory                    ? u" style=dashed"_s
+                            : isSameRow(from, i) ? QString()
+                                                 : u" constraint=false"_s);
         }
         if (pass.scaleInputPassIndex >= 0)
             text += u"  %1 -> %2 [style=dotted arrowhead=empty constraint=false];\n"_s.arg(
                     nodeName(pass.scaleInputPassIndex), nodeName(i));
-        if (pass.isFinalPass)
-            text += u"  { rank=max; %1 }\n"_s.arg(nodeName(i));
     }
     return (text + u"}\n"_s).toUtf8();
 }

@@ -15,11 +15,13 @@ struct GraphDotExtras
     QHash<QString, float> values; // of parameters, by id
     QList<PassResult> passes; // sizes in pixels, instead of the rules for them
     QMap<int, QByteArray> thumbnails; // PNG files by pass, or by ResourceRef::SourceImage
+    QSize sourceSize = {};
 };
 
 // The graph in Graphviz's DOT language: a box for each pass, an arrow for each sampled image with
 // its binding, dashed if it is the pass's own history, and a dotted arrow from the pass whose size
-// another one refers to. Refers to thumbnails by the file names that graphSvg() gives them.
+// another one refers to, all explained in a legend. Refers to thumbnails by the file names that
+// graphSvg() gives them.
 QByteArray graphDot(const QString &title, const VulkanRenderGraph &graph,
                     const GraphDotExtras &extras = {});
 
