@@ -46,50 +46,38 @@ QJsonObject timesOf(const QList<double> &milliseconds)
 }
 
 // Draws a preset's frames and collects their times.
-class Measurement
+struct Measurement
 {
-public:
-    Measurement(Player player, QString shadersDir)
-        : m_player(std::move(player)),
-          m_shadersDir(std::move(shadersDir))
-    {
-    }
-
-    const Player &player() const
-    {
-        return m_player;
-    }
-
     bool drawFrame(int number, QString &error)
     {
         QElapsedTimer timer;
         timer.start();
-        if (!m_player.drawFrame(number, error))
+        if (!player.drawFrame(number, error))
             return false;
         const double elapsed = double(timer.nsecsElapsed()) / 1e6;
         if (number < kWarmUpFrames)
             return true;
-        m_frame.append(elapsed);
-        const QList<PassResult> results = m_player.renderer()->passes();
-        m_passes.resize(results.size());
+        frameTimes.append(elapsed);
+        const QList<PassResult> results = player.renderer()->passes();
+        passTimes.resize(results.size());
         double sum = 0.0;
         for (qsizetype i = 0; i < results.size(); ++i) {
             const std::optional<double> time = results.at(i).milliseconds;
             if (time)
-                m_passes[i].append(*time);
+                passTimes[i].append(*time);
             sum += time.value_or(0.0);
         }
-        m_device.append(sum);
+        deviceTimes.append(sum);
         return true;
     }
 
     // Shares are of all passes' medians.
     QJsonObject profile() const
     {
-        const QList<PassResult> results = m_player.renderer()->passes();
+        const QList<PassResult> results = player.renderer()->passes();
         QList<QJsonObject> passes;
         double sum = 0.0;
-        for (const QList<double> &times : m_passes) {
+        for (const QList<double> &times : passTimes) {
             passes.append(timesOf(times));
             sum += passes.last()[u"medianMs"_s].toDouble();
         }
@@ -98,7 +86,7 @@ public:
             const PassResult &result = results.at(rows.size());
             const bool isDrawn = result.kind == PassKind::Drawn;
             row[u"index"_s] = rows.size();
-            row[u"component"_s] = m_player.preset().graph.passes.at(rows.size()).debugName;
+            row[u"component"_s] = player.preset().graph.passes.at(rows.size()).debugName;
             row[u"kind"_s] = nameOf(result.kind);
             row[u"width"_s] = result.size.width();
             row[u"height"_s] = result.size.height();
@@ -107,20 +95,19 @@ public:
             row[u"share"_s] = sum > 0.0 ? row[u"medianMs"_s].toDouble() / sum : 0.0;
             rows.append(row);
         }
-        return {{u"preset"_s, m_player.preset().name},
-                {u"shadersDir"_s, m_shadersDir},
+        return {{u"preset"_s, player.preset().name},
+                {u"shadersDir"_s, shadersDir},
                 {u"passes"_s, rows},
-                {u"deviceTime"_s, timesOf(m_device)},
-                {u"frameTime"_s, timesOf(m_frame)},
-                {u"memoryBytes"_s, m_player.renderer()->memoryHeld()}};
+                {u"deviceTime"_s, timesOf(deviceTimes)},
+                {u"frameTime"_s, timesOf(frameTimes)},
+                {u"memoryBytes"_s, player.renderer()->memoryHeld()}};
     }
 
-private:
-    Player m_player;
-    QString m_shadersDir;
-    QList<QList<double>> m_passes;
-    QList<double> m_device;
-    QList<double> m_frame;
+    Player player;
+    QString shadersDir;
+    QList<QList<double>> passTimes = {};
+    QList<double> deviceTimes = {};
+    QList<double> frameTimes = {};
 };
 
 void printTable(const QJsonObject &profile)
@@ -171,7 +158,7 @@ bool profile(const CommandLine &line, QString &error)
         SourcePicture still = player->source();
         still.freeze();
         player->setSource(still);
-        measurements.emplace_back(std::move(*player), shadersDir);
+        measurements.push_back({.player = std::move(*player), .shadersDir = shadersDir});
     }
     const int frames = options.frames.value_or(kFrames);
     for (int frame = 0; frame < frames + kWarmUpFrames; ++frame) {
@@ -181,7 +168,7 @@ bool profile(const CommandLine &line, QString &error)
         }
     }
 
-    const QString device = measurements.front().player().renderer()->device().name;
+    const QString device = measurements.front().player.renderer()->device().name;
     QJsonArray profiles;
     for (const Measurement &measurement : measurements)
         profiles.append(measurement.profile());
