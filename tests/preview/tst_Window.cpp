@@ -1264,6 +1264,9 @@ void TestWindow::sequenceIsTheSource()
         QCOMPARE(waitForImage(window).pixelColor(9, 9), QColor(Qt::blue));
     };
     QVERIFY(runCommand({u"stock"_s, u"--source"_s, u"a-%d.png"_s}, look));
+    // The next program may run in another directory.
+    const QString kept = QSettings(kSettings, kSettings).value("source"_L1).toString();
+    QCOMPARE(kept, QDir::currentPath() + u"/a-%d.png"_s);
     QVERIFY(runCommand({u"stock"_s}, look));
     // The files are watched.
     auto window = std::make_unique<Window>(u"shaders"_s, QString(), u"stock"_s);

@@ -382,7 +382,9 @@ void Window::closeEvent(QCloseEvent *event)
     QSettings settings(kSettings, kSettings);
     settings.setValue("geometry"_L1, saveGeometry());
     settings.setValue("preset"_L1, m_session.preset());
-    settings.setValue("source"_L1, m_session.view().source);
+    const QString source = m_session.view().source;
+    const bool isFile = !testPictureNames().contains(source);
+    settings.setValue("source"_L1, isFile ? QFileInfo(source).absoluteFilePath() : source);
     settings.setValue("zoom"_L1, m_zooms->currentText());
     QMainWindow::closeEvent(event);
 }
