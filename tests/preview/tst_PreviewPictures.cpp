@@ -8,6 +8,7 @@
 #include <QColorSpace>
 #include <QSet>
 
+#include <algorithm>
 #include <csignal>
 #include <limits>
 
@@ -38,6 +39,7 @@ private Q_SLOTS:
     void testPictures_data();
     void testPictures();
     void testPictureNamesAreThese();
+    void storedFramesRepeat();
     void noOtherName();
     void sourceFiles_data();
     void sourceFiles();
@@ -83,11 +85,14 @@ void TestPreviewPictures::textIsDrawnFromTheFace()
 void TestPreviewPictures::testPictureNamesAreThese()
 {
     QCOMPARE(testPictureNames(),
-             QStringList({u"scene-320x240"_s, u"scene-256x224"_s, u"scene-160x144"_s,
-                          u"scene-240x160"_s, u"scene-640x480"_s, u"card-320x240"_s,
-                          u"card-256x224"_s, u"card-160x144"_s, u"card-240x160"_s,
-                          u"card-640x480"_s, u"photo-320x240"_s, u"photo-256x224"_s,
-                          u"photo-160x144"_s, u"photo-240x160"_s, u"photo-640x480"_s}));
+             QStringList({u"scene-320x240"_s,   u"scene-256x224"_s,    u"scene-160x144"_s,
+                          u"scene-240x160"_s,   u"scene-640x480"_s,    u"card-320x240"_s,
+                          u"card-256x224"_s,    u"card-160x144"_s,     u"card-240x160"_s,
+                          u"card-640x480"_s,    u"photo-320x240"_s,    u"photo-256x224"_s,
+                          u"photo-160x144"_s,   u"photo-240x160"_s,    u"photo-640x480"_s,
+                          u"greys-160x144"_s,   u"portrait-320x240"_s, u"portrait-640x480"_s,
+                          u"sprites-160x144"_s, u"sprites-240x160"_s,  u"text-640x480"_s,
+                          u"title-256x224"_s,   u"title-320x240"_s}));
 }
 
 void TestPreviewPictures::testPictures_data()
@@ -95,11 +100,23 @@ void TestPreviewPictures::testPictures_data()
     QTest::addColumn<QSize>("size");
     QTest::addColumn<bool>("moves");
     QTest::addColumn<int>("colors"); // the least number
+    static constexpr struct
+    {
+        QLatin1StringView name;
+        bool moves;
+        int colors;
+    } kKinds[] = {
+            {"scene"_L1, true, 20},   {"card"_L1, false, 20},       {"photo"_L1, false, 2000},
+            {"greys"_L1, true, 4},    {"text"_L1, false, 14},       {"title"_L1, false, 40},
+            {"sprites"_L1, true, 30}, {"portrait"_L1, false, 2000},
+    };
     for (const QString &name : testPictureNames()) {
         const QStringList sides = name.section(u'-', 1).split(u'x');
+        const auto *kind = std::ranges::find_if(
+                kKinds, [&](const auto &of) { return name.startsWith(of.name); });
+        QVERIFY2(kind != std::end(kKinds), qPrintable(name));
         QTest::newRow(qPrintable(name))
-                << QSize(sides.at(0).toInt(), sides.at(1).toInt()) << name.startsWith("scene"_L1)
-                << (name.startsWith("photo"_L1) ? 2000 : 20);
+                << QSize(sides.at(0).toInt(), sides.at(1).toInt()) << kind->moves << kind->colors;
     }
 }
 
@@ -120,10 +137,22 @@ void TestPreviewPictures::testPictures()
     QVERIFY2(found.size() >= colors, QByteArray::number(found.size()).constData());
 }
 
+void TestPreviewPictures::storedFramesRepeat()
+{
+    const QString name = u"sprites-160x144"_s;
+    const QImage first = testPicture(name);
+    QCOMPARE(testPicture(name, 32), first);
+    QVERIFY(testPicture(name, 31) != first);
+    // The row of hearts, which does not move.
+    const QRect still(0, 0, 32, 12);
+    QCOMPARE(testPicture(name, 31).copy(still), first.copy(still));
+}
+
 void TestPreviewPictures::noOtherName()
 {
     QVERIFY(testPicture(u"scene-320x241"_s).isNull());
     QVERIFY(testPicture(QString()).isNull());
+    QVERIFY(testPicture(u"title-320x240.png"_s).isNull());
     const QImage card = testPicture(u"card-320x240"_s);
     QCOMPARE(card.pixel(60, 20), qRgb(255, 255, 0)); // the second bar
     QCOMPARE(card.pixel(160, 0), qRgb(255, 255, 255)); // the frame

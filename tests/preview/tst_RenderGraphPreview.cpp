@@ -199,7 +199,7 @@ void TestRenderGraphPreview::listNamesEverything()
     QVERIFY2(list.out.startsWith("presets:\n  " + declaredPresetNames().join(u"\n  "_s).toUtf8()
                                  + "\ntest pictures:\n  scene-320x240\n"),
              list.out.constData());
-    QVERIFY2(list.out.contains("\n  photo-640x480\ndevices:\n  0 "), list.out.constData());
+    QVERIFY2(list.out.contains("\n  title-320x240\ndevices:\n  0 "), list.out.constData());
     QCOMPARE(list.exitStatus, 0);
 }
 
@@ -231,7 +231,7 @@ void TestRenderGraphPreview::programWithoutDriver()
     QCOMPARE(files(), QStringList());
     // The names are printed before the error.
     const Run list = run({u"list"_s}, environment);
-    QVERIFY(list.out.endsWith("\n  photo-640x480\n"));
+    QVERIFY(list.out.endsWith("\n  title-320x240\n"));
     QCOMPARE(list.err, picture.err);
     QCOMPARE(list.exitStatus, 1);
 }

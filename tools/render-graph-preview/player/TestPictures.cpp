@@ -2,6 +2,7 @@
 
 #include "PixelText.h"
 
+#include <QDir>
 #include <QSize>
 
 #include <algorithm>
@@ -350,6 +351,19 @@ constexpr TestPicture kTestPictures[] = {
         {"photo", [](QSize size, int /*frame*/) { return still(size, photoPixel); }},
 };
 
+constexpr auto kPictures = ":/test-pictures"_L1;
+
+// A file has the frames of a moving picture side by side.
+QImage pictureFromFile(const QString &name, int frame)
+{
+    const QImage frames(kPictures + u'/' + name + u".png"_s);
+    if (frames.isNull())
+        return {};
+    const int width = name.section(u'-', 1).section(u'x', 0, 0).toInt();
+    return frames.copy(frame % (frames.width() / width) * width, 0, width, frames.height())
+            .convertToFormat(QImage::Format_RGB32);
+}
+
 QString nameOf(const TestPicture &picture, QSize size)
 {
     return u"%1-%2x%3"_s.arg(QLatin1StringView(picture.name)).arg(size.width()).arg(size.height());
@@ -364,6 +378,8 @@ QStringList testPictureNames()
         for (const QSize size : kSizes)
             names.append(nameOf(picture, size));
     }
+    for (const QString &file : QDir(kPictures).entryList())
+        names.append(file.chopped(4));
     return names;
 }
 
@@ -375,5 +391,5 @@ QImage testPicture(const QString &name, int frame)
                 return picture.draw(size, frame);
         }
     }
-    return {};
+    return pictureFromFile(name, frame);
 }

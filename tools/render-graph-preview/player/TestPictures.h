@@ -4,10 +4,12 @@
 #include <QString>
 #include <QStringList>
 
-// Source pictures that are drawn by code: a pixel-art scene ("scene"), a test card ("card") and a
-// photo-like scene ("photo"), each in several sizes. "scene-320x240" is a name.
+// Source pictures, each in one or several sizes. "scene-320x240" is a name. Code draws a pixel-art
+// scene ("scene"), a test card ("card") and a photo-like scene ("photo"). The others are PNG files:
+// a game in colours ("sprites") and in four greys ("greys"), a title screen ("title"), a screen of
+// text ("text") and a face ("portrait").
 QStringList testPictureNames();
 
-// A frame of a test picture. The scene is animated, the others are still. Null if no picture has
-// the name.
+// A frame of a test picture. "scene", "sprites" and "greys" are animated, the others are still.
+// Null if no picture has the name.
 QImage testPicture(const QString &name, int frame = 0);
