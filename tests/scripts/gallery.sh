@@ -6,11 +6,12 @@ set -eu
 rm -rf "$WORK_DIR"
 mkdir -p "$WORK_DIR/scripts" "$WORK_DIR/docs" "$WORK_DIR/tests/manifest/golden"
 cd "$WORK_DIR"
-cp "$SOURCE_DIR/scripts/gallery" scripts
+cp "$SOURCE_DIR/scripts/gallery" "$SOURCE_DIR/scripts/gallery.html" scripts
 cp "$SOURCE_DIR/tests/manifest/golden/RenderGraphManifest.h" tests/manifest/golden
 cat >preview <<END
 #!/bin/sh
 [ "\$1" = list ] && { printf 'presets:\n  gba-lcd\ntest pictures:\n  none\n'; exit; }
+[ "\$2" = stock ] && SET= # the source
 exec "$PREVIEW" "\$@" \${SET-}
 END
 chmod +x preview
@@ -35,6 +36,10 @@ gba-lcd.svg' ] || fail "$(ls docs docs/presets)"
 # shellcheck disable=SC2016 # Markdown, not a command
 grep -qFx '| `ghost_rise` | **0.706** | 0.5 | 0.05 to 1 | 0.05 | LCD Response Rise (drive) |' docs/presets.md ||
     fail 'docs/presets.md lacks the row of ghost_rise'
+[ "$(grep -c 'src="data:image/\(png\|jpeg\);base64,[0-9A-Za-z+/]\{1000\}' drawn/presets.html)" = 2 ] ||
+    fail 'the page lacks a picture'
+grep -qFx '<tr><td><code>ghost_rise</code><td><strong>0.706</strong><td>0.5<td>0.05 to 1<td>0.05<td>LCD Response Rise (drive)' \
+    drawn/presets.html || fail 'the page lacks the row of ghost_rise'
 cp -R docs before
 scripts/gallery >log 2>&1 || fail 'the second run failed'
 diff -r before docs >log || fail 'the second run wrote other files'
