@@ -25,6 +25,7 @@ row() {
 
 preview='glslang-dev graphviz libvulkan-dev mesa-vulkan-drivers netpbm'
 row "$preview" preview
+row 'chromium chromium-driver python3' browser
 row 'clang-format clang-tidy git shellcheck' lint
 row "clang dpkg-dev file glslang-dev glslc groff-base libclang-rt-dev libvulkan-dev \
 libvulkan-volk-dev make mesa-vulkan-drivers meson pkgconf spirv-cross vulkan-validationlayers xvfb" test
