@@ -83,6 +83,10 @@ private Q_SLOTS:
     void gamutExpansion();
     void panelMeanBrightness_data();
     void panelMeanBrightness();
+    void cellsAreBoosted_data();
+    void cellsAreBoosted();
+    void stripesOfWhite_data();
+    void stripesOfWhite();
     void spillBlursApertures_data();
     void spillBlursApertures();
     void diffusionFillsTheGaps_data();
@@ -269,6 +273,11 @@ void TestLcdShaders::panelMeanBrightness_data()
     QTest::newRow("smaller than the panel") << QSize(20, 13) << Params() << usual;
     QTest::newRow("undiffused") << QSize(173, 119) << Params({{u"lcd_diffuse"_s, 0.0F}}) << usual;
     QTest::newRow("diffused") << QSize(173, 119) << Params({{u"lcd_diffuse"_s, 1.0F}}) << usual;
+    QTest::newRow("sharp stripes of pure filters") << QSize(192, 128)
+                                                   << Params({{u"lcd_diffuse"_s, 0.0F},
+                                                              {u"lcd_spill"_s, 0.0F},
+                                                              {u"LCD_COLOR_PROFILE"_s, 0.0F}})
+                                                   << usual;
     QTest::newRow("no contrast") << QSize(173, 119) << Params({{u"lcd_grid_contrast"_s, 0.0F}})
                                  << 1.0;
     QTest::newRow("full contrast, undiffused")
@@ -284,8 +293,92 @@ void TestLcdShaders::panelMeanBrightness()
     const FloatImage white = grey({24, 16}, 1.0F);
     const FloatImage shown =
             evaluate(u"gba-subpixel"_s, {{.picture = &white}}, viewport, with(kSubpixel, changes));
-    for (std::size_t c = 0; c < 3; ++c)
+    for (std::size_t c = 0; c < 3; ++c) {
         QVERIFY(isNear(mean(decoded(shown), c), expected, 2e-3));
+        for (const Pixel &pixel : shown.pixels)
+            QVERIFY(isBetween(double(pixel[c]), 0.0, 1.001));
+    }
+}
+
+// Linear light of cells without stripes on a display of four times reference white.
+void TestLcdShaders::cellsAreBoosted_data()
+{
+    QTest::addColumn<Pixel>("cell");
+    QTest::addColumn<Pixel>("expected");
+    QTest::newRow("white") << Pixel{1.0F, 1.0F, 1.0F} << Pixel{1.0F, 1.0F, 1.0F};
+    QTest::newRow("red") << Pixel{1.0F, 0.0F, 0.0F} << Pixel{1.5F, 0.0F, 0.0F};
+}
+
+void TestLcdShaders::cellsAreBoosted()
+{
+    QFETCH(Pixel, cell);
+    QFETCH(Pixel, expected);
+    const FloatImage cells({2, 2}, cell);
+    const FloatImage shown =
+            evaluate(u"gba-subpixel"_s, {{.picture = &cells}}, {8, 8},
+                     {{u"lcd_aperture_x"_s, 0.9F}, {u"lcd_aperture_y"_s, 0.9F}}, display(4.0F));
+    for (std::size_t c = 0; c < 3; ++c)
+        QVERIFY(isNear(lightAt(shown, 3, 3, c), double(expected[c]), 1e-3));
+}
+
+// The light of a white field at any zoom, and how much green's stripes modulate it: half of their
+// range, relative to its middle.
+void TestLcdShaders::stripesOfWhite_data()
+{
+    QTest::addColumn<QString>("presetName");
+    QTest::addColumn<float>("headroom"); // 0: SDR
+    QTest::addColumn<int>("zoom");
+    QTest::addColumn<double>("light");
+    QTest::addColumn<double>("modulation");
+    const auto row = [](const char *preset, float headroom, int zoom, double light,
+                        double modulation) {
+        QTest::addRow("%s x%d, %s", preset, zoom, headroom > 0.0F ? "HDR" : "SDR")
+                << QString::fromLatin1(preset) << headroom << zoom << light << modulation;
+    };
+    for (const float headroom : {0.0F, 4.0F}) {
+        row("gba-lcd", headroom, 2, 0.712, 0.01);
+        row("gba-lcd", headroom, 4, 0.712, 0.14);
+        row("gba-lcd", headroom, 8, 0.712, 0.19);
+        row("gameboy-lcd", headroom, 2, 0.739, 0.01);
+        row("gameboy-lcd", headroom, 4, 0.739, 0.105);
+        row("gameboy-lcd", headroom, 8, 0.739, 0.155);
+    }
+}
+
+void TestLcdShaders::stripesOfWhite()
+{
+    QFETCH(QString, presetName);
+    QFETCH(float, headroom);
+    QFETCH(int, zoom);
+    QFETCH(double, light);
+    QFETCH(double, modulation);
+    const PresetEntry &preset = presetEntry(presetName);
+    PresetDrawing drawing(preset);
+    const FloatImage shown = drawing.draw(grey({8, 8}, 1.0F),
+                                          {.params = initialParams(preset),
+                                           .viewport = QSize(8, 8) * zoom,
+                                           .hdrOutputActive = headroom > 0.0F,
+                                           .hdrHeadroom = std::max(headroom, 1.0F)});
+    const FloatImage whole = headroom > 0.0F ? shown : decoded(shown);
+    const FloatImage middle = painted(
+            QSize(4, 4) * zoom, [&](int x, int y) { return whole.at(x + 2 * zoom, y + 2 * zoom); });
+    QVERIFY(isNear(0.2126 * mean(middle, 0) + 0.7152 * mean(middle, 1) + 0.0722 * mean(middle, 2),
+                   light, 0.004));
+    double least = 1e9;
+    double most = 0.0;
+    for (int x = 0; x < zoom; ++x) {
+        double column = 0.0;
+        for (int y = 0; y < zoom; ++y)
+            column += double(middle.at(x, y)[1]) / zoom;
+        least = std::min(least, column);
+        most = std::max(most, column);
+    }
+    QVERIFY(isBetween((most - least) / (most + least), modulation, 0.25));
+    if (headroom == 0.0F) {
+        for (const Pixel &pixel : middle.pixels)
+            QVERIFY(isBetween(double(*std::max_element(pixel.begin(), pixel.begin() + 3)), 0.0,
+                              1.0));
+    }
 }
 
 // Green's aperture of a pixel that is 120 wide: a fifth of it, its edges ramps of up to a sixth.

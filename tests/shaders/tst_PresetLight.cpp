@@ -41,8 +41,8 @@ constexpr Stated kStated[] = {
     {"crt-bw", {1.00, 0.93, 0.76}, {1.20, 1.12, 0.93}},
     {"crt-consumer", {0.95, 0.90, 0.66}, {1.34, 1.29, 1.09}},
     // The panels: a gamma of 2.8 and dark gaps; a backing that never is black; grey cells on green.
-    {"gba-lcd", {0.60, 0.71, 0.71}, {0.60, 0.72, 0.75}},
-    {"gameboy-lcd", {1.05, 0.87, 0.74}, {1.05, 0.88, 0.77}},
+    {"gba-lcd", {0.60, 0.71, 0.71}, {0.60, 0.71, 0.71}},
+    {"gameboy-lcd", {1.05, 0.87, 0.74}, {1.05, 0.87, 0.74}},
     {"dmg-lcd", {0.83, 0.49, 0.41}, {0.84, 0.51, 0.44}},
     // These leave the light as it is.
     {"no-pixels", {1.00, 1.00, 1.00}, {1.00, 1.00, 1.00}},

@@ -3290,7 +3290,7 @@ inline constexpr PresetParamEntry kPresetParams_gba_lcd[] = {
   { "lcd_spill", "LCD Aperture Spill", 1.0f, 1.0f, 0.0f, 1.0f, 0.0500000007f },
 };
 
-inline constexpr PresetEntry kPreset_gba_lcd = { ":/shaders/gba-lcd.glslp", kPasses_gba_lcd, 4, 1, false, kPresetParams_gba_lcd, 9, true, false };
+inline constexpr PresetEntry kPreset_gba_lcd = { ":/shaders/gba-lcd.glslp", kPasses_gba_lcd, 4, 1, true, kPresetParams_gba_lcd, 9, true, false };
 
 inline constexpr int kSampledInputs_gameboy_lcd_0[] = {-2};
 inline constexpr ParamEntry kParams_gameboy_lcd_0[] = {
@@ -3410,7 +3410,7 @@ inline constexpr PresetParamEntry kPresetParams_gameboy_lcd[] = {
   { "lcd_spill", "LCD Aperture Spill", 0.699999988f, 1.0f, 0.0f, 1.0f, 0.0500000007f },
 };
 
-inline constexpr PresetEntry kPreset_gameboy_lcd = { ":/shaders/gameboy-lcd.glslp", kPasses_gameboy_lcd, 4, 1, false, kPresetParams_gameboy_lcd, 13, true, false };
+inline constexpr PresetEntry kPreset_gameboy_lcd = { ":/shaders/gameboy-lcd.glslp", kPasses_gameboy_lcd, 4, 1, true, kPresetParams_gameboy_lcd, 13, true, false };
 
 inline constexpr int kSampledInputs_dmg_lcd_0[] = {-2};
 inline constexpr ParamEntry kParams_dmg_lcd_0[] = {

@@ -33,3 +33,21 @@ vec3 encodeDisplay(vec3 light)
 {
     return pow(max(light, 0.0), vec3(1.0 / kDisplayGamma));
 }
+
+// Gives saturated colours a part of the display's headroom: multiplies light, 1.0 = reference white,
+// by 1 + 0.5 * (min(headroom, 2) - 1) * saturation * min(peak, 1)^2, with peak its largest and
+// saturation (largest - smallest) / largest channel, but not beyond the headroom. At a headroom of 1
+// nothing changes. Source of the saturation: Smith, SIGGRAPH 1978 (HSV).
+vec3 boostSaturated(vec3 light, float headroom)
+{
+    const float kBoost = 0.5;
+    const float kMaxHeadroomUsed = 2.0;
+    float peak = max(light.r, max(light.g, light.b));
+    float least = min(light.r, min(light.g, light.b));
+    float saturation = (peak - least) / max(peak, 1e-6);
+    float bright = min(peak, 1.0);
+    float gain = 1.0
+        + kBoost * (min(headroom, kMaxHeadroomUsed) - 1.0) * saturation * bright * bright;
+    float limit = max(headroom / max(peak, 1e-6), 1.0);
+    return light * min(gain, limit);
+}
