@@ -24,6 +24,20 @@ float lumaBt601(vec3 signal)
     return dot(signal, kBt601Weights);
 }
 
+// Luma, I and Q of a gamma-encoded colour, and back (SMPTE 170M).
+vec3 toYiq(vec3 signal)
+{
+    return vec3(lumaBt601(signal), dot(signal, vec3(0.5959006, -0.2745567, -0.3213439)),
+                dot(signal, vec3(0.2115366, -0.5227362, 0.3111996)));
+}
+
+vec3 fromYiq(vec3 yiq)
+{
+    return vec3(dot(yiq, vec3(1.0, 0.9559863, 0.6208248)),
+                dot(yiq, vec3(1.0, -0.2720128, -0.6472042)),
+                dot(yiq, vec3(1.0, -1.1067402, 1.7042305)));
+}
+
 vec3 decodeDisplay(vec3 signal)
 {
     return pow(max(signal, 0.0), vec3(kDisplayGamma));
