@@ -664,27 +664,38 @@ void TestLcdShaders::scalerKeepsStraightEdges()
     }
 }
 
-// No dot of it joins another.
+// No dot of it joins another, also beside a slope.
 void TestLcdShaders::scalerKeepsADither_data()
 {
     QTest::addColumn<int>("sixteenthsAbove");
     QTest::addColumn<int>("sixteenthsBelow");
+    QTest::addColumn<int>("slopeAt"); // where it begins in the first row
+    QTest::addColumn<Params>("changes");
+    constexpr int kNowhere = 99;
     for (int sixteenths = 3; sixteenths <= 13; ++sixteenths)
-        QTest::addRow("%d of 16", sixteenths) << sixteenths << sixteenths;
-    QTest::newRow("gradient") << 4 << 10;
+        QTest::addRow("%d of 16", sixteenths) << sixteenths << sixteenths << kNowhere << Params();
+    QTest::newRow("gradient") << 4 << 10 << kNowhere << Params();
+    QTest::newRow("7 of 16, beside a slope") << 7 << 7 << 6 << Params();
+    QTest::newRow("9 of 16, beside a slope") << 9 << 9 << 7 << Params();
+    for (int sixteenths = 1; sixteenths <= 2; ++sixteenths)
+        QTest::addRow("%d of 16, not smoothed", sixteenths)
+                << sixteenths << sixteenths << kNowhere << Params({{u"SFX_SAA"_s, 0.0F}});
 }
 
 void TestLcdShaders::scalerKeepsADither()
 {
     QFETCH(int, sixteenthsAbove);
     QFETCH(int, sixteenthsBelow);
+    QFETCH(int, slopeAt);
+    QFETCH(Params, changes);
     const FloatImage picture = painted({16, 16}, [=](int x, int y) {
         const int sixteenths = sixteenthsAbove + (sixteenthsBelow - sixteenthsAbove) * y / 15;
-        return isBright(sixteenths, x, y) ? 0.6F : 0.3F;
+        return x >= slopeAt + y / 3 ? 1.0F : isBright(sixteenths, x, y) ? 0.6F : 0.3F;
     });
-    const FloatImage larger = tripled(picture);
+    const FloatImage larger = tripled(picture, changes);
     for (int y = 6; y < 42; ++y) {
-        for (int x = 6; x < 42; ++x)
+        // The last pixel before the slope may be cut.
+        for (int x = 6; x < std::min(42, 3 * (slopeAt + y / 9 - 1)); ++x)
             QVERIFY(isNear(encoded(double(larger.at(x, y)[0])), double(picture.at(x / 3, y / 3)[0]),
                            2e-3));
     }
