@@ -48,19 +48,24 @@ vec4 cellResponse(vec4 drive, vec3 last, float rise, float fall, float hdrSpeed)
 }
 
 // Integral of clamp(t, 0, 1) from 0 to t.
-float rampIntegral(float t)
+vec3 rampIntegral(vec3 t)
 {
-    float inside = clamp(t, 0.0, 1.0);
+    vec3 inside = clamp(t, 0.0, 1.0);
     return inside * (t - 0.5 * inside);
 }
 
+float rampIntegral(float t)
+{
+    return rampIntegral(vec3(t)).x;
+}
+
 // The length of first..last within begin..end, whose edges are ramps of width `softness`.
-float softOverlap(float first, float last, float begin, float end, float softness)
+vec3 softOverlap(vec3 first, vec3 last, vec3 begin, vec3 end, float softness)
 {
     float scale = 1.0 / softness;
-    float rise = rampIntegral((last - begin) * scale + 0.5)
+    vec3 rise = rampIntegral((last - begin) * scale + 0.5)
         - rampIntegral((first - begin) * scale + 0.5);
-    float fall = rampIntegral((last - end) * scale + 0.5)
+    vec3 fall = rampIntegral((last - end) * scale + 0.5)
         - rampIntegral((first - end) * scale + 0.5);
     return (rise - fall) * softness;
 }
