@@ -27,11 +27,21 @@ FloatImage faceLight(const FloatImage &light, QSize size, const Params &params)
     return evaluate(u"crt-optics-down"_s, {{.picture = &face}, {.picture = &light}}, size, params);
 }
 
-FloatImage amplified(const FloatImage &light, float megahertz, float microseconds)
+FloatImage amplified(const FloatImage &light, float megahertz, float microseconds,
+                     float gamma = 2.4F)
 {
-    return evaluate(
-            u"crt-horizontal"_s, {{.picture = &light, .linearFilter = true}}, light.size,
-            {{u"signal_bandwidth_mhz"_s, megahertz}, {u"signal_active_us"_s, microseconds}});
+    return evaluate(u"crt-horizontal"_s, {{.picture = &light, .linearFilter = true}}, light.size,
+                    {{u"crt_gamma_out"_s, gamma},
+                     {u"signal_bandwidth_mhz"_s, megahertz},
+                     {u"signal_active_us"_s, microseconds}});
+}
+
+double darkest(const FloatImage &picture)
+{
+    float least = 1.0F;
+    for (const Pixel &pixel : picture.pixels)
+        least = std::min(least, pixel[1]);
+    return double(least);
 }
 
 FloatImage litRow(QSize size, int row)
@@ -115,6 +125,7 @@ private Q_SLOTS:
     void bandwidthIsThreeDecibelsDownAtTheCutoff();
     void blackLineOnWhite_data();
     void blackLineOnWhite();
+    void bandwidthDoesNotJumpAtZero();
     void rowsLieOnLines_data();
     void rowsLieOnLines();
     void halationStartsFromTheFace_data();
@@ -260,23 +271,27 @@ void TestCrtRaster::dotsCrawl()
 void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff_data()
 {
     QTest::addColumn<float>("megahertz");
+    QTest::addColumn<float>("gamma");
     for (const float megahertz : {1.0F, 3.0F, 6.0F, 12.0F})
-        QTest::addRow("%g MHz", double(megahertz)) << megahertz;
+        QTest::addRow("%g MHz", double(megahertz)) << megahertz << 2.4F;
+    QTest::newRow("guns of another gamma") << 3.0F << 2.0F;
 }
 
 // Of the voltage, as an amplifier is measured.
 void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff()
 {
     QFETCH(float, megahertz);
+    QFETCH(float, gamma);
     // A whole number of cycles over the line, at the cutoff.
     const double cycles = double(megahertz) * 50.0;
-    const FloatImage line = painted({4096, 1}, [cycles](int x, int) {
-        return std::pow(0.5 + 0.4 * std::cos(kTwoPi * cycles * (x + 0.5) / 4096.0), 2.4);
+    const FloatImage line = painted({4096, 1}, [=](int x, int) {
+        const double voltage = 0.5 + 0.4 * std::cos(kTwoPi * cycles * (x + 0.5) / 4096.0);
+        return std::pow(voltage, double(gamma));
     });
-    const FloatImage result = amplified(line, megahertz, 50.0F);
+    const FloatImage result = amplified(line, megahertz, 50.0F, gamma);
     QList<double> voltages;
     for (const Pixel &pixel : result.pixels)
-        voltages.append(std::pow(double(pixel[1]), 1.0 / 2.4));
+        voltages.append(std::pow(double(pixel[1]), 1.0 / double(gamma)));
     const double decibels = 20.0 * std::log10(waveIn(voltages, cycles).amplitude / 0.4);
     QVERIFY(isNear(decibels, -3.01, 0.1));
 }
@@ -300,10 +315,25 @@ void TestCrtRaster::blackLineOnWhite()
     const FloatImage light =
             evaluate(u"crt-linearize"_s, {{.picture = &line}}, {4096, 1}, kLinearize);
     const FloatImage result = amplified(light, 3.0F, 53.333332F);
-    float darkest = 1.0F;
-    for (const Pixel &pixel : result.pixels)
-        darkest = std::min(darkest, pixel[1]);
-    QVERIFY(isNear(double(darkest), expected, 5e-4 + 0.05 * expected));
+    QVERIFY(isNear(darkest(result), expected, 5e-4 + 0.05 * expected));
+
+    // The same where the filter knows the picture's pixels.
+    const RenderGraphManifestData::PresetEntry &preset = presetEntry(u"crt-pvm");
+    FrameState state;
+    state.params = with(initialParams(preset),
+                        {{u"signal_bandwidth_mhz"_s, 3.0F},
+                         {u"gun_cutoff"_s, 0.0F},
+                         {u"abl_strength"_s, 0.0F}});
+    const FloatImage drawn = PresetDrawing(preset).draw(line, state, 6);
+    QVERIFY(isNear(darkest(drawn), expected, 5e-4 + 0.05 * expected));
+}
+
+// 0 means no filter, and a little more is hardly a filter.
+void TestCrtRaster::bandwidthDoesNotJumpAtZero()
+{
+    const FloatImage light = noise({64, 1});
+    QVERIFY(areAlike(amplified(light, 0.0F, 50.0F), light, 0.0F));
+    QVERIFY(areAlike(amplified(light, 0.002F, 50.0F), light, 0.004F));
 }
 
 void TestCrtRaster::rowsLieOnLines_data()

@@ -112,7 +112,10 @@ void TestExampleShaderResults::flatFields_data()
     row("wiggled and smeared grey", "rewind", {{u"wiggle"_s, 10.0F}, {u"smear"_s, 1.0F}}, half,
         half);
     row("low-passed", "crt-horizontal",
-        {{u"signal_bandwidth_mhz"_s, 2.0F}, {u"signal_active_us"_s, 53.3F}}, half, half);
+        {{u"crt_gamma_out"_s, 2.4F},
+         {u"signal_bandwidth_mhz"_s, 2.0F},
+         {u"signal_active_us"_s, 53.3F}},
+        half, half);
 }
 
 void TestExampleShaderResults::flatFields()

@@ -211,8 +211,9 @@ inline constexpr PassEntry kPass_crt_pvm_5 = {
 
 inline constexpr int kSampledInputs_crt_pvm_6[] = {5};
 inline constexpr ParamEntry kParams_crt_pvm_6[] = {
-  { "signal_active_us", 0u },
-  { "signal_bandwidth_mhz", 1u },
+  { "crt_gamma_out", 0u },
+  { "signal_active_us", 1u },
+  { "signal_bandwidth_mhz", 2u },
 };
 inline constexpr PassEntry kPass_crt_pvm_6 = {
   ":/shaders/vulkan/spirv/crt-horizontal.frag.spv",
@@ -230,7 +231,7 @@ inline constexpr PassEntry kPass_crt_pvm_6 = {
   1,
   false, false, false,
   kSampledInputs_crt_pvm_6, 1,
-  kParams_crt_pvm_6, 2,
+  kParams_crt_pvm_6, 3,
 };
 
 inline constexpr int kSampledInputs_crt_pvm_7[] = {6, -1};
@@ -723,8 +724,9 @@ inline constexpr PassEntry kPass_crt_bvm_5 = {
 
 inline constexpr int kSampledInputs_crt_bvm_6[] = {5};
 inline constexpr ParamEntry kParams_crt_bvm_6[] = {
-  { "signal_active_us", 0u },
-  { "signal_bandwidth_mhz", 1u },
+  { "crt_gamma_out", 0u },
+  { "signal_active_us", 1u },
+  { "signal_bandwidth_mhz", 2u },
 };
 inline constexpr PassEntry kPass_crt_bvm_6 = {
   ":/shaders/vulkan/spirv/crt-horizontal.frag.spv",
@@ -742,7 +744,7 @@ inline constexpr PassEntry kPass_crt_bvm_6 = {
   1,
   false, false, false,
   kSampledInputs_crt_bvm_6, 1,
-  kParams_crt_bvm_6, 2,
+  kParams_crt_bvm_6, 3,
 };
 
 inline constexpr int kSampledInputs_crt_bvm_7[] = {6, -1};
@@ -1235,8 +1237,9 @@ inline constexpr PassEntry kPass_crt_arcade_5 = {
 
 inline constexpr int kSampledInputs_crt_arcade_6[] = {5};
 inline constexpr ParamEntry kParams_crt_arcade_6[] = {
-  { "signal_active_us", 0u },
-  { "signal_bandwidth_mhz", 1u },
+  { "crt_gamma_out", 0u },
+  { "signal_active_us", 1u },
+  { "signal_bandwidth_mhz", 2u },
 };
 inline constexpr PassEntry kPass_crt_arcade_6 = {
   ":/shaders/vulkan/spirv/crt-horizontal.frag.spv",
@@ -1254,7 +1257,7 @@ inline constexpr PassEntry kPass_crt_arcade_6 = {
   1,
   false, false, false,
   kSampledInputs_crt_arcade_6, 1,
-  kParams_crt_arcade_6, 2,
+  kParams_crt_arcade_6, 3,
 };
 
 inline constexpr int kSampledInputs_crt_arcade_7[] = {6, -1};
@@ -1747,8 +1750,9 @@ inline constexpr PassEntry kPass_crt_pc_5 = {
 
 inline constexpr int kSampledInputs_crt_pc_6[] = {5};
 inline constexpr ParamEntry kParams_crt_pc_6[] = {
-  { "signal_active_us", 0u },
-  { "signal_bandwidth_mhz", 1u },
+  { "crt_gamma_out", 0u },
+  { "signal_active_us", 1u },
+  { "signal_bandwidth_mhz", 2u },
 };
 inline constexpr PassEntry kPass_crt_pc_6 = {
   ":/shaders/vulkan/spirv/crt-horizontal.frag.spv",
@@ -1766,7 +1770,7 @@ inline constexpr PassEntry kPass_crt_pc_6 = {
   1,
   false, false, false,
   kSampledInputs_crt_pc_6, 1,
-  kParams_crt_pc_6, 2,
+  kParams_crt_pc_6, 3,
 };
 
 inline constexpr int kSampledInputs_crt_pc_7[] = {6, -1};
@@ -2259,8 +2263,9 @@ inline constexpr PassEntry kPass_crt_bw_5 = {
 
 inline constexpr int kSampledInputs_crt_bw_6[] = {5};
 inline constexpr ParamEntry kParams_crt_bw_6[] = {
-  { "signal_active_us", 0u },
-  { "signal_bandwidth_mhz", 1u },
+  { "crt_gamma_out", 0u },
+  { "signal_active_us", 1u },
+  { "signal_bandwidth_mhz", 2u },
 };
 inline constexpr PassEntry kPass_crt_bw_6 = {
   ":/shaders/vulkan/spirv/crt-horizontal.frag.spv",
@@ -2278,7 +2283,7 @@ inline constexpr PassEntry kPass_crt_bw_6 = {
   1,
   false, false, false,
   kSampledInputs_crt_bw_6, 1,
-  kParams_crt_bw_6, 2,
+  kParams_crt_bw_6, 3,
 };
 
 inline constexpr int kSampledInputs_crt_bw_7[] = {6, -1};
@@ -2799,8 +2804,9 @@ inline constexpr PassEntry kPass_crt_consumer_6 = {
 
 inline constexpr int kSampledInputs_crt_consumer_7[] = {6};
 inline constexpr ParamEntry kParams_crt_consumer_7[] = {
-  { "signal_active_us", 0u },
-  { "signal_bandwidth_mhz", 1u },
+  { "crt_gamma_out", 0u },
+  { "signal_active_us", 1u },
+  { "signal_bandwidth_mhz", 2u },
 };
 inline constexpr PassEntry kPass_crt_consumer_7 = {
   ":/shaders/vulkan/spirv/crt-horizontal.frag.spv",
@@ -2818,7 +2824,7 @@ inline constexpr PassEntry kPass_crt_consumer_7 = {
   1,
   false, false, false,
   kSampledInputs_crt_consumer_7, 1,
-  kParams_crt_consumer_7, 2,
+  kParams_crt_consumer_7, 3,
 };
 
 inline constexpr int kSampledInputs_crt_consumer_8[] = {7, -1};
