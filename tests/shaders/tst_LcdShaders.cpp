@@ -116,6 +116,7 @@ private Q_SLOTS:
     void scalerComparesByItsThreshold_data();
     void scalerComparesByItsThreshold();
     void resamplerEncodesLight();
+    void resamplerEnlargesByCubics();
     void resamplerAveragesWhenShrinking();
 };
 
@@ -845,6 +846,20 @@ void TestLcdShaders::resamplerEncodesLight()
     const FloatImage shown = evaluate(u"smooth-resample"_s, {{.picture = &light}}, light.size);
     for (std::size_t i = 0; i < light.pixels.size(); ++i)
         QVERIFY(isNear(decoded(double(shown.pixels[i][0])), double(light.pixels[i][0]), 1e-4));
+}
+
+// Cubic convolution meets a parabola exactly, where linear interpolation is up to .004 off.
+void TestLcdShaders::resamplerEnlargesByCubics()
+{
+    const auto parabola = [](double x, double y) { return 0.01 * x * x + 0.005 * y * y; };
+    const FloatImage small = painted({10, 7}, parabola);
+    const FloatImage large = evaluate(u"smooth-resample"_s, {{.picture = &small}}, {30, 21});
+    for (int y = 5; y < 15; ++y) {
+        for (int x = 5; x < 24; ++x) {
+            const double expected = parabola((x + 0.5) / 3.0 - 0.5, (y + 0.5) / 3.0 - 0.5);
+            QVERIFY(isNear(decoded(double(large.at(x, y)[1])), expected, 1e-4));
+        }
+    }
 }
 
 void TestLcdShaders::resamplerAveragesWhenShrinking()
