@@ -14,13 +14,11 @@
 #include <vector>
 
 // Prints what a settled frame of presets costs at 3840x2160, a line for each preset with tabs: its
-// name, the megabytes that the passes read and write, and the billions of instructions that their
-// fragments execute. A table of the passes goes to the standard error. The first argument is a
-// shaders directory, the second one of
-//   sdr        an 8-bit target, which the last pass but the boost draws into
-//   sdr-whole  an 8-bit target and all passes
-//   hdr        a target of half floats and all passes
-// and the others are presets.
+// name, megabytes, and billions of instructions. The megabytes are those that the passes read and
+// write, first with an 8-bit target that the last pass but the boost draws into, then with an 8-bit
+// target and all passes, and with a target of half floats and all passes (HDR). The instructions
+// are those of the fragments, without and with the boost. What each pass costs goes to the standard
+// error. The first argument is a shaders directory, the others are presets.
 //
 // Bytes: each pass's output once, and each image that it takes texels from once. Caches and what
 // the source image and mipmaps take are left out.
@@ -67,6 +65,7 @@ constexpr quint32 kBound = 3; // the header's word
 constexpr quint32 kPrivate = 6; // storage class
 constexpr quint32 kOutput = 3;
 constexpr quint32 kBinding = 33; // decoration
+constexpr int kUnknown = -1; // a binding
 
 Words words(const QByteArray &spirv)
 {
@@ -129,14 +128,16 @@ public:
         QSet<int> sampled;
         forEach([&](quint32 opcode, const quint32 *at) {
             if ((opcode == OpLoad || opcode == OpImage) && images.contains(at[3]))
-                images.insert(at[2], images[at[3]]);
+                images.insert(at[2], images.value(at[3]));
             else if (opcode >= OpImageSampleImplicitLod && opcode <= OpImageFetch)
-                sampled.insert(images.value(at[3], -1));
+                sampled.insert(images.value(at[3], kUnknown));
         });
+        if (sampled.remove(kUnknown)) // in a function that is not inlined
+            sampled = QSet<int>(m_bindings.cbegin(), m_bindings.cend());
         return sampled;
     }
 
-    // The module with the count as its colour. Every function is inlined by now.
+    // The module with the count as its colour.
     QByteArray counting() const
     {
         quint32 next = m_words[kBound];
@@ -233,6 +234,18 @@ double pixels(QSize size)
     return double(size.width()) * double(size.height());
 }
 
+struct Cost
+{
+    void add(double moreBytes, double moreInstructions)
+    {
+        bytes += moreBytes;
+        instructions += moreInstructions;
+    }
+
+    double bytes = 0.0;
+    double instructions = 0.0;
+};
+
 struct Drawing
 {
     QList<PassResult> draw(QSize screen) const
@@ -258,7 +271,6 @@ struct Drawing
 
     OffscreenRenderer &renderer;
     const PresetOnDisk &preset;
-    bool isHdr;
 
 private:
     QList<PassResult> draw(const PresetOnDisk &drawn, QSize screen) const
@@ -267,8 +279,6 @@ private:
         FrameState state;
         state.params = initialValues(drawn.parameters);
         state.viewport = screen;
-        state.hdrOutputActive = isHdr;
-        state.hdrHeadroom = isHdr ? 4.0F : 1.0F;
         if (!renderer.setGraph(drawn.graph, drawn.modules, error)
             || !renderer.drawFrame(state, error))
             qFatal("%s", qPrintable(error));
@@ -280,33 +290,28 @@ private:
 
 int main(int argc, char **argv)
 {
-    const auto argument = [&](int i) { return QString::fromLocal8Bit(argv[i]); };
-    if (argc < 4)
-        qFatal("usage: bench-passes <shaders-dir> sdr|sdr-whole|hdr <preset...>");
-    const bool isHdr = argument(2) == u"hdr";
+    const auto argument = [argv](int i) { return QString::fromLocal8Bit(argv[i]); };
     const std::unique_ptr<OffscreenRenderer> renderer = softwareRenderer();
     const QImage source =
             testPicture(QStringLiteral("scene-320x240")).convertToFormat(QImage::Format_RGBA32FPx4);
     QString error;
-    for (int i = 3; i < argc; ++i) {
+    for (int i = 2; i < argc; ++i) {
         PresetOnDisk preset;
         if (!loadPreset(argument(1), argument(i), preset, error)
             || !renderer->setSource(source, error))
             qFatal("%s", qPrintable(error));
-        const Drawing drawing{*renderer, preset, isHdr};
+        const Drawing drawing{*renderer, preset};
         const QList<PassResult> passes = drawing.draw(kScreen);
-        const qsizetype count = passes.size() - (argument(2) == u"sdr" ? 1 : 0);
-        double bytes = 0.0;
-        double instructions = 0.0;
-        for (qsizetype k = 0; k < count; ++k) {
+        const qsizetype boost = passes.size() - 1;
+        Cost withoutBoost;
+        Cost all;
+        for (qsizetype k = 0; k <= boost; ++k) {
             const VulkanRenderGraph::Pass &pass = preset.graph.passes[k];
             if (pass.cacheByParameters)
                 continue; // drawn once
             const Module module(preset.modules[pass.fragmentSpirvResource]);
-            const double fragments = pixels(passes[k].size);
-            double passBytes =
-                    k == count - 1 ? (isHdr ? 8.0 : 4.0) * fragments : double(passes[k].bytes);
             bool isLarge = passes[k].size == kScreen;
+            double read = 0.0;
             for (const int binding : module.sampledBindings()) {
                 const int input = pass.sampledInputs[binding].passIndex;
                 if (input == VulkanRenderGraph::ResourceRef::SourceImage)
@@ -314,17 +319,24 @@ int main(int argc, char **argv)
                 const qsizetype from =
                         input == VulkanRenderGraph::ResourceRef::Feedback ? k : input;
                 if (!preset.graph.passes[from].cacheByParameters)
-                    passBytes += double(passes[from].bytes);
+                    read += double(passes[from].bytes);
                 isLarge = isLarge || passes[from].size == kScreen;
             }
             const double each = drawing.executed(int(k), module, isLarge ? kScreen : kSmallScreen);
+            const double fragments = pixels(passes[k].size);
+            const double target = 4.0 * fragments;
+            const double written = k == boost ? target : double(passes[k].bytes);
             std::fprintf(stderr, "%-26s %8.1f MB %8.0f instructions %8.3f G\n",
-                         qPrintable(pass.debugName), passBytes * 1e-6, each,
+                         qPrintable(pass.debugName), (read + written) * 1e-6, each,
                          each * fragments * 1e-9);
-            bytes += passBytes;
-            instructions += each * fragments;
+            all.add(read + written, each * fragments);
+            if (k < boost)
+                withoutBoost.add(read + (k == boost - 1 ? target : written), each * fragments);
         }
-        std::printf("%s\t%.0f\t%.2f\n", qPrintable(preset.name), bytes * 1e-6, instructions * 1e-9);
+        std::printf("%s\t%.0f\t%.0f\t%.0f\t%.2f\t%.2f\n", qPrintable(preset.name),
+                    withoutBoost.bytes * 1e-6, all.bytes * 1e-6,
+                    (all.bytes + 4.0 * pixels(kScreen)) * 1e-6, withoutBoost.instructions * 1e-9,
+                    all.instructions * 1e-9);
         std::fflush(stdout);
     }
     return 0;
