@@ -31,7 +31,8 @@ inline const Params kLinearize = {{QStringLiteral("crt_gamma_out"), 2.4F},
                                   {QStringLiteral("color_saturation"), 1.0F}};
 inline const Params kScanline = {{QStringLiteral("beam_min"), 0.1F},
                                  {QStringLiteral("beam_max"), 0.1F},
-                                 {QStringLiteral("rgb_beam"), 1.0F}};
+                                 {QStringLiteral("rgb_beam"), 1.0F},
+                                 {QStringLiteral("crt_white"), 100.0F}};
 
 constexpr float kRounding = 2e-5F; // of 32-bit floats through a power and back
 

@@ -14,10 +14,14 @@ namespace {
 
 constexpr double kTwoPi = 6.283185307179586;
 
+// On a display with headroom for every line.
 FloatImage beam(const FloatImage &light, QSize size, const Params &params, std::uint32_t frame = 0)
 {
     return evaluate(u"crt-scanline"_s, {{.picture = &light, .linearFilter = true}}, size, params,
-                    [frame](FrameState &state) { state.frameCount = frame; });
+                    [frame](FrameState &state) {
+                        display(100.0F)(state);
+                        state.frameCount = frame;
+                    });
 }
 
 // The light that halation starts from, as the tube's face shows it.

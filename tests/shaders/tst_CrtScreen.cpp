@@ -99,9 +99,9 @@ private Q_SLOTS:
     void maskIsItsMeanOverAPixel();
     void maskKeepsTheMean_data();
     void maskKeepsTheMean();
-    void whiteKeepsItsMask_data();
-    void whiteKeepsItsMask();
-    void highlightsBendEachGunAlone();
+    void brightLightKeepsItsMask_data();
+    void brightLightKeepsItsMask();
+    void clippedLightKeepsItsHue();
     void screenHighlights_data();
     void screenHighlights();
     void vignette_data();
@@ -363,8 +363,8 @@ void TestCrtScreen::maskIsItsMeanOverAPixel_data()
     QTest::addColumn<double>("most"); // of the root mean square, in parts of the light
     QTest::newRow("grille, 4.7") << 0.0F << 4.7F << 0.014;
     QTest::newRow("grille, 9.4") << 0.0F << 9.4F << 0.011;
-    QTest::newRow("dots, 4.7") << 1.0F << 4.7F << 0.08;
-    QTest::newRow("dots, 9.4") << 1.0F << 9.4F << 0.04;
+    QTest::newRow("dots, 4.7") << 1.0F << 4.7F << 0.09;
+    QTest::newRow("dots, 9.4") << 1.0F << 9.4F << 0.045;
     QTest::newRow("slots, 4.7") << 2.0F << 4.7F << 0.07;
     QTest::newRow("slots, 9.4") << 2.0F << 9.4F << 0.03;
 }
@@ -419,50 +419,43 @@ void TestCrtScreen::maskKeepsTheMean()
         QVERIFY(isNear(mean(shown, c) / double(light), 1.0, 0.01));
 }
 
-// Light of 1 under masks of several strengths: how bright it is, and how deep the mask.
-void TestCrtScreen::whiteKeepsItsMask_data()
+// Light of 0.6 under masks of several strengths: its mean stays, and the mask is as deep as the
+// peak allows. Repeats of few pixels fade away.
+void TestCrtScreen::brightLightKeepsItsMask_data()
 {
     QTest::addColumn<float>("strength");
     QTest::addColumn<float>("pitch"); // in pixels
     QTest::addColumn<float>("headroom"); // 0: SDR
-    QTest::addColumn<double>("light");
     QTest::addColumn<double>("deepest"); // the darkest pixel's light over the mean
-    QTest::newRow("SDR, none") << 0.0F << 8.0F << 0.0F << 0.908 << 1.0;
-    QTest::newRow("SDR, 0.65") << 0.65F << 8.0F << 0.0F << 0.826 << 0.936;
-    QTest::newRow("SDR, 0.9") << 0.9F << 8.0F << 0.0F << 0.789 << 0.918;
-    QTest::newRow("SDR, 1") << 1.0F << 8.0F << 0.0F << 0.773 << 0.911;
-    QTest::newRow("SDR, 0.9, of few pixels") << 0.9F << 2.3F << 0.0F << 0.789 << 0.8;
-    QTest::newRow("HDR, 0.9") << 0.9F << 8.0F << 8.0F << 1.0 << 0.1;
+    QTest::newRow("SDR, none") << 0.0F << 8.0F << 0.0F << 1.0;
+    QTest::newRow("SDR, 0.1") << 0.1F << 8.0F << 0.0F << 0.9;
+    QTest::newRow("SDR, 0.9") << 0.9F << 8.0F << 0.0F << 0.797;
+    QTest::newRow("SDR, 0.1, of 2.2 pixels") << 0.1F << 2.2F << 0.0F << 0.95;
+    QTest::newRow("SDR, 0.9, of 1.97 pixels") << 0.9F << 1.97F << 0.0F << 1.0;
+    QTest::newRow("HDR, 0.9") << 0.9F << 8.0F << 8.0F << 0.1;
 }
 
-void TestCrtScreen::whiteKeepsItsMask()
+void TestCrtScreen::brightLightKeepsItsMask()
 {
     QFETCH(float, strength);
     QFETCH(float, pitch);
     QFETCH(float, headroom);
-    QFETCH(double, light);
     QFETCH(double, deepest);
     const Params params =
             with(kScreen, {{u"mask_pitch"_s, 10.0F * pitch}, {u"mask_strength"_s, strength}});
-    const FloatImage shown = decoded(screen(grey({800, 96}, 1.0F), params, display(headroom)));
-    QVERIFY(isNear(mean(shown, 1) / light, 1.0, 0.005));
+    const FloatImage shown = decoded(screen(grey({800, 96}, 0.6F), params, display(headroom)));
+    QVERIFY(isNear(mean(shown, 1) / 0.6, 1.0, 0.005));
     const QList<double> greens = row(shown, 48);
     const double darkest = *std::ranges::min_element(greens) / mean(shown, 1);
     QVERIFY(isNear(darkest, deepest, 0.01));
-    const double peak = headroom > 0.0F ? double(headroom) : 1.0;
-    const bool isLimited = strength > 0.0F && headroom == 0.0F;
-    QVERIFY(isBetween(*std::ranges::max_element(greens), isLimited ? 0.96 : 0.0, peak + 1e-3));
+    QVERIFY(isBetween(*std::ranges::max_element(greens), 0.0, headroom > 0.0F ? 8.0 : 1.0 + 1e-3));
 }
 
-// Of a bright skin tone red alone gives way on a display without headroom.
-void TestCrtScreen::highlightsBendEachGunAlone()
+// What is too bright for the display keeps its hue.
+void TestCrtScreen::clippedLightKeepsItsHue()
 {
-    const FloatImage skin = flat({800, 96}, 0.9F, 0.5F, 0.35F);
-    const Params params = with(kScreen, {{u"mask_pitch"_s, 40.0F}, {u"mask_strength"_s, 0.9F}});
-    const FloatImage shown = decoded(screen(skin, params));
-    QVERIFY(isNear(mean(shown, 0), 0.769, 0.005));
-    QVERIFY(isNear(mean(shown, 1), 0.5, 0.005));
-    QVERIFY(isNear(mean(shown, 2), 0.35, 0.005));
+    const FloatImage shown = decoded(screen(flat({40, 30}, 1.5F, 0.75F, 0.3F), kScreen));
+    QVERIFY(areAlike(shown, flat({40, 30}, 1.0F, 0.5F, 0.2F), 1e-4F));
 }
 
 void TestCrtScreen::screenHighlights_data()
@@ -475,9 +468,9 @@ void TestCrtScreen::screenHighlights_data()
     QTest::newRow("SDR ends at white") << Params() << 0.0F << 3.0F << 1.0;
     QTest::newRow("SDR knows no reference white")
             << Params({{u"crt_white"_s, 400.0F}}) << 0.0F << 0.5F << 0.5;
-    QTest::newRow("HDR below the knee") << Params() << 4.0F << 3.0F << 3.0;
-    QTest::newRow("HDR above the knee") << Params() << 4.0F << 4.0F << 4.0 - std::exp(-1.0);
-    QTest::newRow("HDR far above") << Params() << 4.0F << 1000.0F << 4.0;
+    QTest::newRow("SDR just below white") << Params() << 0.0F << 0.99F << 0.99;
+    QTest::newRow("HDR") << Params() << 4.0F << 3.9F << 3.9;
+    QTest::newRow("HDR far above its peak") << Params() << 4.0F << 1000.0F << 4.0;
     QTest::newRow("HDR with a peak of its own")
             << Params({{u"hdr_peak"_s, 2.0F}}) << 4.0F << 1000.0F << 2.0;
     QTest::newRow("HDR with a brighter tube")

@@ -58,6 +58,10 @@ Params requiredValues(const QString &id)
             {u"halation_wide"_s, {{u"halation_strength"_s, 0.5F}}},
             {u"hdr_peak"_s, {{u"crt_white"_s, 400.0F}}},
             {u"rgb_beam"_s, {{u"raster_lines"_s, 60.0F}}},
+            {u"mask_type"_s, {{u"mask_pitch"_s, 24.0F}}},
+            {u"mask_duty"_s, {{u"mask_pitch"_s, 24.0F}}},
+            {u"mask_edge"_s, {{u"mask_pitch"_s, 24.0F}}},
+            {u"mask_strength"_s, {{u"mask_pitch"_s, 24.0F}}},
     };
     return kRequired.value(id);
 }

@@ -268,12 +268,14 @@ inline constexpr ParamEntry kParams_crt_pvm_8[] = {
   { "conv_by", 4u },
   { "conv_rx", 5u },
   { "conv_ry", 6u },
-  { "corner_radius", 7u },
-  { "overscan", 8u },
-  { "raster_interlace", 9u },
-  { "raster_lines", 10u },
-  { "raster_offset", 11u },
-  { "rgb_beam", 12u },
+  { "crt_white", 7u },
+  { "hdr_peak", 8u },
+  { "mask_strength", 9u },
+  { "overscan", 10u },
+  { "raster_interlace", 11u },
+  { "raster_lines", 12u },
+  { "raster_offset", 13u },
+  { "rgb_beam", 14u },
 };
 inline constexpr PassEntry kPass_crt_pvm_8 = {
   ":/shaders/vulkan/spirv/crt-scanline.frag.spv",
@@ -291,7 +293,7 @@ inline constexpr PassEntry kPass_crt_pvm_8 = {
   1,
   false, false, false,
   kSampledInputs_crt_pvm_8, 1,
-  kParams_crt_pvm_8, 13,
+  kParams_crt_pvm_8, 15,
 };
 
 inline constexpr int kSampledInputs_crt_pvm_9[] = {8, -1};
@@ -499,8 +501,9 @@ inline constexpr ParamEntry kParams_crt_pvm_17[] = {
   { "hdr_peak", 6u },
   { "mask_pitch", 7u },
   { "mask_strength", 8u },
-  { "phosphor_gamut", 9u },
-  { "vignette_strength", 10u },
+  { "mask_type", 9u },
+  { "phosphor_gamut", 10u },
+  { "vignette_strength", 11u },
 };
 inline constexpr PassEntry kPass_crt_pvm_17 = {
   ":/shaders/vulkan/spirv/crt-screen.frag.spv",
@@ -518,7 +521,7 @@ inline constexpr PassEntry kPass_crt_pvm_17 = {
   1,
   false, false, false,
   kSampledInputs_crt_pvm_17, 4,
-  kParams_crt_pvm_17, 11,
+  kParams_crt_pvm_17, 12,
 };
 
 inline constexpr int kSampledInputs_crt_pvm_18[] = {17};
@@ -781,12 +784,14 @@ inline constexpr ParamEntry kParams_crt_bvm_8[] = {
   { "conv_by", 4u },
   { "conv_rx", 5u },
   { "conv_ry", 6u },
-  { "corner_radius", 7u },
-  { "overscan", 8u },
-  { "raster_interlace", 9u },
-  { "raster_lines", 10u },
-  { "raster_offset", 11u },
-  { "rgb_beam", 12u },
+  { "crt_white", 7u },
+  { "hdr_peak", 8u },
+  { "mask_strength", 9u },
+  { "overscan", 10u },
+  { "raster_interlace", 11u },
+  { "raster_lines", 12u },
+  { "raster_offset", 13u },
+  { "rgb_beam", 14u },
 };
 inline constexpr PassEntry kPass_crt_bvm_8 = {
   ":/shaders/vulkan/spirv/crt-scanline.frag.spv",
@@ -804,7 +809,7 @@ inline constexpr PassEntry kPass_crt_bvm_8 = {
   1,
   false, false, false,
   kSampledInputs_crt_bvm_8, 1,
-  kParams_crt_bvm_8, 13,
+  kParams_crt_bvm_8, 15,
 };
 
 inline constexpr int kSampledInputs_crt_bvm_9[] = {8, -1};
@@ -1012,8 +1017,9 @@ inline constexpr ParamEntry kParams_crt_bvm_17[] = {
   { "hdr_peak", 6u },
   { "mask_pitch", 7u },
   { "mask_strength", 8u },
-  { "phosphor_gamut", 9u },
-  { "vignette_strength", 10u },
+  { "mask_type", 9u },
+  { "phosphor_gamut", 10u },
+  { "vignette_strength", 11u },
 };
 inline constexpr PassEntry kPass_crt_bvm_17 = {
   ":/shaders/vulkan/spirv/crt-screen.frag.spv",
@@ -1031,7 +1037,7 @@ inline constexpr PassEntry kPass_crt_bvm_17 = {
   1,
   false, false, false,
   kSampledInputs_crt_bvm_17, 4,
-  kParams_crt_bvm_17, 11,
+  kParams_crt_bvm_17, 12,
 };
 
 inline constexpr int kSampledInputs_crt_bvm_18[] = {17};
@@ -1294,12 +1300,14 @@ inline constexpr ParamEntry kParams_crt_arcade_8[] = {
   { "conv_by", 4u },
   { "conv_rx", 5u },
   { "conv_ry", 6u },
-  { "corner_radius", 7u },
-  { "overscan", 8u },
-  { "raster_interlace", 9u },
-  { "raster_lines", 10u },
-  { "raster_offset", 11u },
-  { "rgb_beam", 12u },
+  { "crt_white", 7u },
+  { "hdr_peak", 8u },
+  { "mask_strength", 9u },
+  { "overscan", 10u },
+  { "raster_interlace", 11u },
+  { "raster_lines", 12u },
+  { "raster_offset", 13u },
+  { "rgb_beam", 14u },
 };
 inline constexpr PassEntry kPass_crt_arcade_8 = {
   ":/shaders/vulkan/spirv/crt-scanline.frag.spv",
@@ -1317,7 +1325,7 @@ inline constexpr PassEntry kPass_crt_arcade_8 = {
   1,
   false, false, false,
   kSampledInputs_crt_arcade_8, 1,
-  kParams_crt_arcade_8, 13,
+  kParams_crt_arcade_8, 15,
 };
 
 inline constexpr int kSampledInputs_crt_arcade_9[] = {8, -1};
@@ -1525,8 +1533,9 @@ inline constexpr ParamEntry kParams_crt_arcade_17[] = {
   { "hdr_peak", 6u },
   { "mask_pitch", 7u },
   { "mask_strength", 8u },
-  { "phosphor_gamut", 9u },
-  { "vignette_strength", 10u },
+  { "mask_type", 9u },
+  { "phosphor_gamut", 10u },
+  { "vignette_strength", 11u },
 };
 inline constexpr PassEntry kPass_crt_arcade_17 = {
   ":/shaders/vulkan/spirv/crt-screen.frag.spv",
@@ -1544,7 +1553,7 @@ inline constexpr PassEntry kPass_crt_arcade_17 = {
   1,
   false, false, false,
   kSampledInputs_crt_arcade_17, 4,
-  kParams_crt_arcade_17, 11,
+  kParams_crt_arcade_17, 12,
 };
 
 inline constexpr int kSampledInputs_crt_arcade_18[] = {17};
@@ -1807,12 +1816,14 @@ inline constexpr ParamEntry kParams_crt_pc_8[] = {
   { "conv_by", 4u },
   { "conv_rx", 5u },
   { "conv_ry", 6u },
-  { "corner_radius", 7u },
-  { "overscan", 8u },
-  { "raster_interlace", 9u },
-  { "raster_lines", 10u },
-  { "raster_offset", 11u },
-  { "rgb_beam", 12u },
+  { "crt_white", 7u },
+  { "hdr_peak", 8u },
+  { "mask_strength", 9u },
+  { "overscan", 10u },
+  { "raster_interlace", 11u },
+  { "raster_lines", 12u },
+  { "raster_offset", 13u },
+  { "rgb_beam", 14u },
 };
 inline constexpr PassEntry kPass_crt_pc_8 = {
   ":/shaders/vulkan/spirv/crt-scanline.frag.spv",
@@ -1830,7 +1841,7 @@ inline constexpr PassEntry kPass_crt_pc_8 = {
   1,
   false, false, false,
   kSampledInputs_crt_pc_8, 1,
-  kParams_crt_pc_8, 13,
+  kParams_crt_pc_8, 15,
 };
 
 inline constexpr int kSampledInputs_crt_pc_9[] = {8, -1};
@@ -2038,8 +2049,9 @@ inline constexpr ParamEntry kParams_crt_pc_17[] = {
   { "hdr_peak", 6u },
   { "mask_pitch", 7u },
   { "mask_strength", 8u },
-  { "phosphor_gamut", 9u },
-  { "vignette_strength", 10u },
+  { "mask_type", 9u },
+  { "phosphor_gamut", 10u },
+  { "vignette_strength", 11u },
 };
 inline constexpr PassEntry kPass_crt_pc_17 = {
   ":/shaders/vulkan/spirv/crt-screen.frag.spv",
@@ -2057,7 +2069,7 @@ inline constexpr PassEntry kPass_crt_pc_17 = {
   1,
   false, false, false,
   kSampledInputs_crt_pc_17, 4,
-  kParams_crt_pc_17, 11,
+  kParams_crt_pc_17, 12,
 };
 
 inline constexpr int kSampledInputs_crt_pc_18[] = {17};
@@ -2320,12 +2332,14 @@ inline constexpr ParamEntry kParams_crt_bw_8[] = {
   { "conv_by", 4u },
   { "conv_rx", 5u },
   { "conv_ry", 6u },
-  { "corner_radius", 7u },
-  { "overscan", 8u },
-  { "raster_interlace", 9u },
-  { "raster_lines", 10u },
-  { "raster_offset", 11u },
-  { "rgb_beam", 12u },
+  { "crt_white", 7u },
+  { "hdr_peak", 8u },
+  { "mask_strength", 9u },
+  { "overscan", 10u },
+  { "raster_interlace", 11u },
+  { "raster_lines", 12u },
+  { "raster_offset", 13u },
+  { "rgb_beam", 14u },
 };
 inline constexpr PassEntry kPass_crt_bw_8 = {
   ":/shaders/vulkan/spirv/crt-scanline.frag.spv",
@@ -2343,7 +2357,7 @@ inline constexpr PassEntry kPass_crt_bw_8 = {
   1,
   false, false, false,
   kSampledInputs_crt_bw_8, 1,
-  kParams_crt_bw_8, 13,
+  kParams_crt_bw_8, 15,
 };
 
 inline constexpr int kSampledInputs_crt_bw_9[] = {8, -1};
@@ -2551,8 +2565,9 @@ inline constexpr ParamEntry kParams_crt_bw_17[] = {
   { "hdr_peak", 6u },
   { "mask_pitch", 7u },
   { "mask_strength", 8u },
-  { "phosphor_gamut", 9u },
-  { "vignette_strength", 10u },
+  { "mask_type", 9u },
+  { "phosphor_gamut", 10u },
+  { "vignette_strength", 11u },
 };
 inline constexpr PassEntry kPass_crt_bw_17 = {
   ":/shaders/vulkan/spirv/crt-screen.frag.spv",
@@ -2570,7 +2585,7 @@ inline constexpr PassEntry kPass_crt_bw_17 = {
   1,
   false, false, false,
   kSampledInputs_crt_bw_17, 4,
-  kParams_crt_bw_17, 11,
+  kParams_crt_bw_17, 12,
 };
 
 inline constexpr int kSampledInputs_crt_bw_18[] = {17};
@@ -2861,12 +2876,14 @@ inline constexpr ParamEntry kParams_crt_consumer_9[] = {
   { "conv_by", 4u },
   { "conv_rx", 5u },
   { "conv_ry", 6u },
-  { "corner_radius", 7u },
-  { "overscan", 8u },
-  { "raster_interlace", 9u },
-  { "raster_lines", 10u },
-  { "raster_offset", 11u },
-  { "rgb_beam", 12u },
+  { "crt_white", 7u },
+  { "hdr_peak", 8u },
+  { "mask_strength", 9u },
+  { "overscan", 10u },
+  { "raster_interlace", 11u },
+  { "raster_lines", 12u },
+  { "raster_offset", 13u },
+  { "rgb_beam", 14u },
 };
 inline constexpr PassEntry kPass_crt_consumer_9 = {
   ":/shaders/vulkan/spirv/crt-scanline.frag.spv",
@@ -2884,7 +2901,7 @@ inline constexpr PassEntry kPass_crt_consumer_9 = {
   1,
   false, false, false,
   kSampledInputs_crt_consumer_9, 1,
-  kParams_crt_consumer_9, 13,
+  kParams_crt_consumer_9, 15,
 };
 
 inline constexpr int kSampledInputs_crt_consumer_10[] = {9, -1};
@@ -3092,8 +3109,9 @@ inline constexpr ParamEntry kParams_crt_consumer_18[] = {
   { "hdr_peak", 6u },
   { "mask_pitch", 7u },
   { "mask_strength", 8u },
-  { "phosphor_gamut", 9u },
-  { "vignette_strength", 10u },
+  { "mask_type", 9u },
+  { "phosphor_gamut", 10u },
+  { "vignette_strength", 11u },
 };
 inline constexpr PassEntry kPass_crt_consumer_18 = {
   ":/shaders/vulkan/spirv/crt-screen.frag.spv",
@@ -3111,7 +3129,7 @@ inline constexpr PassEntry kPass_crt_consumer_18 = {
   1,
   false, false, false,
   kSampledInputs_crt_consumer_18, 4,
-  kParams_crt_consumer_18, 11,
+  kParams_crt_consumer_18, 12,
 };
 
 inline constexpr int kSampledInputs_crt_consumer_19[] = {18};

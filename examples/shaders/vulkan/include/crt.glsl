@@ -22,23 +22,51 @@ vec3 normalCdf(vec3 x)
     return 1.0 / (1.0 + exp(-z * (1.5976 + 0.07056 * z * z)));
 }
 
+float minComponent(vec3 v)
+{
+    return min(v.r, min(v.g, v.b));
+}
+
+float maxComponent(vec3 v)
+{
+    return max(v.r, max(v.g, v.b));
+}
+
+// The most that the display can show, in parts of the tube's white. An hdrPeak of 0 is the
+// display's own.
+float shownPeak(float hdrPeak, float crtWhite)
+{
+    if (pc.hdrOutputActive == 0u)
+        return 1.0;
+    return (hdrPeak > 0.0 ? hdrPeak : max(pc.hdrHeadroom, 1.0)) * 100.0 / max(crtWhite, 1.0);
+}
+
 // The integral of a Gaussian filter of finite reach, from its middle to x, where x is in units of
 // the reach: -1/2 at -1, 1/2 at 1. A polynomial approximation of the normal distribution function,
 // at most 0.002 off, with slope 0 at both ends.
 const float kReach = 2.9; // in sigmas
 
+const vec4 kGaussianTerms = vec4(1.145458, -1.418756, 1.151138, -0.37784);
+
 float gaussianIntegral(float x)
 {
+    const vec4 k = kGaussianTerms;
     float z = clamp(x, -1.0, 1.0);
     float square = z * z;
-    return z * (1.145458 + square * (-1.418756 + square * (1.151138 - 0.37784 * square)));
+    return z * (k.x + square * (k.y + square * (k.z + square * k.w)));
+}
+
+vec3 filterIntegral(vec3 x, vec3 a, vec3 b, vec3 c, vec3 d)
+{
+    vec3 z = clamp(x, -1.0, 1.0);
+    vec3 square = z * z;
+    return z * (a + square * (b + square * (c + square * d)));
 }
 
 vec3 gaussianIntegral(vec3 x)
 {
-    vec3 z = clamp(x, -1.0, 1.0);
-    vec3 square = z * z;
-    return z * (1.145458 + square * (-1.418756 + square * (1.151138 - 0.37784 * square)));
+    const vec4 k = kGaussianTerms;
+    return filterIntegral(x, vec3(k.x), vec3(k.y), vec3(k.z), vec3(k.w));
 }
 
 // The mean over one cell of a grid that covers the image. A texel on the edge between cells counts
