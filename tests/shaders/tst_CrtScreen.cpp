@@ -87,6 +87,8 @@ private Q_SLOTS:
     void limiterTakesItsTime();
     void persistence_data();
     void persistence();
+    void faintTailsEnd_data();
+    void faintTailsEnd();
     void driveBalancesTheGuns_data();
     void driveBalancesTheGuns();
     void haloIsRound_data();
@@ -170,8 +172,14 @@ void TestCrtScreen::limiterTakesItsTime_data()
     QTest::newRow("up") << 0.5F << 1.0F << 1.0F / 60.0F << 0.532247F;
     QTest::newRow("settled") << 0.75F << 0.75F << 1.0F / 60.0F << 0.75F;
     QTest::newRow("the last bit") << 0.75F + 1.0F / 4096.0F << 0.75F << 1.0F / 60.0F << 0.75F;
-    QTest::newRow("nearly the last bit")
-            << 0.75F + 1.0F / 1024.0F << 0.75F << 1.0F / 60.0F << 0.75F + 1.0F / 2048.0F;
+    QTest::newRow("the last steps, 60 Hz")
+            << 0.75F + 1.0F / 256.0F << 0.75F << 1.0F / 60.0F << 0.75F + 1.0F / 512.0F;
+    QTest::newRow("the last steps, 24 Hz")
+            << 0.75F + 1.0F / 64.0F << 0.75F << 1.0F / 24.0F << 0.760742F;
+    QTest::newRow("the last steps, 240 Hz")
+            << 0.75F + 1.0F / 1024.0F << 0.75F << 1.0F / 240.0F << 0.75F + 1.0F / 2048.0F;
+    QTest::newRow("the last steps, 480 Hz")
+            << 0.75F + 1.0F / 1024.0F << 0.75F << 1.0F / 480.0F << 0.75F + 1.0F / 2048.0F;
 }
 
 void TestCrtScreen::limiterTakesItsTime()
@@ -213,6 +221,28 @@ void TestCrtScreen::persistence()
     // New light is not added to the tail.
     const FloatImage held = lit(grey({2, 2}, 2.0F), last, seconds, retention);
     QCOMPARE(held.at(0, 0)[0], 2.0F);
+}
+
+// Of faint light that is retained as long as possible, some goes in any time; up to 240 Hz in
+// proportion to it.
+void TestCrtScreen::faintTailsEnd_data()
+{
+    QTest::addColumn<float>("seconds");
+    QTest::addColumn<float>("expected"); // of 2^-18, in millionths
+    QTest::newRow("30 Hz") << 1.0F / 30.0F << 3.32262F;
+    QTest::newRow("60 Hz") << 1.0F / 60.0F << 3.56865F;
+    QTest::newRow("120 Hz") << 1.0F / 120.0F << 3.69167F;
+    QTest::newRow("240 Hz") << 1.0F / 240.0F << 3.75318F;
+    QTest::newRow("480 Hz") << 1.0F / 480.0F << 3.75319F;
+}
+
+void TestCrtScreen::faintTailsEnd()
+{
+    QFETCH(float, seconds);
+    QFETCH(float, expected);
+    const FloatImage last = grey({2, 2}, 1.0F / 262144.0F);
+    const FloatImage tail = lit(grey({2, 2}, 0.0F), last, seconds, 1.0F);
+    QVERIFY(isNear(1e6 * double(tail.at(0, 0)[0]), double(expected), 5e-5));
 }
 
 // White keeps its luminance, the limiter's gain is handed on in alpha.
