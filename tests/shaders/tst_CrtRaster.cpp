@@ -125,6 +125,8 @@ private Q_SLOTS:
     void zonePlateTurnsColourfulAtTheCarrier();
     void dotsCrawl_data();
     void dotsCrawl();
+    void dotsCrawlOnAnyDisplay_data();
+    void dotsCrawlOnAnyDisplay();
     void bandwidthIsThreeDecibelsDownAtTheCutoff_data();
     void bandwidthIsThreeDecibelsDownAtTheCutoff();
     void blackLineOnWhite_data();
@@ -270,6 +272,40 @@ void TestCrtRaster::dotsCrawl()
     QVERIFY(isNear(apart(first.phase, red - cycles), 0.0, 0.005));
     const Wave second = analysed(result, 1, 0, kCarrierCycles);
     QVERIFY(isNear(apart(second.phase, first.phase + 0.5), 0.0, 0.005));
+}
+
+// A display whose frames are up to 10 % early or late. It drops one in twenty and pauses once for a
+// second. The application counts the emulated frames in the time that has passed.
+void TestCrtRaster::dotsCrawlOnAnyDisplay_data()
+{
+    QTest::addColumn<double>("rate");
+    for (const double rate : {24.0, 55.0, 60.0, 75.0, 165.0, 240.0})
+        QTest::addRow("%g Hz", rate) << rate;
+}
+
+void TestCrtRaster::dotsCrawlOnAnyDisplay()
+{
+    QFETCH(double, rate);
+    const FloatImage field = flat({256, 4}, 1.0F, 0.0F, 0.0F);
+    double time = 0.0;
+    double start = 0.0;
+    for (int shown = 0; shown < 24; ++shown) {
+        const double jitter = 0.1 * (shown % 3 - 1);
+        const double frames = shown % 20 == 19 ? 2.0 : 1.0 + jitter;
+        const double seconds = shown == 20 ? 1.0 : frames / rate;
+        time += seconds;
+        const FloatImage result =
+                composite(field, {{u"composite_sharp"_s, 1.0F}}, [&](FrameState &state) {
+                    state.frameSeconds = float(seconds);
+                    state.frameCount = quint32(60.0 * time);
+                });
+        // 0.75 of a cycle for each field of 1/60 s.
+        const double phase =
+                analysed(result, 0, 0, kCarrierCycles).phase + 0.75 * std::floor(60.0 * time);
+        if (shown == 0)
+            start = phase;
+        QVERIFY(isNear(apart(phase, start), 0.0, 0.005));
+    }
 }
 
 void TestCrtRaster::bandwidthIsThreeDecibelsDownAtTheCutoff_data()
