@@ -184,10 +184,10 @@ void TestPresetOnDisk::errors_data()
         "shaders/vulkan/include/component.glsl:1: '#include' : Could not process include directive "
         "for header name: component.glsl\n"
         "shaders/vulkan/components/stock.frag:11: 'fragColor' : undeclared identifier\n"
-        "shaders/vulkan/components/hdr-color-boost.slang:32: 'texCoord' : undeclared identifier\n"
-        "shaders/vulkan/components/hdr-color-boost.slang:32: 'texture' : no matching overloaded "
+        "shaders/vulkan/components/hdr-color-boost.slang:15: 'texCoord' : undeclared identifier\n"
+        "shaders/vulkan/components/hdr-color-boost.slang:15: 'texture' : no matching overloaded "
         "function found\n"
-        "shaders/vulkan/components/hdr-color-boost.slang:32: '=' : cannot convert from ' const "
+        "shaders/vulkan/components/hdr-color-boost.slang:15: '=' : cannot convert from ' const "
         "float' to ' temp highp 4-component vector of float'");
 
     row("sampler without an input", "vulkan/components/stock.frag",

@@ -576,55 +576,25 @@ void TestWindow::parametersAreGrouped_data()
                             u"ghost_fall"_s, u"ghost_hdr_speed"_s, u"gba-subpixel"_s,
                             u"lcd_aperture_x"_s, u"lcd_aperture_y"_s, u"lcd_diffuse"_s,
                             u"lcd_grid_contrast"_s, u"lcd_spill"_s});
-    QTest::newRow("declared in another order") << u"crt-arcade"_s
-                                               << QStringList({u"crt-linearize"_s,
-                                                               u"crt_gamma_out"_s,
-                                                               u"gun_cutoff"_s,
-                                                               u"color_saturation"_s,
-                                                               u"desaturate"_s,
-                                                               u"crt-abl"_s,
-                                                               u"abl_strength"_s,
-                                                               u"abl_current_limit"_s,
-                                                               u"crt-drive"_s,
-                                                               u"color_temperature"_s,
-                                                               u"mono_warmth"_s,
-                                                               u"crt-horizontal"_s,
-                                                               u"signal_bandwidth_mhz"_s,
-                                                               u"signal_active_us"_s,
-                                                               u"crt-persistence"_s,
-                                                               u"persist_r"_s,
-                                                               u"persist_g"_s,
-                                                               u"persist_b"_s,
-                                                               u"crt-scanline"_s,
-                                                               u"beam_min"_s,
-                                                               u"beam_max"_s,
-                                                               u"rgb_beam"_s,
-                                                               u"raster_lines"_s,
-                                                               u"raster_offset"_s,
-                                                               u"raster_interlace"_s,
-                                                               u"conv_rx"_s,
-                                                               u"conv_ry"_s,
-                                                               u"conv_bx"_s,
-                                                               u"conv_by"_s,
-                                                               u"barrel_distortion"_s,
-                                                               u"corner_radius"_s,
-                                                               u"overscan"_s,
-                                                               u"crt-halation-blur-h"_s,
-                                                               u"halation_sigma"_s,
-                                                               u"crt-phosphor-tile"_s,
-                                                               u"mask_type"_s,
-                                                               u"mask_duty"_s,
-                                                               u"mask_edge"_s,
-                                                               u"crt-screen"_s,
-                                                               u"phosphor_gamut"_s,
-                                                               u"halation_strength"_s,
-                                                               u"halation_wide"_s,
-                                                               u"black_floor"_s,
-                                                               u"crt_white"_s,
-                                                               u"vignette_strength"_s,
-                                                               u"mask_pitch"_s,
-                                                               u"mask_strength"_s,
-                                                               u"hdr_peak"_s});
+    QTest::newRow("declared in another order")
+            << u"crt-arcade"_s
+            << QStringLiteral(
+                       "crt-linearize crt_gamma_out gun_cutoff color_saturation desaturate "
+                       "crt-abl abl_strength abl_current_limit "
+                       "crt-drive color_temperature mono_warmth "
+                       "crt-horizontal signal_bandwidth_mhz signal_active_us "
+                       "crt-persistence persist_r persist_g persist_b "
+                       "crt-scanline crt_white beam_min beam_max rgb_beam raster_lines "
+                       "raster_offset "
+                       "raster_interlace conv_rx conv_ry conv_bx conv_by barrel_distortion "
+                       "overscan "
+                       "mask_strength hdr_peak "
+                       "crt-optics-down corner_radius "
+                       "crt-halation-blur-h halation_sigma "
+                       "crt-phosphor-tile mask_type mask_duty mask_edge "
+                       "crt-screen phosphor_gamut halation_strength halation_wide black_floor "
+                       "vignette_strength mask_pitch")
+                       .split(u' ');
 }
 
 // The components are in the order of the passes, each with the parameters that it is the first to
