@@ -85,14 +85,12 @@ void TestPreviewPictures::textIsDrawnFromTheFace()
 void TestPreviewPictures::testPictureNamesAreThese()
 {
     QCOMPARE(testPictureNames(),
-             QStringList({u"scene-320x240"_s,   u"scene-256x224"_s,    u"scene-160x144"_s,
-                          u"scene-240x160"_s,   u"scene-640x480"_s,    u"card-320x240"_s,
-                          u"card-256x224"_s,    u"card-160x144"_s,     u"card-240x160"_s,
-                          u"card-640x480"_s,    u"photo-320x240"_s,    u"photo-256x224"_s,
-                          u"photo-160x144"_s,   u"photo-240x160"_s,    u"photo-640x480"_s,
-                          u"greys-160x144"_s,   u"portrait-320x240"_s, u"portrait-640x480"_s,
-                          u"sprites-160x144"_s, u"sprites-240x160"_s,  u"text-640x480"_s,
-                          u"title-256x224"_s,   u"title-320x240"_s}));
+             QStringList({u"scene-320x240"_s, u"scene-256x224"_s, u"scene-160x144"_s,
+                          u"scene-240x160"_s, u"scene-640x480"_s, u"card-160x144"_s,
+                          u"card-240x160"_s, u"card-256x224"_s, u"card-320x240"_s,
+                          u"card-640x480"_s, u"greys-160x144"_s, u"portrait-320x240"_s,
+                          u"portrait-640x480"_s, u"sprites-160x144"_s, u"sprites-240x160"_s,
+                          u"text-640x480"_s, u"title-256x224"_s, u"title-320x240"_s}));
 }
 
 void TestPreviewPictures::testPictures_data()
@@ -106,9 +104,9 @@ void TestPreviewPictures::testPictures_data()
         bool moves;
         int colors;
     } kKinds[] = {
-            {"scene"_L1, true, 20},   {"card"_L1, false, 20},       {"photo"_L1, false, 2000},
-            {"greys"_L1, true, 4},    {"text"_L1, false, 14},       {"title"_L1, false, 40},
-            {"sprites"_L1, true, 30}, {"portrait"_L1, false, 2000},
+            {"scene"_L1, true, 20},       {"card"_L1, false, 20},  {"greys"_L1, true, 4},
+            {"text"_L1, false, 14},       {"title"_L1, false, 40}, {"sprites"_L1, true, 30},
+            {"portrait"_L1, false, 2000},
     };
     for (const QString &name : testPictureNames()) {
         const QStringList sides = name.section(u'-', 1).split(u'x');
@@ -281,7 +279,7 @@ void TestPreviewPictures::unreadableSources()
     QVERIFY(QImage(1, 1, QImage::Format_RGB32).save(u"s0.png"_s));
     for (const QString &name : {u"huge.png"_s, u"p%2%3%4.png"_s})
         QVERIFY(QImage(4097, 1, QImage::Format_RGB32).save(name));
-    QVERIFY(testPicture(u"photo-160x144"_s).save(u"cut.png"_s));
+    QVERIFY(testPicture(u"card-160x144"_s).save(u"cut.png"_s));
     QVERIFY(QFile::resize(u"cut.png"_s, 60));
     QString error;
     SourcePicture source;

@@ -6,9 +6,7 @@
 #include <QSize>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <numbers>
 
 using namespace Qt::StringLiterals;
 
@@ -166,191 +164,6 @@ QImage scene(QSize size, int frame)
     return image;
 }
 
-// The test card, from the top: colour bars, a grey ramp, grey steps, a frequency sweep, stripes,
-// and a grid with a circle and diagonals. A white frame surrounds it.
-
-QRgb grey(double level)
-{
-    const int value = int(std::lround(255.0 * std::clamp(level, 0.0, 1.0)));
-    return qRgb(value, value, value);
-}
-
-QRgb cardPixel(int x, int y, QSize size)
-{
-    const int width = size.width();
-    const int height = size.height();
-    if (x == 0 || y == 0 || x == width - 1 || y == height - 1)
-        return grey(1.0);
-    const int row = 16 * y / height;
-    if (row < 3) {
-        static constexpr QRgb kBars[] = {qRgb(255, 255, 255), qRgb(255, 255, 0), qRgb(0, 255, 255),
-                                         qRgb(0, 255, 0),     qRgb(255, 0, 255), qRgb(255, 0, 0),
-                                         qRgb(0, 0, 255),     qRgb(0, 0, 0)};
-        return kBars[8 * x / width];
-    }
-    if (row < 4)
-        return grey(double(x) / (width - 1));
-    if (row < 5) {
-        const int step = 16 * x / width;
-        return grey(step / 15.0);
-    }
-    if (row < 7) {
-        // A frequency sweep up to one period per two pixels.
-        const double phase = 4.0 * x / width + (0.5 * width - 4.0) * x * x / (2.0 * width * width);
-        return grey(0.5 + 0.5 * std::cos(2.0 * std::numbers::pi * phase));
-    }
-    if (row < 9) {
-        // Stripes of 1, 2, 3 and 4 pixels: vertical, horizontal, checked, diagonal.
-        const int field = 16 * x / width;
-        const int pitch = field % 4 + 1;
-        const int patterns[] = {x / pitch, y / pitch, x / pitch + y / pitch, (x + y) / pitch};
-        return grey(patterns[field / 4] % 2);
-    }
-
-    const double fromCentreX = x - 0.5 * (width - 1);
-    const double fromCentreY = y - (12.5 / 16.0) * height;
-    const double radius = 2.9 / 16.0 * height;
-    const double distance = std::hypot(fromCentreX, fromCentreY);
-    if (std::abs(distance - radius) < 1.0)
-        return grey(1.0);
-    if (std::abs(std::abs(fromCentreX) - 2.0 * std::abs(fromCentreY)) < 0.8)
-        return qRgb(255, 160, 0);
-    if (distance < radius / 3.0) {
-        const double wedge = 12.0 * (std::atan2(fromCentreY, fromCentreX) / std::numbers::pi + 1.0);
-        return grey(int(wedge) % 2);
-    }
-    const int cell = std::max(height / 16, 8);
-    if (x % cell == 0 || y % cell == 0)
-        return grey(0.75);
-    return qRgb(48, 64, 96);
-}
-
-// The photo-like scene: spheres on a plain under a hazy sky, antialiased.
-
-// A pseudo-random number from 0 to 1.
-double hashNoise(int x, int y)
-{
-    quint32 hash = quint32(x) * 0x9e3779b1U ^ quint32(y) * 0x85ebca77U;
-    hash = (hash ^ hash >> 15) * 0x2c1b3c6dU;
-    hash = (hash ^ hash >> 12) * 0x297a2d39U;
-    return double(hash ^ hash >> 15) / 4294967295.0;
-}
-
-double smoothNoise(double x, double y)
-{
-    const int left = int(std::floor(x));
-    const int top = int(std::floor(y));
-    const auto eased = [](double t) { return t * t * (3.0 - 2.0 * t); };
-    const double u = eased(x - left);
-    const double v = eased(y - top);
-    return std::lerp(std::lerp(hashNoise(left, top), hashNoise(left + 1, top), u),
-                     std::lerp(hashNoise(left, top + 1), hashNoise(left + 1, top + 1), u), v);
-}
-
-double cloudiness(double x, double y)
-{
-    double sum = 0.0;
-    for (int octave = 0; octave < 5; ++octave)
-        sum += smoothNoise(x * (1 << octave), y * (1 << octave)) / (2 << octave);
-    return sum;
-}
-
-using Light = std::array<double, 3>;
-
-Light mixed(const Light &a, const Light &b, double share)
-{
-    const double t = std::clamp(share, 0.0, 1.0);
-    return {std::lerp(a[0], b[0], t), std::lerp(a[1], b[1], t), std::lerp(a[2], b[2], t)};
-}
-
-struct Sphere
-{
-    double x; // in heights of the picture, from the middle
-    double y; // in heights, from the top
-    double radius;
-    Light color;
-};
-
-constexpr Sphere kSpheres[] = {
-        {-0.32, 0.56, 0.17, {0.80, 0.22, 0.10}},
-        {0.26, 0.62, 0.23, {0.75, 0.56, 0.42}},
-        {-0.02, 0.75, 0.11, {0.10, 0.32, 0.62}},
-};
-
-Light photoLight(double x, double y)
-{
-    constexpr double kHorizon = 0.46;
-    const Light haze = {0.82, 0.72, 0.60};
-    Light light;
-    if (y < kHorizon) {
-        light = mixed({0.12, 0.28, 0.62}, haze, y / kHorizon);
-        light = mixed(light, {0.95, 0.92, 0.88}, 2.2 * (cloudiness(3.0 * x + 9.0, 7.0 * y) - 0.42));
-        const double ridge = kHorizon - 0.16 * cloudiness(2.5 * x + 40.0, 3.0) + 0.02;
-        light = mixed(light, {0.16, 0.20, 0.22}, (y - ridge) * 300.0);
-    } else {
-        const double depth = 0.12 / (y - kHorizon + 0.02);
-        const double grain = cloudiness(60.0 * x * depth / 4.0 + 7.0, 40.0 * depth);
-        light = mixed({0.10, 0.16, 0.05}, {0.40, 0.36, 0.18}, grain);
-        light = mixed(light, haze, depth / 6.0 - 0.1);
-    }
-    for (const Sphere &sphere : kSpheres) {
-        const double groundY = sphere.y + 0.92 * sphere.radius;
-        const double shadow =
-                std::hypot((x - sphere.x - 0.6 * sphere.radius) / 1.5, (y - groundY) * 3.2)
-                / sphere.radius;
-        if (y > kHorizon)
-            light = mixed({0.02, 0.03, 0.03}, light, 0.25 + shadow * shadow * 0.6);
-    }
-    for (const Sphere &sphere : kSpheres) {
-        const double nx = (x - sphere.x) / sphere.radius;
-        const double ny = (y - sphere.y) / sphere.radius;
-        const double squared = nx * nx + ny * ny;
-        const double nz = std::sqrt(std::max(0.0, 1.0 - squared));
-        const double lit = std::max(0.0, -0.55 * nx - 0.62 * ny + 0.56 * nz);
-        const double gloss = std::pow(lit, 40.0);
-        Light surface;
-        for (std::size_t c = 0; c < 3; ++c)
-            surface[c] = sphere.color[c] * (0.12 + 0.95 * lit) + 0.7 * gloss;
-        light = mixed(light, surface, (1.0 - std::sqrt(squared)) * sphere.radius * 220.0);
-    }
-    return light;
-}
-
-QRgb photoPixel(int x, int y, QSize size)
-{
-    const Light light =
-            photoLight((x + 0.5 - 0.5 * size.width()) / size.height(), (y + 0.5) / size.height());
-    const auto encoded = [&](std::size_t c) {
-        const double value = std::pow(std::clamp(light[c], 0.0, 1.0), 1.0 / 2.2);
-        return int(
-                std::clamp(255.0 * value + 5.0 * (hashNoise(x, 3 * y + int(c)) - 0.5), 0.0, 255.0));
-    };
-    return qRgb(encoded(0), encoded(1), encoded(2));
-}
-
-template<typename PixelAt>
-QImage still(QSize size, PixelAt pixelAt)
-{
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, pixelAt(x, y, size));
-    }
-    return image;
-}
-
-struct TestPicture
-{
-    const char *name;
-    QImage (*draw)(QSize size, int frame);
-};
-
-constexpr TestPicture kTestPictures[] = {
-        {"scene", scene},
-        {"card", [](QSize size, int /*frame*/) { return still(size, cardPixel); }},
-        {"photo", [](QSize size, int /*frame*/) { return still(size, photoPixel); }},
-};
-
 constexpr auto kPictures = ":/test-pictures"_L1;
 
 // A file has the frames of a moving picture side by side.
@@ -364,9 +177,9 @@ QImage pictureFromFile(const QString &name, int frame)
             .convertToFormat(QImage::Format_RGB32);
 }
 
-QString nameOf(const TestPicture &picture, QSize size)
+QString sceneName(QSize size)
 {
-    return u"%1-%2x%3"_s.arg(QLatin1StringView(picture.name)).arg(size.width()).arg(size.height());
+    return u"scene-%1x%2"_s.arg(size.width()).arg(size.height());
 }
 
 } // namespace
@@ -374,10 +187,8 @@ QString nameOf(const TestPicture &picture, QSize size)
 QStringList testPictureNames()
 {
     QStringList names;
-    for (const TestPicture &picture : kTestPictures) {
-        for (const QSize size : kSizes)
-            names.append(nameOf(picture, size));
-    }
+    for (const QSize size : kSizes)
+        names.append(sceneName(size));
     for (const QString &file : QDir(kPictures).entryList())
         names.append(file.chopped(4));
     return names;
@@ -385,11 +196,6 @@ QStringList testPictureNames()
 
 QImage testPicture(const QString &name, int frame)
 {
-    for (const TestPicture &picture : kTestPictures) {
-        for (const QSize size : kSizes) {
-            if (nameOf(picture, size) == name)
-                return picture.draw(size, frame);
-        }
-    }
-    return pictureFromFile(name, frame);
+    const auto *size = std::ranges::find(kSizes, name, sceneName);
+    return size == std::end(kSizes) ? pictureFromFile(name, frame) : scene(*size, frame);
 }

@@ -5,9 +5,9 @@
 #include <QStringList>
 
 // Source pictures, each in one or several sizes. "scene-320x240" is a name. Code draws a pixel-art
-// scene ("scene"), a test card ("card") and a photo-like scene ("photo"). The others are PNG files:
-// a game in colours ("sprites") and in four greys ("greys"), a title screen ("title"), a screen of
-// text ("text") and a face ("portrait").
+// scene ("scene"). The others are PNG files: a test card ("card"), a game in colours ("sprites")
+// and in four greys ("greys"), a title screen ("title"), a screen of text ("text") and a face
+// ("portrait").
 QStringList testPictureNames();
 
 // A frame of a test picture. "scene", "sprites" and "greys" are animated, the others are still.
