@@ -31,7 +31,7 @@ Player examplePlayer(const QString &preset, const QString &device = softwareDevi
     Player player(device);
     player.setPreset(examplePreset(preset));
     player.setSource(sourceOf(u"scene-160x144"_s));
-    player.setViewport({48, 32});
+    player.state().viewport = {48, 32};
     return player;
 }
 
@@ -95,13 +95,12 @@ void TestPlayer::sourceFollowsTheFrames()
 void TestPlayer::valuesAreTheTunedOnesUntilSet()
 {
     Player player = examplePlayer(u"gba-lcd"_s);
-    QCOMPARE(player.values().value(u"lcd_diffuse"_s), 0.55F);
+    QCOMPARE(player.state().params.value(u"lcd_diffuse"_s), 0.55F);
     const QImage tuned = draw(player, 0);
-    player.setValue(u"lcd_diffuse"_s, 0.0F);
+    player.state().params[u"lcd_diffuse"_s] = 0.0F;
     QVERIFY(draw(player, 0) != tuned);
-    player.resetValues();
-    player.resetHistories();
-    QCOMPARE(player.values().value(u"lcd_diffuse"_s), 0.55F);
+    player.setPreset(player.preset());
+    QCOMPARE(player.state().params.value(u"lcd_diffuse"_s), 0.55F);
     QCOMPARE(draw(player, 0), tuned);
 }
 
@@ -119,10 +118,10 @@ void TestPlayer::historiesContinue()
 void TestPlayer::presetIsReplaced()
 {
     Player player = examplePlayer(u"gba-lcd"_s);
-    player.setValue(u"lcd_diffuse"_s, 0.0F);
+    player.state().params[u"lcd_diffuse"_s] = 0.0F;
     draw(player, 0);
     player.setPreset(examplePreset(u"stock"_s));
-    QCOMPARE(player.values(), (QHash<QString, float>()));
+    QCOMPARE(player.state().params, (QHash<QString, float>()));
     Player other = examplePlayer(u"stock"_s);
     QCOMPARE(draw(player, 0), draw(other, 0));
     QCOMPARE(player.renderer()->passes().size(), 2);
@@ -202,14 +201,14 @@ void TestPlayer::failedDeviceIsOpenedAgain()
     const QImage first = draw(player, 0);
 
     qputenv("FAILING_CALL", call);
-    player.setViewport({49, 32});
+    player.state().viewport = {49, 32};
     QString error;
     QVERIFY(!player.drawFrame(0, error));
     QCOMPARE(error, message);
     QVERIFY(player.renderer() == nullptr);
 
     qunsetenv("FAILING_CALL");
-    player.setViewport({48, 32});
+    player.state().viewport = {48, 32};
     QCOMPARE(draw(player, 0), first);
 }
 

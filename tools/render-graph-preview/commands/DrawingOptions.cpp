@@ -120,12 +120,11 @@ bool DrawingOptions::loadPlayer(const QString &shadersDir, const QString &preset
     player.emplace(device, outputs);
     player->setPreset(loaded);
     player->setHeadroom(headroom);
-    player->setBackwards(isBackwards);
+    player->state().frameDirection = isBackwards ? -1 : 1;
     QHash<QString, float> read;
     if (!valuesFile.isEmpty() && !readGlslp(valuesFile, loaded, read, error))
         return false;
-    for (auto value = read.cbegin(); value != read.cend(); ++value)
-        player->setValue(value.key(), value.value());
+    player->state().params.insert(read);
     return std::ranges::all_of(values, [&](const auto &value) {
         return setValue(*player, value.first, value.second, error);
     });
@@ -144,7 +143,7 @@ bool DrawingOptions::openSource(Player &player, QString &error)
                          qUtf8Printable(stretch));
     }
     player.setSource(sourcePicture);
-    player.setViewport(size);
+    player.state().viewport = size;
     return true;
 }
 
@@ -165,6 +164,6 @@ bool setValue(Player &player, const QString &id, const QString &number, QString 
     if (!parseNumber(id + u'=' + number, number, numberText(param->min).toDouble(),
                      numberText(param->max).toDouble(), value, error))
         return false;
-    player.setValue(id, value);
+    player.state().params[id] = value;
     return true;
 }

@@ -77,7 +77,7 @@ bool writeGraph(const CommandLine &line, const QString &preset, const QString &o
         || !options.loadPlayer(line.shadersDir, preset, OffscreenRenderer::Outputs::All, player,
                                error))
         return false;
-    GraphDotExtras extras = {.values = player->values(), .passes = {}, .thumbnails = {}};
+    GraphDotExtras extras = {.values = player->state().params, .passes = {}, .thumbnails = {}};
     if ((withThumbnails || line.parser.isSet(u"size"_s))
         && !addFrame(options, *player, withThumbnails, extras, error))
         return false;

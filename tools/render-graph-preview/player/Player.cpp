@@ -14,7 +14,7 @@ void Player::setPreset(const PresetOnDisk &preset)
 {
     m_preset = preset;
     m_hasGraph = false;
-    resetValues();
+    m_state.params = initialValues(m_preset.parameters);
 }
 
 void Player::setSource(const SourcePicture &source)
@@ -23,35 +23,10 @@ void Player::setSource(const SourcePicture &source)
     m_hasSource = false;
 }
 
-void Player::setValue(const QString &id, float value)
-{
-    m_state.params.insert(id, value);
-}
-
-void Player::resetValues()
-{
-    m_state.params = initialValues(m_preset.parameters);
-}
-
-void Player::setViewport(QSize viewport)
-{
-    m_state.viewport = viewport;
-}
-
 void Player::setHeadroom(std::optional<float> headroom)
 {
     m_state.hdrOutputActive = headroom.has_value();
     m_state.hdrHeadroom = headroom.value_or(1.0F);
-}
-
-void Player::setBackwards(bool isBackwards)
-{
-    m_state.frameDirection = isBackwards ? -1 : 1;
-}
-
-void Player::setFrameSeconds(float seconds)
-{
-    m_state.frameSeconds = seconds;
 }
 
 void Player::resetHistories()

@@ -5,9 +5,6 @@
 
 #include <OffscreenRenderer.h>
 
-#include <QHash>
-#include <QImage>
-#include <QSize>
 #include <QString>
 
 #include <memory>
@@ -36,18 +33,12 @@ public:
         return m_source;
     }
 
-    void setValue(const QString &id, float value);
-    void resetValues();
-    const QHash<QString, float> &values() const
+    // The inputs of the next frames, except their number. They have a value for each parameter.
+    FrameState &state()
     {
-        return m_state.params;
+        return m_state;
     }
-
-    void setViewport(QSize viewport);
     void setHeadroom(std::optional<float> headroom); // empty: SDR
-
-    void setBackwards(bool isBackwards); // the shaders' frameDirection
-    void setFrameSeconds(float seconds); // since the previous frame
 
     // The next frame is drawn as if the display had been showing its source for a long time.
     void resetHistories();

@@ -74,15 +74,15 @@ private:
 struct Session::Request
 {
     Redraw redraw = Redraw::Frame;
-    std::optional<Changes> kept; // these are kept with the preset
-    QString picturePath; // where the picture is saved, if it is
+    std::optional<Changes> kept = {}; // these are kept with the preset
+    QString picturePath = {}; // where the picture is saved, if it is
     std::uint64_t number = 0;
-    QString preset;
+    QString preset = {};
     bool needsPreset = false; // even if it has not changed
     int revision = 0;
-    ViewSettings view;
-    DisplaySettings display;
-    Changes changes;
+    ViewSettings view = {};
+    DisplaySettings display = {};
+    Changes changes = {};
     int frame = 0;
     float frameSeconds = 0.0F;
 };
@@ -322,10 +322,10 @@ private:
         QSize viewport = request.view.viewport;
         if (request.view.keepsAspectRatio)
             viewport = player.source().size().scaled(viewport, Qt::KeepAspectRatio);
-        player.setViewport(viewport.expandedTo({1, 1}));
+        player.state().viewport = viewport.expandedTo({1, 1});
         player.setHeadroom(request.view.headroom);
-        player.setBackwards(request.view.isBackwards);
-        player.setFrameSeconds(request.frameSeconds);
+        player.state().frameDirection = request.view.isBackwards ? -1 : 1;
+        player.state().frameSeconds = request.frameSeconds;
         if (request.redraw != Redraw::NextFrame)
             player.resetHistories();
     }
@@ -344,17 +344,14 @@ private:
                                             : against == Against::BeforeSave
                                             ? m_beforeSave.value_or(m_player.preset())
                                             : m_player.preset());
-        if (against != Against::TunedValues) {
-            const QHash<QString, float> &values = isKept ? m_kept->values : m_player.values();
-            for (auto value = values.cbegin(); value != values.cend(); ++value)
-                m_otherPlayer.setValue(value.key(), value.value());
-        }
+        if (against != Against::TunedValues)
+            m_otherPlayer.state().params.insert(isKept ? m_kept->values : m_player.state().params);
         return isNew;
     }
 
     void keepState()
     {
-        m_kept = {m_player.preset(), m_player.values()};
+        m_kept = {m_player.preset(), m_player.state().params};
         ++m_keeps;
     }
 
@@ -370,12 +367,8 @@ private:
 
     void setValues(const Changes &changes)
     {
-        m_player.resetValues();
-        for (const PresetParamMeta &parameter : m_player.preset().parameters) {
-            if (const auto change = changes.constFind(parameter.id); change != changes.cend())
-                m_player.setValue(parameter.id,
-                                  std::clamp(change->value, parameter.min, parameter.max));
-        }
+        for (const PresetParamMeta &parameter : m_player.preset().parameters)
+            m_player.state().params[parameter.id] = valueOf(changes, parameter);
     }
 
     bool submit(const Request &request, Result &result, QString &error)
@@ -540,33 +533,23 @@ void Session::setDisplay(const DisplaySettings &display)
 
 void Session::keepState()
 {
-    Request request;
-    request.redraw = Redraw::View;
-    request.kept = changes();
-    send(std::move(request));
+    send({.redraw = Redraw::View, .kept = changes()});
 }
 
 void Session::savePicture(const QString &path)
 {
-    Request request;
-    request.redraw = Redraw::View;
-    request.picturePath = path;
-    send(std::move(request));
+    send({.redraw = Redraw::View, .picturePath = path});
 }
 
-float Session::value(const PresetParamMeta &parameter) const
+float Session::valueOf(const Changes &changes, const PresetParamMeta &parameter)
 {
-    const Changes set = changes();
-    const auto change = set.constFind(parameter.id);
-    return change == set.cend() ? parameter.initialValue
-                                : std::clamp(change->value, parameter.min, parameter.max);
+    const float value = changes.value(parameter.id, {.value = parameter.initialValue}).value;
+    return std::clamp(value, parameter.min, parameter.max);
 }
 
 float Session::replacedValue(const PresetParamMeta &parameter) const
 {
-    const Changes set = changes();
-    const auto change = set.constFind(parameter.id);
-    return change == set.cend() ? parameter.initialValue : change->tuned;
+    return changes().value(parameter.id, {.tuned = parameter.initialValue}).tuned;
 }
 
 QHash<QString, float> Session::values() const
@@ -721,9 +704,7 @@ double Session::frameAdvance() const
 
 void Session::request(Redraw redraw)
 {
-    Request request;
-    request.redraw = redraw == Redraw::Frame && isRunning() ? Redraw::NextFrame : redraw;
-    send(std::move(request));
+    send({.redraw = redraw == Redraw::Frame && isRunning() ? Redraw::NextFrame : redraw});
 }
 
 void Session::send(Request request)

@@ -94,7 +94,10 @@ public:
     {
         return m_loaded.graph;
     }
-    float value(const PresetParamMeta &parameter) const;
+    float value(const PresetParamMeta &parameter) const
+    {
+        return valueOf(changes(), parameter);
+    }
     // The tuned value that a parameter had when its value was set; else the tuned value.
     float replacedValue(const PresetParamMeta &parameter) const;
     void setValue(const QString &id, float value);
@@ -158,8 +161,8 @@ private:
     class ValuesChange;
     struct Change
     {
-        float value;
-        float tuned; // at that time
+        float value = 0.0F;
+        float tuned = 0.0F; // at that time
 
         bool operator==(const Change &) const = default;
     };
@@ -169,6 +172,7 @@ private:
     {
         return m_changes.value(m_preset);
     }
+    static float valueOf(const Changes &changes, const PresetParamMeta &parameter);
     QHash<QString, float> values() const;
     void insertChange(Changes &changes, const QString &id, float value) const;
     void pushChanges(const QString &preset, const Changes &changes);
