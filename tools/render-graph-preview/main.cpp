@@ -108,7 +108,8 @@ int main(int argc, char *argv[])
     parser.clearPositionalArguments();
     parser.setApplicationDescription(QLatin1StringView(command.description));
     parser.addPositionalArgument(name, u"This command."_s);
-    if (command.mostArguments > 0)
+    const bool takesPreset = *command.arguments != '\0';
+    if (takesPreset)
         parser.addPositionalArgument(u"preset"_s, u"A preset's name (see 'list')."_s,
                                      QLatin1StringView(command.arguments));
     const QCommandLineOption out(u"out"_s, QLatin1StringView(command.out), u"path"_s);
@@ -123,12 +124,13 @@ int main(int argc, char *argv[])
     if (parser.isSet(version))
         parser.showVersion();
     const QStringList arguments = parser.positionalArguments().mid(1);
-    if (arguments.size() < command.fewestArguments || arguments.size() > command.mostArguments)
+    if (arguments.size() > (takesPreset ? 1 : 0)
+        || (arguments.isEmpty() && *command.arguments == '<'))
         return fail(u"usage: render-graph-preview %1 %2 (see --help)"_s.arg(
                 name, QLatin1StringView(command.arguments)));
 
     // Commands that take a preset read shaders.
-    if (command.mostArguments > 0 && parser.value(shadersDir).isEmpty())
+    if (takesPreset && parser.value(shadersDir).isEmpty())
         return fail(u"--shaders-dir is missing: name the shaders directory"_s);
     const QString path = writes ? parser.value(out) : QString();
     if (writes && path.isEmpty())
@@ -137,8 +139,7 @@ int main(int argc, char *argv[])
     QString error;
     if (command.createApplication != nullptr) {
         application.reset();
-        if (!command.createApplication(argc, argv, application, error))
-            return fail(error);
+        application = command.createApplication(argc, argv);
     }
     bool isDone = false;
     try {

@@ -22,19 +22,15 @@ struct CommandLine
 struct Command
 {
     const char *name;
-    const char *arguments; // as --help shows them; "" if there are none
+    const char *arguments; // "<preset>", "[<preset>]" if it may be left out, or ""
     const char *description;
-    const char *out; // the description of --out; "" if the command has no such option
-    int fewestArguments;
-    int mostArguments;
+    const char *out = ""; // the description of --out; "" if the command has no such option
     QList<QCommandLineOption> (*options)();
     // Functions that can fail return false and set `error` to one line or more, without the
     // program's name.
     bool (*run)(const CommandLine &line, QString &error);
     // Creates the application object before `run`. Null if a QCoreApplication will do.
-    bool (*createApplication)(int &argc, char **argv,
-                              std::unique_ptr<QCoreApplication> &application,
-                              QString &error) = nullptr;
+    std::unique_ptr<QCoreApplication> (*createApplication)(int &argc, char **argv) = nullptr;
 };
 
 extern const Command kPictureCommand;

@@ -116,7 +116,5 @@ const Command kGraphCommand = {
         .description =
                 "Draws a preset's passes as boxes, with arrows for what they sample, and a legend.",
         .out = "A file that ends in .svg, drawn by Graphviz, or in .dot; with --all a directory.",
-        .fewestArguments = 0,
-        .mostArguments = 1,
         .options = graphOptions,
         .run = graph};

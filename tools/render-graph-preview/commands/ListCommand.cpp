@@ -39,9 +39,6 @@ const Command kListCommand = {
         .name = "list",
         .arguments = "",
         .description = "Names the presets, the test pictures and the devices.",
-        .out = "",
-        .fewestArguments = 0,
-        .mostArguments = 0,
         .options = [] { return QList<QCommandLineOption>(); },
         .run = list,
 };

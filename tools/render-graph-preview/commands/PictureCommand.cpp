@@ -181,7 +181,5 @@ const Command kPictureCommand = {
                 "Writes what a preset shows as a PNG file: 8 bits per channel, sRGB. With --hdr 16 "
                 "bits, linear light: 65535 is the headroom, 65535 / headroom the reference white.",
         .out = "The PNG file to write; its name ends in .png.",
-        .fewestArguments = 1,
-        .mostArguments = 1,
         .options = pictureOptions,
         .run = picture};

@@ -203,8 +203,5 @@ const Command kProfileCommand = {
         .arguments = "<preset>",
         .description = "Measures each pass by the device's time stamps, the whole frame by the "
                        "clock, and the memory held on the device.",
-        .out = "",
-        .fewestArguments = 1,
-        .mostArguments = 1,
         .options = profileOptions,
         .run = profile};

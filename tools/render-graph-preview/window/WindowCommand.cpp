@@ -34,15 +34,14 @@ void reportDisplay(QtMsgType type, const QMessageLogContext & /*context*/, const
     std::_Exit(1);
 }
 
-bool createApplication(int &argc, char **argv, std::unique_ptr<QCoreApplication> &application,
-                       QString & /*error*/)
+std::unique_ptr<QCoreApplication> createApplication(int &argc, char **argv)
 {
     const QtMessageHandler previous = qInstallMessageHandler(reportDisplay);
-    application = std::make_unique<QApplication>(argc, argv);
+    auto application = std::make_unique<QApplication>(argc, argv);
     qInstallMessageHandler(previous);
     for (const QString &reason : std::as_const(g_reasons))
         qWarning().noquote() << reason;
-    return true;
+    return application;
 }
 
 QList<QCommandLineOption> options()
@@ -87,9 +86,6 @@ bool window(const CommandLine &line, QString &error)
 const Command kWindowCommand = {.name = "window",
                                 .arguments = "[<preset>]",
                                 .description = "Shows a preset in a window to tune it in.",
-                                .out = "",
-                                .fewestArguments = 0,
-                                .mostArguments = 1,
                                 .options = options,
                                 .run = window,
                                 .createApplication = createApplication};
