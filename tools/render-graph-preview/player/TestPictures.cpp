@@ -3,7 +3,7 @@
 #include "PixelText.h"
 
 #include <QDir>
-#include <QSize>
+#include <QPainter>
 
 #include <algorithm>
 #include <cmath>
@@ -15,54 +15,6 @@ namespace {
 constexpr QSize kSizes[] = {{320, 240}, {256, 224}, {160, 144}, {240, 160}, {640, 480}};
 
 // The scene: a boat on a lake at dusk.
-
-struct Ink
-{
-    char letter;
-    QRgb color;
-};
-
-// clang-format off
-
-constexpr Ink kInks[] = {
-    {'k', qRgb(24, 20, 37)}, {'w', qRgb(244, 244, 228)}, {'r', qRgb(208, 56, 60)},
-    {'o', qRgb(228, 140, 52)}, {'b', qRgb(116, 68, 44)}, {'d', qRgb(72, 40, 36)},
-    {'g', qRgb(60, 136, 72)}, {'h', qRgb(32, 84, 64)},
-};
-
-// A letter is an ink; '.' is transparent.
-constexpr const char *kBoat[] = {
-    ".........k..........", ".........kr.........", "........kkrr........", ".......wkkrrr.......",
-    "......wwkk..........", "......wwkkww........", ".....wwwkkwww.......", ".....wwwkkwwww......",
-    "....wwwwkkwwwww.....", "....wwwwkkwwwwww....", "...wwwwwkkwwwwww....", "...wwwwwkkwwwwwww...",
-    "..wwwwwwkkwwwwwww...", ".........k..........", "bbbbbbbbbkbbbbbbbbbb", ".bobobobobobobobobb.",
-    "..bbbbbbbbbbbbbbbb..", "...dddddddddddddd...",
-};
-
-constexpr const char *kTree[] = {
-    "......g......", ".....ggg.....", ".....gghg....", "....ggghh....", "...gggghhh...",
-    ".....gghh....", "....ggghhh...", "...gggghhhh..", "..ggggghhhhh.", "....ggghhh...",
-    "...gggghhhh..", "..ggggghhhhh.", ".gggggghhhhhh", "......bd.....", "......bd.....",
-};
-
-constexpr const char *kBirdUp[] = {"k.........k", ".kk.....kk.", "..kkk.kkk..", "....kkk...."};
-constexpr const char *kBirdDown[] = {"....kkk....", "..kkkkkkk..", ".kk..k..kk.", "k.........k"};
-
-// clang-format on
-
-template<std::size_t height>
-void drawSprite(QImage &image, QPoint topLeft, const char *const (&rows)[height], int scale)
-{
-    for (int y = 0; y < int(height) * scale; ++y) {
-        const char *row = rows[y / scale];
-        for (int x = 0; row[x / scale] != '\0'; ++x) {
-            const auto *ink = std::ranges::find(kInks, row[x / scale], &Ink::letter);
-            const QPoint pixel = topLeft + QPoint(x, y);
-            if (ink != std::end(kInks) && image.valid(pixel))
-                image.setPixel(pixel, ink->color);
-        }
-    }
-}
 
 // Ordered 4x4 dither of two colours; `level` from 0 to 1 is the share of the second.
 QRgb dithered(QRgb first, QRgb second, double level, int x, int y)
@@ -130,18 +82,18 @@ QImage scene(QSize size, int frame)
 
     const int travel = width + 40 * scale;
     const auto at = [&](int x, int y) { return QPoint(x, y) * scale; };
-    drawSprite(image, QPoint((frame * scale * 2) % travel - 40 * scale, horizon - scale * 4), kBoat,
-               scale);
+    const auto drawSprite = [&](const QString &name, QPoint topLeft) {
+        const QImage sprite(u":/sprites/%1.png"_s.arg(name));
+        QPainter(&image).drawImage(QRect(topLeft, sprite.size() * scale), sprite);
+    };
+    drawSprite(u"boat"_s, {(frame * scale * 2) % travel - 40 * scale, horizon - scale * 4});
     for (int i = 0; i < 3; ++i) {
         const QPoint bird(width - (frame * scale + i * 31 * scale) % travel,
                           height / 6 + i * 9 * scale);
-        if ((frame / 6 + i) % 2 == 0)
-            drawSprite(image, bird, kBirdUp, scale);
-        else
-            drawSprite(image, bird, kBirdDown, scale);
+        drawSprite((frame / 6 + i) % 2 == 0 ? u"bird-up"_s : u"bird-down"_s, bird);
     }
     for (const int x : {6, 21, 118, 133})
-        drawSprite(image, QPoint(0, shore) + at(x, -12), kTree, scale);
+        drawSprite(u"tree"_s, QPoint(0, shore) + at(x, -12));
 
     const QString counter = u"FRAME %1"_s.arg(frame, 4, 10, QChar(u'0'));
     const struct
@@ -164,7 +116,7 @@ QImage scene(QSize size, int frame)
     return image;
 }
 
-constexpr auto kPictures = ":/test-pictures"_L1;
+constexpr auto kPictures = ":/pictures"_L1;
 
 // A file has the frames of a moving picture side by side.
 QImage pictureFromFile(const QString &name, int frame)
