@@ -119,8 +119,8 @@ QStringList wrongSlots(const QString &path, const VulkanRenderGraph::Pass &pass)
     return errors;
 }
 
-// Whether the modules fit their passes.
-bool checkModules(const QString &shadersDir, const PresetOnDisk &preset, QString &error)
+// What does not fit between the modules and their passes.
+QStringList moduleErrors(const QString &shadersDir, const PresetOnDisk &preset)
 {
     QStringList errors;
     for (int index = 0; index < preset.graph.passes.size(); ++index) {
@@ -132,15 +132,11 @@ bool checkModules(const QString &shadersDir, const PresetOnDisk &preset, QString
             errors.append(moduleError(path, reason));
         errors.append(wrongSlots(path, pass));
     }
-    if (errors.isEmpty())
-        return true;
-    errors.removeDuplicates(); // of a component that several passes have
-    error = errors.join(u'\n');
-    return false;
+    return errors;
 }
 
-// Goes on after an error, so that the errors of all components are reported at once.
-bool compileModules(const QString &shadersDir, PresetOnDisk &preset, QString &error)
+// Goes on after an error, and returns the errors of all components.
+QStringList compileModules(const QString &shadersDir, PresetOnDisk &preset)
 {
     QStringList errors;
     const auto compile = [&](const QString &resource, const QString &path, ShaderStage stage) {
@@ -156,11 +152,7 @@ bool compileModules(const QString &shadersDir, PresetOnDisk &preset, QString &er
         compile(pass.fragmentSpirvResource, componentPath(shadersDir, pass.debugName),
                 ShaderStage::Fragment);
     }
-    if (errors.isEmpty())
-        return true;
-    errors.removeDuplicates(); // of files that several components include
-    error = errors.join(u'\n');
-    return false;
+    return errors;
 }
 
 } // namespace
@@ -188,11 +180,15 @@ bool loadPreset(const QString &shadersDir, const QString &name, PresetOnDisk &pr
     preset.overrides = valueOverridesOf(*decl);
     const QString glslp = glslpPath(shadersDir, *decl);
     preset.hasGlslp = preset.files.contains(glslp) && QFile::exists(glslp);
-    const bool isLoaded = isShadersDir(shadersDir, error)
-            && compileGraph(shadersDir, *decl, preset, error)
-            && compileModules(shadersDir, preset, error) && checkModules(shadersDir, preset, error);
+    if (!isShadersDir(shadersDir, error) || !compileGraph(shadersDir, *decl, preset, error))
+        return false;
+    QStringList errors = compileModules(shadersDir, preset);
+    if (errors.isEmpty())
+        errors = moduleErrors(shadersDir, preset);
+    errors.removeDuplicates(); // of files that several components include or passes have
+    error = errors.join(u'\n');
     preset.files.removeDuplicates();
-    return isLoaded;
+    return errors.isEmpty();
 }
 
 QHash<QString, float> initialValues(const QList<PresetParamMeta> &parameters)
