@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QScopeGuard>
 
 #include <glslang/Public/ResourceLimits.h>
 #include <glslang/Public/ShaderLang.h>
@@ -19,19 +20,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::size_t kMaxIncludeDepth = 32; // stops a file that includes itself
-
-struct GlslangProcess
-{
-    GlslangProcess()
-    {
-        glslang::InitializeProcess();
-    }
-    ~GlslangProcess()
-    {
-        glslang::FinalizeProcess();
-    }
-    Q_DISABLE_COPY_MOVE(GlslangProcess)
-};
 
 std::optional<std::string> contentOf(const QString &path)
 {
@@ -104,7 +92,8 @@ QString errorsOf(const QString &path, const char *log)
 bool compileGlsl(const QString &path, ShaderStage stage, QByteArray &spirv, QStringList &files,
                  QString &error)
 {
-    static const GlslangProcess process;
+    [[maybe_unused]] static const bool isInitialized = glslang::InitializeProcess();
+    static const auto finalize = qScopeGuard([] { glslang::FinalizeProcess(); });
 
     files.append(path);
     const std::optional<std::string> source = contentOf(path);
