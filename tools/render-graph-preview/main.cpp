@@ -88,6 +88,13 @@ int main(int argc, char *argv[])
     parser.addOption(shadersDir);
     parser.addPositionalArgument(u"command"_s, u"What to do."_s);
 
+    const auto showIfAsked = [&] {
+        if (parser.isSet(help))
+            parser.showHelp();
+        if (parser.isSet(version))
+            parser.showVersion();
+    };
+
     // Finds the command; its options are not known yet.
     parser.parse(QCoreApplication::arguments());
     const QString name = parser.positionalArguments().value(0);
@@ -96,10 +103,7 @@ int main(int argc, char *argv[])
     });
     if (found == std::end(kCommands)) {
         parser.setApplicationDescription(commandList());
-        if (parser.isSet(help))
-            parser.showHelp();
-        if (parser.isSet(version))
-            parser.showVersion();
+        showIfAsked();
         return fail(name.isEmpty() ? u"no command is given; --help tells the commands"_s
                                    : u"'%1' is no command; --help tells the commands"_s.arg(name));
     }
@@ -119,10 +123,7 @@ int main(int argc, char *argv[])
     parser.addOptions(command.options());
     if (!parser.parse(QCoreApplication::arguments()))
         return fail(parser.errorText());
-    if (parser.isSet(help))
-        parser.showHelp();
-    if (parser.isSet(version))
-        parser.showVersion();
+    showIfAsked();
     const QStringList arguments = parser.positionalArguments().mid(1);
     if (arguments.size() > (takesPreset ? 1 : 0)
         || (arguments.isEmpty() && *command.arguments == '<'))

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -96,12 +97,7 @@ QImage scene(QSize size, int frame)
         drawSprite(u"tree"_s, QPoint(0, shore) + at(x, -12));
 
     const QString counter = u"FRAME %1"_s.arg(frame, 4, 10, QChar(u'0'));
-    const struct
-    {
-        QPoint at;
-        QString text;
-        QRgb color;
-    } texts[] = {
+    const std::tuple<QPoint, QString, QRgb> texts[] = {
             {at(5, 5), u"QUIET LAKE"_s, qRgb(20, 16, 40)},
             {at(4, 4), u"QUIET LAKE"_s, qRgb(255, 255, 255)},
             {{width - pixelTextWidth(counter, scale) - 3 * scale, 4 * scale},
