@@ -36,8 +36,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QSize kSizes[] = {{640, 480}, {960, 720}, {1440, 1080}, {1920, 1440}, {3840, 2160}};
-constexpr const char *kComparisons[] = {"nothing", "source", "tuned values (declared)", "A (kept)",
-                                        "before the last save"};
 constexpr int kNoticeMilliseconds = 10000;
 constexpr double kSpeeds[] = {30.0, 10.0, 2.0};
 
@@ -71,7 +69,6 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     m_message->hide();
     m_strip->setObjectName(u"strip"_s);
     m_strip->setViewMode(QListView::IconMode);
-    m_strip->setFlow(QListView::LeftToRight);
     m_strip->setWrapping(false);
     m_strip->setMovement(QListView::Static);
     const QSize thumbnail = m_session.display().thumbnailSize;
@@ -137,13 +134,13 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     updateView();
 }
 
-// In two rows, which fit into a window of 1024 pixels.
 // Losing the focus at the end changes what the picture shows.
 Window::~Window()
 {
     m_picture->disconnect(this);
 }
 
+// In two rows, which fit into a window of 1024 pixels.
 void Window::createToolBars()
 {
     QToolBar *bar = nullptr;
@@ -186,8 +183,8 @@ void Window::createToolBars()
             [this] { m_picture->setZoom(m_zooms->currentData().toInt()); });
     addBar(u"Drawing"_s);
     m_comparisons = addChoice(u"&Compare with"_s, "comparison");
-    for (const char *const comparison : kComparisons)
-        m_comparisons->addItem(QLatin1StringView(comparison));
+    m_comparisons->addItems({u"nothing"_s, u"source"_s, u"tuned values (declared)"_s, u"A (kept)"_s,
+                             u"before the last save"_s}); // as in DisplaySettings::Against
     m_headroom = new WithoutStrayWheel<QDoubleSpinBox>;
     m_headroom->setRange(0.0, 16.0);
     m_headroom->setSingleStep(0.5);
