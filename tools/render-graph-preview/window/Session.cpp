@@ -365,23 +365,20 @@ private:
                                                   : u"before the last save: none yet"_s;
     }
 
-    void setValues(const Changes &changes)
-    {
-        for (const PresetParamMeta &parameter : m_player.preset().parameters)
-            m_player.state().params[parameter.id] = valueOf(changes, parameter);
-    }
-
     bool submit(const Request &request, Result &result, QString &error)
     {
         result.frame = std::make_shared<FrameResult>();
         FrameResult &frame = *result.frame;
         frame.preset = m_player.preset().name;
-        const bool isRequested = frame.preset == request.preset;
+        const auto setValues = [&](const Changes &changes) {
+            m_player.state().params = valuesOf(frame.preset == request.preset ? changes : Changes(),
+                                               m_player.preset().parameters);
+        };
         if (request.kept) {
-            setValues(isRequested ? *request.kept : Changes());
+            setValues(*request.kept);
             keepState();
         }
-        setValues(isRequested ? request.changes : Changes());
+        setValues(request.changes);
         if (!openDevice(error))
             return false;
         if (!request.view.keepsAspectRatio)
@@ -552,11 +549,12 @@ float Session::replacedValue(const PresetParamMeta &parameter) const
     return changes().value(parameter.id, {.tuned = parameter.initialValue}).tuned;
 }
 
-QHash<QString, float> Session::values() const
+QHash<QString, float> Session::valuesOf(const Changes &changes,
+                                        const QList<PresetParamMeta> &parameters)
 {
     QHash<QString, float> values;
-    for (const PresetParamMeta &parameter : parameters())
-        values.insert(parameter.id, value(parameter));
+    for (const PresetParamMeta &parameter : parameters)
+        values.insert(parameter.id, valueOf(changes, parameter));
     return values;
 }
 
@@ -628,26 +626,23 @@ void Session::applyChanges(const QString &preset, const Changes &changes)
 void Session::restoreChanges()
 {
     m_settings.beginGroup("values"_L1);
-    for (const QString &preset : m_settings.childGroups()) {
-        m_settings.beginGroup(preset);
-        for (const QString &id : m_settings.childKeys()) {
-            const QStringList numbers = m_settings.value(id).toStringList();
-            m_changes[preset].insert(
-                    id, {.value = numbers.value(0).toFloat(), .tuned = numbers.value(1).toFloat()});
-        }
-        m_settings.endGroup();
+    for (const QString &key : m_settings.allKeys()) { // "<preset>/<id>"
+        const QStringList numbers = m_settings.value(key).toStringList();
+        m_changes[key.section(u'/', 0, 0)].insert(
+                key.section(u'/', 1),
+                {.value = numbers.value(0).toFloat(), .tuned = numbers.value(1).toFloat()});
     }
     m_settings.endGroup();
 }
 
 QString Session::overrides() const
 {
-    return declaredText(m_loaded, values());
+    return declaredText(m_loaded, valuesOf(changes(), parameters()));
 }
 
 QString Session::savedValues() const
 {
-    return glslpText(m_loaded, values());
+    return glslpText(m_loaded, valuesOf(changes(), parameters()));
 }
 
 bool Session::openValues(const QString &path, QString &error)

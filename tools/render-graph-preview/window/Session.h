@@ -173,7 +173,8 @@ private:
         return m_changes.value(m_preset);
     }
     static float valueOf(const Changes &changes, const PresetParamMeta &parameter);
-    QHash<QString, float> values() const;
+    static QHash<QString, float> valuesOf(const Changes &changes,
+                                          const QList<PresetParamMeta> &parameters);
     void insertChange(Changes &changes, const QString &id, float value) const;
     void pushChanges(const QString &preset, const Changes &changes);
     void applyChanges(const QString &preset, const Changes &changes);
