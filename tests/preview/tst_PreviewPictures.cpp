@@ -41,6 +41,8 @@ private Q_SLOTS:
     void testPictureNamesAreThese();
     void storedFramesRepeat();
     void noOtherName();
+    void shownPixels_data();
+    void shownPixels();
     void sourceFiles_data();
     void sourceFiles();
     void usualGammaIsSrgb();
@@ -151,9 +153,27 @@ void TestPreviewPictures::noOtherName()
     QVERIFY(testPicture(u"scene-320x241"_s).isNull());
     QVERIFY(testPicture(QString()).isNull());
     QVERIFY(testPicture(u"title-320x240.png"_s).isNull());
-    const QImage card = testPicture(u"card-320x240"_s);
-    QCOMPARE(card.pixel(60, 20), qRgb(255, 255, 0)); // the second bar
-    QCOMPARE(card.pixel(160, 0), qRgb(255, 255, 255)); // the frame
+}
+
+void TestPreviewPictures::shownPixels_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QPoint>("at");
+    QTest::addColumn<QRgb>("color"); // in frame 20
+    QTest::newRow("card's second bar") << u"card-320x240"_s << QPoint(60, 20) << qRgb(255, 255, 0);
+    QTest::newRow("card's frame") << u"card-320x240"_s << QPoint(160, 0) << qRgb(255, 255, 255);
+    QTest::newRow("trunk") << u"scene-160x144"_s << QPoint(12, 120) << qRgb(116, 68, 44);
+    QTest::newRow("boat") << u"scene-160x144"_s << QPoint(0, 89) << qRgb(116, 68, 44);
+    QTest::newRow("bird, wings down") << u"scene-160x144"_s << QPoint(145, 24) << qRgb(24, 20, 37);
+    QTest::newRow("bird, wings up") << u"scene-160x144"_s << QPoint(109, 33) << qRgb(24, 20, 37);
+}
+
+void TestPreviewPictures::shownPixels()
+{
+    QFETCH(QString, name);
+    QFETCH(QPoint, at);
+    QFETCH(QRgb, color);
+    QCOMPARE(testPicture(name, 20).pixel(at), color);
 }
 
 void TestPreviewPictures::sourceFiles_data()
