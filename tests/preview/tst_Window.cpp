@@ -75,6 +75,7 @@ private Q_SLOTS:
     void parametersAreGrouped();
     void groupsAreFolded();
     void tapeIsRewound();
+    void windowFitsTheScreen();
     void settingsAreKept();
     void lastPresetIsOpened_data();
     void lastPresetIsOpened();
@@ -659,6 +660,13 @@ void TestWindow::tapeIsRewound()
     QVERIFY(waitForImage(*window) != before);
     QTest::keyClick(window.get(), Qt::Key_F7);
     QCOMPARE(waitForImage(*window), before);
+}
+
+// The offscreen screen has 800x800 pixels.
+void TestWindow::windowFitsTheScreen()
+{
+    const Window window(copiedShaders(), QString(), u"stock"_s);
+    QCOMPARE(window.size(), QSize(800, 800));
 }
 
 void TestWindow::settingsAreKept()

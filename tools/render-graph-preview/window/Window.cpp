@@ -129,7 +129,7 @@ Window::Window(const QString &shadersDir, const QString &device, const QString &
     m_presets->setCurrentText(preset);
     m_session.setPreset(preset);
     setWindowTitle(u"render-graph-preview"_s);
-    resize(1280, 860);
+    resize(QSize(1280, 860).boundedTo(screen()->availableSize()));
     restoreSettings();
     updateView();
 }
