@@ -266,25 +266,27 @@ bool ViewPass::State::updateTarget(Target &target, QSize size, QString &error)
     return isDone;
 }
 
-// Takes a buffer that no image uses any more.
+// Takes a buffer that no image uses any more. The interface may release an image at any time: what
+// was in use before may be free now, of whatever size.
 bool ViewPass::State::updateBuffer(Flight &flight, std::size_t size, QString &error)
 {
     flight.buffer.reset();
-    std::erase_if(m_buffers, [size](const std::shared_ptr<HostBuffer> &buffer) {
-        return buffer.use_count() == 1 && (buffer->size() < size || buffer->size() / 2 > size);
-    });
-    const auto spare =
-            std::ranges::find_if(m_buffers, [](const std::shared_ptr<HostBuffer> &buffer) {
-                return buffer.use_count() == 1;
-            });
+    const auto fits = [size](const std::shared_ptr<HostBuffer> &buffer) {
+        return buffer->size() >= size && buffer->size() / 2 <= size;
+    };
+    const auto spare = std::ranges::find_if(
+            m_buffers, [&](const auto &buffer) { return fits(buffer) && buffer.use_count() == 1; });
     if (spare != m_buffers.end()) {
         std::atomic_thread_fence(std::memory_order_acquire); // after the image's last reader
         flight.buffer = *spare;
-        return true;
-    }
-    if (!m_device->createBuffer(size, VulkanDevice::Transfer::Download, flight.buffer, error))
+    } else if (m_device->createBuffer(size, VulkanDevice::Transfer::Download, flight.buffer,
+                                      error)) {
+        m_buffers.push_back(flight.buffer);
+    } else {
         return false;
-    m_buffers.push_back(flight.buffer);
+    }
+    std::erase_if(m_buffers,
+                  [&](const auto &buffer) { return !fits(buffer) && buffer.use_count() == 1; });
     return true;
 }
 
