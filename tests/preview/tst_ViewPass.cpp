@@ -45,7 +45,8 @@ ViewState comparing(Comparison comparison, QSize size)
 class View
 {
 public:
-    explicit View(const FloatImage &source)
+    // The second pass has the size of the viewport; an empty one is as large as the source.
+    explicit View(const FloatImage &source, QSize viewport = {}) : m_viewport(viewport)
     {
         const QString directory =
                 QStringLiteral(SOURCE_DIR "/tools/render-graph-preview/renderer/");
@@ -99,15 +100,16 @@ private:
                                             renderer, m_error));
             PresetOnDisk preset = examplePreset(u"stock"_s);
             VulkanRenderGraph::Pass &copy = preset.graph.passes.first();
-            copy.scaleSource = VulkanRenderGraph::ScaleSource::Viewport;
+            copy.scaleSource = VulkanRenderGraph::ScaleSource::Source;
             copy.format = VulkanRenderGraph::Format::RGBA32F;
             VulkanRenderGraph::Pass final = copy;
+            final.scaleSource = VulkanRenderGraph::ScaleSource::Viewport;
             final.isFinalPass = true;
             final.sampledInputs = {{0}};
             preset.graph.passes = {copy, final};
             check(renderer->setGraph(preset.graph, preset.modules, m_error));
         }
-        m_state.viewport = source.size;
+        m_state.viewport = m_viewport.isEmpty() ? source.size : m_viewport;
         check(renderer->setSource(source.toImage(), m_error));
     }
     void check(bool isDone) const
@@ -116,6 +118,7 @@ private:
             qFatal("%s", qPrintable(m_error));
     }
 
+    QSize m_viewport;
     QString m_error;
     FrameState m_state;
     std::unique_ptr<ViewPass> m_pass;
@@ -252,15 +255,14 @@ void TestViewPass::texelIsRead()
 
 void TestViewPass::thumbnailsHaveTheLastShape()
 {
-    View view(FloatImage({40, 10}, {1.0F, 0.0F, 0.0F, 1.0F}));
+    View view(FloatImage({10, 10}, {1.0F, 0.0F, 0.0F, 1.0F}), {40, 10});
     ViewInput input;
     input.thumbnailSize = {20, 20};
     const ViewOutput output = view.show(input);
     QCOMPARE(output.thumbnails.size(), 2);
     for (const QImage &thumbnail : output.thumbnails) {
         QCOMPARE(thumbnail.size(), QSize(20, 5));
-        QCOMPARE(thumbnail.pixel(0, 0), qRgb(255, 0, 0));
-        QCOMPARE(thumbnail.pixel(19, 4), qRgb(255, 0, 0));
+        QCOMPARE(thumbnail.pixel(10, 2), qRgb(255, 0, 0));
     }
 }
 
